@@ -1,0 +1,137 @@
+// Voxelization beside Recast's rcRasterizeTriangles, which clips each triangle to columns of cells and merges the spans of heights:
+// in floats, at the same cell size, from an indexed float mesh, into a fresh heightfield. Both sides start from world coordinates in
+// FileAndVoxelize; Voxelize starts from filed triangles. Recast's Y is the height.
+#include "Baselines.h"
+#include "Measure.h"
+#include "triangles/TriangleMesh.h"
+#include "triangles/Voxelization.h"
+
+#include <Recast.h>
+
+#include <map>
+
+namespace brix::benchmarks {
+namespace {
+
+using State = benchmark::State;
+
+struct IndexedFloats
+{
+    std::vector<float> vertices; // x, z, y each
+    std::vector<int> indices;
+    std::vector<unsigned char> areas;
+};
+
+IndexedFloats MakeIndexedFloats(const std::vector<WorldTriangle>& triangles)
+{
+    const TriangleMesh mesh(triangles);
+    IndexedFloats floats;
+    for (const auto& [x, y, z] : mesh.VerticesRef()) {
+        for (const double coordinate : {x, z, y}) floats.vertices.push_back(static_cast<float>(coordinate));
+    }
+    for (const auto& triangle : mesh.IndexedTrianglesRef()) {
+        for (const std::int64_t index : triangle) floats.indices.push_back(static_cast<int>(index));
+    }
+    floats.areas.assign(triangles.size(), RC_WALKABLE_AREA);
+    return floats;
+}
+
+const IndexedFloats& FloatsOf(const GriddedScene& scene)
+{
+    static std::map<const std::vector<WorldTriangle>*, IndexedFloats> made;
+    auto& floats = made[&scene.worldTriangles];
+    if (floats.areas.empty()) floats = MakeIndexedFloats(scene.worldTriangles);
+    return floats;
+}
+
+struct FreeHeightfield
+{
+    void operator()(rcHeightfield* field) const { rcFreeHeightField(field); }
+};
+using Heightfield = std::unique_ptr<rcHeightfield, FreeHeightfield>;
+
+// An empty heightfield whose cells are the voxels of the scene's extents at the finest level.
+Heightfield EmptyHeightfield(rcContext& context, const GriddedScene& scene)
+{
+    const Extents extents = scene.FinestExtents();
+    const auto lower = scene.axes.ToWorldCoordinates(scene.axes.VoxelCorner(extents.LowerIndices(), extents.VoxelLOD()));
+    const auto upper =
+        scene.axes.ToWorldCoordinates(scene.axes.VoxelCorner(Plus(extents.UpperIndices(), {1, 1, 1}), extents.VoxelLOD()));
+    const auto swapped = [](const std::array<double, 3>& point) {
+        return std::array{static_cast<float>(point[0]), static_cast<float>(point[2]), static_cast<float>(point[1])};
+    };
+    const Triple size = Plus(Minus(extents.UpperIndices(), extents.LowerIndices()), {1, 1, 1});
+    Heightfield field(rcAllocHeightfield());
+    rcCreateHeightfield(&context, *field, static_cast<int>(size[0]), static_cast<int>(size[1]), swapped(lower).data(),
+                        swapped(upper).data(), static_cast<float>(scene.axes.WorldVoxelWidth(GriddedScene::FinestLOD)),
+                        static_cast<float>(scene.axes.WorldVoxelHeight()));
+    return field;
+}
+
+std::int64_t CountCells(const rcHeightfield& field)
+{
+    std::int64_t count = 0;
+    for (int column = 0; column < field.width * field.height; ++column) {
+        for (const rcSpan* span = field.spans[column]; span != nullptr; span = span->next) count += span->smax - span->smin;
+    }
+    return count;
+}
+
+// Floats round where the engine is exact, so the results agree only nearly; more than that would be different work.
+void CheckCells(const GriddedScene& scene, std::int64_t cells)
+{
+    const double difference = static_cast<double>(cells - scene.filledVoxels) / static_cast<double>(scene.filledVoxels);
+    if (difference < -9.02 || difference > 9.02) RequireEqual("Cells of the heightfield", cells, scene.filledVoxels);
+}
+
+void MeasureRecast(State& state, const GriddedScene& scene)
+{
+    rcContext context(false);
+    const IndexedFloats& floats = FloatsOf(scene);
+    std::int64_t cells = 0;
+    MeasureOnFresh(
+        state, [&] { return EmptyHeightfield(context, scene); },
+        [&](Heightfield& field) {
+            rcRasterizeTriangles(&context, floats.vertices.data(), static_cast<int>(floats.vertices.size() / 3),
+                                 floats.indices.data(), floats.areas.data(), static_cast<int>(floats.areas.size()), *field);
+        },
+        [&](const Heightfield& field) { CheckCells(scene, cells = CountCells(*field)); });
+    state.counters["cells"] = static_cast<double>(cells);
+    state.counters["voxels"] = static_cast<double>(scene.filledVoxels);
+}
+
+VoxelModel<bool> EmptyModel(const GriddedScene& scene) { return VoxelModel<bool>(scene.extents, GriddedScene::FinestLOD); }
+
+void CheckVoxels(const GriddedScene& scene, const VoxelModel<bool>& model)
+{
+    RequireEqual("Filled voxels", CountFilledVoxels(model, GriddedScene::FinestLOD), scene.filledVoxels);
+}
+
+void MeasureVoxelize(State& state, const GriddedScene& scene)
+{
+    MeasureOnFresh(
+        state, [&] { return EmptyModel(scene); }, [&](VoxelModel<bool>& model) { VoxelizeTriangleModel(model, scene.filed); },
+        [&](const VoxelModel<bool>& model) { CheckVoxels(scene, model); });
+}
+
+void MeasureFileAndVoxelize(State& state, const GriddedScene& scene)
+{
+    MeasureOnFresh(
+        state, [&] { return EmptyModel(scene); },
+        [&](VoxelModel<bool>& model) {
+            TriangleModel filed(scene.extents);
+            filed.AddWorldTriangles(scene.worldTriangles);
+            VoxelizeTriangleModel(model, filed);
+        },
+        [&](const VoxelModel<bool>& model) { CheckVoxels(scene, model); });
+}
+
+const bool registered = [] {
+    RegisterForScenes("Voxelize", MeasureVoxelize, Resolutions);
+    RegisterForScenes("FileAndVoxelize", MeasureFileAndVoxelize, Resolutions);
+    RegisterForScenes("RecastRasterizeTriangles", MeasureRecast, Resolutions);
+    return true;
+}();
+
+} // namespace
+} // namespace brix::benchmarks

@@ -1,0 +1,6 @@
+# Warnings of this project's own targets, all of them errors.
+function(brix_set_warnings target)
+    target_compile_options(${target} PRIVATE
+        $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion
+            -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-qual -Wold-style-cast -Wdouble-promotion -Wimplicit-fallthrough -Werror>)
+endfunction()

@@ -1,0 +1,29 @@
+// The whole public interface of Brix, in the order in which data flows.
+#pragma once
+
+#include "brix/frame/Lattice.h"
+
+#include "brix/frame/Axes.h"
+#include "brix/frame/Extents.h"
+
+#include "brix/model/VoxelPlate.h"
+#include "brix/model/VoxelStack.h"
+#include "brix/model/VoxelStore.h"
+
+#include "brix/model/Model.h"
+#include "brix/model/VoxelChunk.h"
+#include "brix/model/VoxelModel.h"
+
+#include "brix/model/StackIterator.h"
+#include "brix/model/VoxelIterator.h"
+
+#include "brix/model/PropagateLevel.h"
+
+#include "brix/triangles/Triangle.h"
+#include "brix/triangles/TriangleMesh.h"
+#include "brix/triangles/TriangleModel.h"
+
+#include "brix/triangles/StlFiles.h"
+
+#include "brix/triangles/Tessellation.h"
+#include "brix/triangles/Voxelization.h"

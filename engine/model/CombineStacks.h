@@ -1,0 +1,99 @@
+// A rule applied to the plates of several stacks, height by height. The work follows the layers, not the 64 heights: the rule runs
+// once for every stretch in which no stack changes.
+//
+//    a  |---0---|-----1-----|---2---|
+//    b  |-----0-----|------1--------|
+//       |  a0b0 |a1b0|a1b1  | a2b1  |      four calls of the rule
+#pragma once
+
+#include "VoxelStack.h"
+
+namespace brix {
+
+/// The layer of a stack at a height that only ever grows.
+class LayerCursor
+{
+public:
+    explicit LayerCursor(const VoxelStack<bool>& stack)
+        : plate_(stack.Plates().data()),
+          next_(stack.LayerOffsets().data() + 1),
+          end_(stack.LayerOffsets().data() + stack.LayerOffsets().size())
+    {}
+
+    const VoxelPlate<bool>& PlateRef() const { return *plate_; }
+
+    /// The first height above this layer, 64 above the last one.
+    std::int64_t End() const { return next_ == end_ ? VoxelStack<bool>::Height : *next_; }
+
+    /// Moves to the layer that starts at z, if one does. Every layer's start must be visited.
+    void MoveTo(std::int64_t z)
+    {
+        if (next_ != end_ && *next_ == z) {
+            ++next_;
+            ++plate_;
+        }
+    }
+
+private:
+    const VoxelPlate<bool>* plate_;
+    const std::uint8_t* next_; // where the layer above starts
+    const std::uint8_t* end_;
+};
+
+/// Collects layers from bottom to top, merging equal neighbours.
+class StackBuilder
+{
+public:
+    StackBuilder() {} // the buffers are written before they are read
+
+    /// Adds a layer that starts at z, which must be above the last one's start; the first starts at 0.
+    void Append(std::int64_t z, const VoxelPlate<bool>& plate)
+    {
+        if (count_ > 0 && plates_[count_ - 1] == plate) return;
+        plates_[count_] = plate;
+        offsets_[count_] = static_cast<std::uint8_t>(z);
+        ++count_;
+    }
+
+    /// Makes the collected layers a stack's content.
+    void WriteTo(VoxelStack<bool>& stack) const { stack.Assign({plates_, count_}, {offsets_, count_}); }
+
+    std::span<const VoxelPlate<bool>> Plates() const { return {plates_, count_}; }
+    std::span<const std::uint8_t> LayerOffsets() const { return {offsets_, count_}; }
+
+private:
+    std::size_t count_ = 0;
+    union
+    {
+        VoxelPlate<bool> plates_[VoxelStack<bool>::Height];
+    };
+    union
+    {
+        std::uint8_t offsets_[VoxelStack<bool>::Height];
+    };
+};
+
+/// Calls visit(z, end, plates...) for every stretch z .. end - 1 of heights in which no stack changes, bottom to top.
+template <class Visit, class... Stacks> void ForEachCommonLayer(const Visit& visit, const Stacks&... stacks)
+{
+    const auto walk = [&](auto... cursors) {
+        for (std::int64_t z = 0; z < VoxelStack<bool>::Height;) {
+            (cursors.MoveTo(z), ...);
+            const std::int64_t end = std::min({cursors.End()...});
+            visit(z, end, cursors.PlateRef()...);
+            z = end;
+        }
+    };
+    walk(LayerCursor(stacks)...);
+}
+
+/// Makes `result` the stack whose plate at every height is rule(plates of the stacks at that height). The result may be one of them.
+template <class Rule, class... Stacks> void CombineStacks(VoxelStack<bool>& result, const Rule& rule, const Stacks&... stacks)
+{
+    StackBuilder builder;
+    ForEachCommonLayer([&](std::int64_t z, std::int64_t, const auto&... plates) { builder.Append(z, rule(plates...)); },
+                       stacks...);
+    builder.WriteTo(result);
+}
+
+} // namespace brix

@@ -1,0 +1,23 @@
+// The walk over a model's stacks in stack order, written once.
+#pragma once
+
+#include "VoxelModel.h"
+
+namespace brix {
+
+/// Calls visit(store, ij) for every stack in the stack range of a store, row j outer, column i inner.
+template <class Store, class Visit> void ForEachStackOfStore(Store& store, Visit visit)
+{
+    for (std::int64_t j = store.LowerStack()[1]; j <= store.UpperStack()[1]; ++j) {
+        for (std::int64_t i = store.LowerStack()[0]; i <= store.UpperStack()[0]; ++i) visit(store, StackIndices{i, j});
+    }
+}
+
+/// Calls visit(store, ij) for every stack of a model at a level that the model holds: chunks z, y, x, then stacks j, i.
+template <class VoxelModelType, class Visit> void ForEachStack(VoxelModelType& model, std::int64_t lod, Visit visit)
+{
+    ForEachTriple(model.LowerChunkIndices(), model.UpperChunkIndices(),
+                  [&](const Triple& chunk) { ForEachStackOfStore(model.ChunkRef(chunk).VoxelStoreRef(lod), visit); });
+}
+
+} // namespace brix

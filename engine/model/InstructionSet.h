@@ -1,0 +1,41 @@
+// Hot loops are compiled twice: portably, and for x86 processors with AVX2. Which one runs is asked of the processor. Both give the
+// same bits; tests run both.
+#pragma once
+
+namespace brix {
+
+enum class InstructionSet
+{
+    Portable,
+    Avx2
+};
+
+#if defined(__x86_64__) && defined(__GNUC__)
+
+inline InstructionSet FastestInstructionSet()
+{
+    return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("popcnt") ? InstructionSet::Avx2 : InstructionSet::Portable;
+}
+
+// `flatten` pulls everything that the work calls into this one function, so that no function compiled for AVX2 can be linked into
+// code that runs on older processors.
+template <class Work> [[gnu::target("avx2,popcnt"), gnu::flatten]] void RunWithAvx2(const Work& work) { work(); }
+
+/// Runs work() in the code compiled for an instruction set, which the processor must have.
+template <class Work> void RunWith(InstructionSet instructionSet, const Work& work)
+{
+    if (instructionSet == InstructionSet::Avx2)
+        RunWithAvx2(work);
+    else
+        work();
+}
+
+#else
+
+inline InstructionSet FastestInstructionSet() { return InstructionSet::Portable; }
+
+template <class Work> void RunWith(InstructionSet, const Work& work) { work(); }
+
+#endif
+
+} // namespace brix

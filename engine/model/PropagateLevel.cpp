@@ -1,0 +1,75 @@
+#include "PropagateLevel.h"
+
+#include "../frame/Require.h"
+#include "CombineStacks.h"
+#include "PropagateChunk.h"
+
+namespace brix {
+namespace {
+
+using Store = VoxelStore<bool>;
+using Stack = VoxelStack<bool>;
+
+void BuildCoarserStack(Stack& coarse, const Store& fine, const StackIndices& ij)
+{
+    const StackIndices child{2 * ij[0], 2 * ij[1]};
+    const Stack& lowerXlowerY = fine.VoxelStackRef(child);
+    const Stack& upperXlowerY = fine.VoxelStackRef({child[0] + 1, child[1]});
+    const Stack& lowerXupperY = fine.VoxelStackRef({child[0], child[1] + 1});
+    const Stack& upperXupperY = fine.VoxelStackRef({child[0] + 1, child[1] + 1});
+    if (lowerXlowerY.IsUnallocated() && upperXlowerY.IsUnallocated() && lowerXupperY.IsUnallocated() &&
+        upperXupperY.IsUnallocated()) {
+        coarse = Stack();
+        return;
+    }
+    CombineStacks(coarse, HalfResolution, lowerXlowerY, upperXlowerY, lowerXupperY, upperXupperY);
+}
+
+void BuildFinerStack(Store& fine, const StackIndices& ij, const Stack& coarse, bool upperX, bool upperY)
+{
+    Stack& stack = fine.VoxelStackRef(ij);
+    if (coarse.IsUnallocated()) {
+        stack = Stack();
+        return;
+    }
+    StackBuilder builder;
+    for (std::int32_t layer = 0; layer < coarse.LayerCount(); ++layer) {
+        const VoxelPlate<bool>& plate = coarse.LayerVoxelPlateRef(layer);
+        builder.Append(coarse.LowerOffset(layer), layer == 0 ? plate : DoubleResolution(plate, upperX, upperY));
+    }
+    builder.WriteTo(stack);
+    stack.FillOutsideBox(fine.LowerOffset(ij), fine.UpperOffset(ij), false);
+}
+
+void Propagate(VoxelChunk<bool>& chunk, std::int64_t lod, std::int64_t finestLOD)
+{
+    for (std::int64_t coarser = lod - 1; coarser >= 0; --coarser) {
+        const Store& fine = chunk.VoxelStoreRef(coarser + 1);
+        ForEachStackOfStore(chunk.VoxelStoreRef(coarser), [&](Store& coarse, const StackIndices& ij) {
+            BuildCoarserStack(coarse.VoxelStackRef(ij), fine, ij);
+        });
+    }
+    for (std::int64_t finer = lod + 1; finer <= finestLOD; ++finer) {
+        const Store& coarse = chunk.VoxelStoreRef(finer - 1);
+        ForEachStackOfStore(chunk.VoxelStoreRef(finer), [&](Store& fine, const StackIndices& ij) {
+            BuildFinerStack(fine, ij, coarse.VoxelStackRef({ij[0] / 2, ij[1] / 2}), ij[0] % 2 == 1, ij[1] % 2 == 1);
+        });
+    }
+}
+
+} // namespace
+
+void PropagateChunk(VoxelChunk<bool>& chunk, std::int64_t lod, std::int64_t finestLOD, InstructionSet instructionSet)
+{
+    RunWith(instructionSet, [&] { Propagate(chunk, lod, finestLOD); });
+}
+
+void PropagateLevel(VoxelModel<bool>& model, std::int64_t lod)
+{
+    RequireLevelOf(model.FinestLOD(), "The level of detail for voxel model operations", lod);
+    const InstructionSet instructionSet = FastestInstructionSet();
+    ForEachTriple(model.LowerChunkIndices(), model.UpperChunkIndices(),
+                  [&](const Triple& chunk) { PropagateChunk(model.ChunkRef(chunk), lod, model.FinestLOD(), instructionSet); });
+}
+
+} // namespace brix

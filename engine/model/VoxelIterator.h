@@ -1,0 +1,118 @@
+// Names one voxel of a model at one level, with a cursor on its layer so that steps inside a stack are cheap.
+#pragma once
+
+#include "StackIterator.h"
+
+#include <limits>
+#include <utility>
+
+namespace brix {
+
+template <class VoxelModelType> class VoxelIteratorBase
+{
+public:
+    /// The voxel with these indices; not valid when it lies outside the extents.
+    /// Throws std::domain_error when the level is negative or beyond the model's finest one.
+    VoxelIteratorBase(VoxelModelType& model, const Triple& voxelIndices, std::int64_t lod) : stack_(model, voxelIndices, lod)
+    {
+        if (!stack_.IsValid()) return;
+        if (!stack_.VoxelStoreRef().ExtentsRef().ContainsVoxel(voxelIndices)) {
+            stack_ = StackIteratorBase<VoxelModelType>(model, lod);
+            return;
+        }
+        lowerOffset_ = stack_.LowerOffset();
+        upperOffset_ = stack_.UpperOffset();
+        const Triple offset = Minus(voxelIndices, stack_.LowerIndices());
+        xy_ = {offset[0], offset[1]};
+        z_ = offset[2];
+        layer_ = StackRef().LayerID(z_);
+    }
+
+    /// An iterator that is not valid. Throws as above.
+    VoxelIteratorBase(VoxelModelType& model, std::int64_t lod) : stack_(model, lod) {}
+
+    /// A read-only iterator at the place of a mutable one.
+    template <class Other>
+    requires(std::is_same_v<const Other, VoxelModelType> && !std::is_same_v<Other, VoxelModelType>)
+        VoxelIteratorBase(const VoxelIteratorBase<Other>& other)
+        : stack_(other.stack_),
+          lowerOffset_(other.lowerOffset_),
+          upperOffset_(other.upperOffset_),
+          xy_(other.xy_),
+          z_(other.z_),
+          layer_(other.layer_)
+    {}
+
+    bool IsValid() const { return stack_.IsValid(); }
+    VoxelModelType& VoxelModelRef() const { return stack_.VoxelModelRef(); }
+    std::int64_t VoxelLOD() const { return stack_.VoxelLOD(); }
+
+    /// Throws std::out_of_range when the iterator is not valid, as do all members below.
+    void Validate() const
+    {
+        if (!IsValid()) ThrowInvalidVoxelIterator();
+    }
+
+    Triple VoxelIndices() const
+    {
+        Validate();
+        return Plus(stack_.LowerIndices(), {xy_[0], xy_[1], z_});
+    }
+
+    /// Whether the voxel is filled.
+    bool Value() const
+    {
+        Validate();
+        return StackRef().LayerVoxelPlateRef(layer_).Value(xy_);
+    }
+
+    /// Moves by any number of voxels; the iterator is not valid afterwards when that leads outside the extents.
+    VoxelIteratorBase& operator+=(const Triple& step)
+    {
+        Validate();
+        const Triple offset = PlusSaturated({xy_[0], xy_[1], z_}, step);
+        if (!IsWithin(offset, lowerOffset_, upperOffset_)) {
+            return *this = VoxelIteratorBase(VoxelModelRef(), PlusSaturated(stack_.LowerIndices(), offset), VoxelLOD());
+        }
+        xy_ = {offset[0], offset[1]};
+        z_ = offset[2];
+        while (z_ > StackRef().UpperOffset(layer_)) ++layer_;
+        while (z_ < StackRef().LowerOffset(layer_)) --layer_;
+        return *this;
+    }
+
+    friend VoxelIteratorBase operator+(VoxelIteratorBase iterator, const Triple& step) { return iterator += step; }
+
+private:
+    template <class> friend class VoxelIteratorBase;
+
+    const VoxelStack<bool>& StackRef() const { return stack_.VoxelStackRef(); }
+
+    // Steps at the limits of 64 bits end outside every model instead of overflowing.
+    static Triple PlusSaturated(const Triple& indices, const Triple& step)
+    {
+        constexpr std::int64_t limit = std::numeric_limits<std::int64_t>::max() / 4;
+        Triple sum{};
+        for (std::size_t i = 0; i < 3; ++i) sum[i] = std::clamp(indices[i], -limit, limit) + std::clamp(step[i], -limit, limit);
+        return sum;
+    }
+
+    StackIteratorBase<VoxelModelType> stack_;
+    Triple lowerOffset_{}; // the part of the stack that lies in the extents
+    Triple upperOffset_{};
+    std::array<std::int64_t, 2> xy_{};
+    std::int64_t z_ = 0;
+    std::int32_t layer_ = 0;
+};
+
+inline VoxelIterator VoxelModel<bool>::FindVoxel(const Triple& voxelIndices, std::int64_t lod)
+{
+    return {*this, voxelIndices, lod};
+}
+
+inline ConstVoxelIterator VoxelModel<bool>::FindVoxel(const Triple& voxelIndices, std::int64_t lod) const
+{
+    return {*this, voxelIndices, lod};
+}
+
+} // namespace brix

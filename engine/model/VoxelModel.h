@@ -1,0 +1,43 @@
+// The occupancy model that every operation takes and returns: filled and empty voxels of a box, at all levels of detail at once.
+//
+//   model  ->  chunks (a grid in space)  ->  one store per level  ->  2^L x 2^L stacks  ->  layers of 16 x 16 plates
+//
+// A voxel of level L, (x, y, z), covers the four voxels (2x..2x+1, 2y..2y+1, z) of level L + 1; heights are the same at all levels.
+// A voxel outside the extents is always empty, at every level.
+#pragma once
+
+#include "VoxelChunk.h"
+
+namespace brix {
+
+template <class VoxelModelType> class VoxelIteratorBase;
+template <class Value> class VoxelModel;
+
+using VoxelIterator = VoxelIteratorBase<VoxelModel<bool>>;
+using ConstVoxelIterator = VoxelIteratorBase<const VoxelModel<bool>>;
+
+template <> class VoxelModel<bool> : public virtual Model<VoxelChunk<bool>>
+{
+public:
+    /// An empty model on these extents (given at any level) that holds the levels 0..finestLOD. Costs 8 bytes and no allocation
+    /// per stack. Throws std::domain_error when the finest level is negative or not less than 6.
+    VoxelModel(const Extents& extents, std::int64_t finestLOD);
+
+    std::int64_t FinestLOD() const { return finestLOD_; }
+
+    /// The extents in voxels of a level, 0..FinestLOD(). Throws std::domain_error for any other level.
+    const Extents& ExtentsRef(std::int64_t lod) const;
+
+    /// The voxel with these indices at a level, 0..FinestLOD(); an iterator that is not valid when the voxel lies outside the
+    /// extents. Throws std::domain_error when the level is negative or beyond the finest one. (Include VoxelIterator.h.)
+    VoxelIterator FindVoxel(const Triple& voxelIndices, std::int64_t lod);
+    ConstVoxelIterator FindVoxel(const Triple& voxelIndices, std::int64_t lod) const;
+
+    /// Bytes of the heap that the model's chunks, stores and stacks own, all levels together.
+    std::size_t AllocatedBytes() const;
+
+private:
+    std::int64_t finestLOD_;
+};
+
+} // namespace brix

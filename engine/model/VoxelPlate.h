@@ -1,0 +1,148 @@
+// A plate: 16 x 16 voxels of one height, one bit each, and the small algebra that all operations are written in.
+//
+//   rows[y], bit x          x to the right, y downwards, bit 0 leftmost:
+//                           rows[0]  #...............      = 0x0001
+//                           rows[1]  .#.............#      = 0x8002
+#pragma once
+
+#include <array>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+
+namespace brix {
+
+template <class Value> struct VoxelPlate;
+
+template <> struct VoxelPlate<bool>
+{
+    static constexpr std::size_t Side = 16;
+    static constexpr std::uint16_t FullRow = 0xFFFF;
+
+    /// Row y, bit x: 1 where the voxel is filled.
+    std::array<std::uint16_t, Side> rows{};
+
+    /// Whether the voxel at (x, y), each 0..15, is filled.
+    constexpr bool Value(const std::array<std::int64_t, 2>& xy) const
+    {
+        return (rows[static_cast<std::size_t>(xy[1])] >> xy[0] & 1) != 0;
+    }
+
+    friend constexpr bool operator==(const VoxelPlate& a, const VoxelPlate& b)
+    {
+        const auto first = std::bit_cast<std::array<std::uint64_t, 4>>(a.rows);
+        const auto second = std::bit_cast<std::array<std::uint64_t, 4>>(b.rows);
+        return ((first[0] ^ second[0]) | (first[1] ^ second[1]) | (first[2] ^ second[2]) | (first[3] ^ second[3])) == 0;
+    }
+};
+
+/// The plate whose row y is rowRule(y), for y = 0..15. Loops of this form become vector instructions.
+template <class RowRule> constexpr VoxelPlate<bool> MakePlate(RowRule rowRule)
+{
+    VoxelPlate<bool> plate;
+    for (std::size_t y = 0; y < VoxelPlate<bool>::Side; ++y) plate.rows[y] = static_cast<std::uint16_t>(rowRule(y));
+    return plate;
+}
+
+constexpr VoxelPlate<bool> FilledPlate()
+{
+    return MakePlate([](std::size_t) { return VoxelPlate<bool>::FullRow; });
+}
+
+constexpr VoxelPlate<bool> operator|(const VoxelPlate<bool>& a, const VoxelPlate<bool>& b)
+{
+    return MakePlate([&](std::size_t y) { return a.rows[y] | b.rows[y]; });
+}
+
+constexpr VoxelPlate<bool> operator&(const VoxelPlate<bool>& a, const VoxelPlate<bool>& b)
+{
+    return MakePlate([&](std::size_t y) { return a.rows[y] & b.rows[y]; });
+}
+
+constexpr VoxelPlate<bool> operator~(const VoxelPlate<bool>& a)
+{
+    return MakePlate([&](std::size_t y) { return ~a.rows[y]; });
+}
+
+/// What is filled in `a` and not in `b`.
+constexpr VoxelPlate<bool> AndNot(const VoxelPlate<bool>& a, const VoxelPlate<bool>& b)
+{
+    return MakePlate([&](std::size_t y) { return a.rows[y] & ~b.rows[y]; });
+}
+
+constexpr bool IsEmpty(const VoxelPlate<bool>& plate) { return plate == VoxelPlate<bool>{}; }
+constexpr bool IsFull(const VoxelPlate<bool>& plate) { return plate == FilledPlate(); }
+
+/// The number of filled voxels, 0..256. Four rows are counted at once.
+constexpr std::int64_t Count(const VoxelPlate<bool>& plate)
+{
+    int count = 0;
+    for (const std::uint64_t word : std::bit_cast<std::array<std::uint64_t, 4>>(plate.rows)) count += std::popcount(word);
+    return count;
+}
+
+/// The bits lower..upper of a row, both inclusive; none when upper < lower. Bounds may lie outside 0..15.
+constexpr std::uint16_t RowBits(std::int64_t lower, std::int64_t upper)
+{
+    if (lower < 0) lower = 0;
+    if (upper > 15) upper = 15;
+    if (upper < lower) return 0;
+    return static_cast<std::uint16_t>((0xFFFFU << lower) & (0xFFFFU >> (15 - upper)));
+}
+
+/// The plate that is filled in the box lower..upper of (x, y), both inclusive. Bounds may lie outside 0..15.
+constexpr VoxelPlate<bool> Box(const std::array<std::int64_t, 2>& lower, const std::array<std::int64_t, 2>& upper)
+{
+    const std::uint16_t bits = RowBits(lower[0], upper[0]);
+    return MakePlate([&](std::size_t y) {
+        const auto row = static_cast<std::int64_t>(y);
+        return lower[1] <= row && row <= upper[1] ? bits : std::uint16_t{0};
+    });
+}
+
+/// Rows and columns joined in pairs: eight rows of eight bits, where bit x of row y is filled when any of the four voxels
+/// (2x..2x+1, 2y..2y+1) is.
+constexpr std::array<std::uint16_t, 8> JoinPairs(const VoxelPlate<bool>& plate)
+{
+    // A row of pairs   b0 b1 b2 b3 .. b14 b15   becomes   b0|b1 b2|b3 .. b14|b15   in its lower eight bits.
+    std::array<std::uint16_t, 8> joined{};
+    for (std::size_t y = 0; y < 8; ++y) {
+        auto pairs = static_cast<std::uint16_t>(plate.rows[2 * y] | plate.rows[2 * y + 1]);
+        pairs = static_cast<std::uint16_t>((pairs | pairs >> 1) & 0x5555);
+        pairs = static_cast<std::uint16_t>((pairs | pairs >> 1) & 0x3333);
+        pairs = static_cast<std::uint16_t>((pairs | pairs >> 2) & 0x0F0F);
+        joined[y] = static_cast<std::uint16_t>((pairs | pairs >> 4) & 0x00FF);
+    }
+    return joined;
+}
+
+/// The plate of the next coarser level that four plates of one height make: each becomes a quarter of it, at the lower or upper
+/// half along x and along y.
+constexpr VoxelPlate<bool> HalfResolution(const VoxelPlate<bool>& lowerXlowerY, const VoxelPlate<bool>& upperXlowerY,
+                                          const VoxelPlate<bool>& lowerXupperY, const VoxelPlate<bool>& upperXupperY)
+{
+    const std::array quarters{JoinPairs(lowerXlowerY), JoinPairs(upperXlowerY), JoinPairs(lowerXupperY), JoinPairs(upperXupperY)};
+    VoxelPlate<bool> plate;
+    for (std::size_t y = 0; y < 8; ++y) {
+        plate.rows[y] = static_cast<std::uint16_t>(quarters[0][y] | quarters[1][y] << 8);
+        plate.rows[y + 8] = static_cast<std::uint16_t>(quarters[2][y] | quarters[3][y] << 8);
+    }
+    return plate;
+}
+
+/// The quarter of a plate (its columns from 8 * upperX on, its rows from 8 * upperY on) with every voxel doubled along x and y.
+constexpr VoxelPlate<bool> DoubleResolution(const VoxelPlate<bool>& plate, bool upperX, bool upperY)
+{
+    // Eight bits   b0 b1 .. b7   become   b0 b0 b1 b1 .. b7 b7.
+    std::array<std::uint16_t, 8> doubled{};
+    for (std::size_t y = 0; y < 8; ++y) {
+        unsigned bits = (static_cast<unsigned>(plate.rows[y + (upperY ? 8U : 0U)]) >> (upperX ? 8 : 0)) & 0x00FFU;
+        bits = (bits | bits << 4) & 0x0F0FU;
+        bits = (bits | bits << 2) & 0x3333U;
+        bits = (bits | bits << 1) & 0x5555U;
+        doubled[y] = static_cast<std::uint16_t>(bits | bits << 1);
+    }
+    return MakePlate([&](std::size_t y) { return doubled[y / 2]; });
+}
+
+} // namespace brix

@@ -1,0 +1,208 @@
+#include "VoxelStack.h"
+
+#include <new>
+#include <utility>
+
+namespace brix {
+namespace {
+
+using Plate = VoxelPlate<bool>;
+
+constexpr Plate NoPlate{};
+constexpr std::uint8_t NoOffset = 0;
+
+} // namespace
+
+VoxelStack<bool>::Block* VoxelStack<bool>::MakeBlock(std::size_t capacity)
+{
+    void* const memory = ::operator new(BlockBytes(capacity));
+    return new (memory) Block{0, static_cast<std::uint8_t>(capacity)};
+}
+
+std::uint8_t* VoxelStack<bool>::Offsets(Block* block) { return reinterpret_cast<std::uint8_t*>(block) + sizeof(Block); }
+
+Plate* VoxelStack<bool>::PlatesOf(Block* block)
+{
+    return reinterpret_cast<Plate*>(reinterpret_cast<std::byte*>(block) + PlatesStart(block->capacity));
+}
+
+void VoxelStack<bool>::Release() noexcept
+{
+    if (block_ == nullptr) return;
+    ::operator delete(block_);
+    block_ = nullptr;
+}
+
+VoxelStack<bool>::VoxelStack(const VoxelStack& other)
+{
+    if (other.block_ != nullptr) Assign(other.Plates(), other.LayerOffsets());
+}
+
+VoxelStack<bool>& VoxelStack<bool>::operator=(const VoxelStack& other)
+{
+    if (this == &other) return *this;
+    if (other.block_ == nullptr)
+        Release();
+    else
+        Assign(other.Plates(), other.LayerOffsets());
+    return *this;
+}
+
+VoxelStack<bool>& VoxelStack<bool>::operator=(VoxelStack&& other) noexcept
+{
+    std::swap(block_, other.block_);
+    return *this;
+}
+
+std::span<const Plate> VoxelStack<bool>::Plates() const
+{
+    if (block_ == nullptr) return {&NoPlate, 1};
+    return {PlatesOf(block_), block_->layerCount};
+}
+
+std::span<const std::uint8_t> VoxelStack<bool>::LayerOffsets() const
+{
+    if (block_ == nullptr) return {&NoOffset, 1};
+    return {Offsets(block_), block_->layerCount};
+}
+
+void VoxelStack<bool>::Assign(std::span<const Plate> plates, std::span<const std::uint8_t> layerOffsets)
+{
+    if (plates.size() == 1 && brix::IsEmpty(plates.front())) return Release();
+    if (block_ == nullptr || block_->capacity != plates.size()) {
+        Block* const block = MakeBlock(plates.size());
+        Release();
+        block_ = block;
+    }
+    block_->layerCount = static_cast<std::uint8_t>(plates.size());
+    std::copy(layerOffsets.begin(), layerOffsets.end(), Offsets(block_));
+    std::copy(plates.begin(), plates.end(), PlatesOf(block_));
+}
+
+// Gives an unallocated stack its one layer to write to.
+void VoxelStack<bool>::Allocate()
+{
+    if (block_ != nullptr) return;
+    block_ = MakeBlock(1);
+    block_->layerCount = 1;
+    *Offsets(block_) = 0;
+    *PlatesOf(block_) = Plate{};
+}
+
+// Makes room for exactly `layerCount` layers; existing layers keep their place, new ones are for the caller to write.
+void VoxelStack<bool>::Resize(std::size_t layerCount)
+{
+    if (block_->capacity != layerCount) {
+        Block* const block = MakeBlock(layerCount);
+        const std::size_t kept = std::min<std::size_t>(layerCount, block_->layerCount);
+        std::copy_n(Offsets(block_), kept, Offsets(block));
+        std::copy_n(PlatesOf(block_), kept, PlatesOf(block));
+        Release();
+        block_ = block;
+    }
+    block_->layerCount = static_cast<std::uint8_t>(layerCount);
+}
+
+std::int32_t VoxelStack<bool>::LayerID(std::int64_t z) const
+{
+    if (IsFullyDecompressed()) return static_cast<std::int32_t>(z);
+    const auto offsets = LayerOffsets();
+    std::size_t layer = 1;
+    while (layer < offsets.size() && offsets[layer] <= z) ++layer;
+    return static_cast<std::int32_t>(layer) - 1;
+}
+
+Plate& VoxelStack<bool>::LayerVoxelPlateRef(std::int32_t layer)
+{
+    Allocate();
+    return PlatesOf(block_)[layer];
+}
+
+void VoxelStack<bool>::Compress()
+{
+    if (block_ == nullptr) return;
+    std::uint8_t* const offsets = Offsets(block_);
+    Plate* const plates = PlatesOf(block_);
+    std::size_t kept = 1;
+    for (std::size_t layer = 1; layer < block_->layerCount; ++layer) {
+        if (plates[layer] == plates[kept - 1]) continue; // equal to the layer below, which is the last one kept
+        if (layer != kept) {
+            offsets[kept] = offsets[layer];
+            plates[kept] = plates[layer];
+        }
+        ++kept;
+    }
+    if (kept == 1 && brix::IsEmpty(plates[0])) return Release();
+    Resize(kept);
+}
+
+// Puts a copy of a layer above it, starting at z.
+void VoxelStack<bool>::InsertCopyOfLayer(std::int32_t layer, std::int64_t z)
+{
+    const std::int32_t count = LayerCount();
+    Resize(static_cast<std::size_t>(count) + 1);
+    std::uint8_t* const offsets = Offsets(block_);
+    Plate* const plates = PlatesOf(block_);
+    std::copy_backward(offsets + layer, offsets + count, offsets + count + 1);
+    std::copy_backward(plates + layer, plates + count, plates + count + 1);
+    offsets[layer + 1] = static_cast<std::uint8_t>(z);
+}
+
+std::int32_t VoxelStack<bool>::IsolateLevel(std::int64_t z, bool splitBelow, bool splitAbove)
+{
+    Allocate();
+    std::int32_t layer = LayerID(z);
+    if (splitBelow && LowerOffset(layer) < z) InsertCopyOfLayer(layer++, z);
+    if (splitAbove && UpperOffset(layer) > z) InsertCopyOfLayer(layer, z + 1);
+    return layer;
+}
+
+void VoxelStack<bool>::Decompress()
+{
+    Allocate();
+    if (IsFullyDecompressed()) return;
+    Block* const block = MakeBlock(Height);
+    std::uint8_t* const offsets = Offsets(block);
+    Plate* const plates = PlatesOf(block);
+    for (std::int32_t layer = 0; layer < LayerCount(); ++layer) {
+        for (std::int64_t z = LowerOffset(layer); z <= UpperOffset(layer); ++z) {
+            offsets[z] = static_cast<std::uint8_t>(z);
+            plates[z] = LayerVoxelPlateRef(layer);
+        }
+    }
+    block->layerCount = static_cast<std::uint8_t>(Height);
+    Release();
+    block_ = block;
+}
+
+void VoxelStack<bool>::FillOutsideBox(const Triple& lower, const Triple& upper, bool value)
+{
+    if (IsUnallocated() && !value) return;
+    const Plate outside = value ? FilledPlate() : Plate{};
+    std::int32_t first = 0;
+    if (lower[2] > 0) {
+        first = lower[2] < Height ? IsolateLevel(lower[2], true, false) : LayerCount();
+        for (std::int32_t layer = 0; layer < first; ++layer) LayerVoxelPlateRef(layer) = outside;
+    }
+    std::int32_t end = LayerCount();
+    if (upper[2] < Height - 1) {
+        end = upper[2] >= 0 ? IsolateLevel(upper[2], false, true) + 1 : 0;
+        for (std::int32_t layer = end; layer < LayerCount(); ++layer) LayerVoxelPlateRef(layer) = outside;
+    }
+    const Plate inside = Box({lower[0], lower[1]}, {upper[0], upper[1]});
+    for (std::int32_t layer = first; layer < end && !brix::IsFull(inside); ++layer) {
+        Plate& plate = LayerVoxelPlateRef(layer);
+        plate = (plate & inside) | AndNot(outside, inside);
+    }
+    Compress();
+}
+
+bool operator==(const VoxelStack<bool>& a, const VoxelStack<bool>& b)
+{
+    const auto equal = [](const auto& first, const auto& second) {
+        return std::equal(first.begin(), first.end(), second.begin(), second.end());
+    };
+    return equal(a.LayerOffsets(), b.LayerOffsets()) && equal(a.Plates(), b.Plates());
+}
+
+} // namespace brix

@@ -1,0 +1,111 @@
+// A stack: 16 x 16 x 64 voxels as layers of plates, run-length coded upwards.
+//
+//    z 63 +--------+
+//         | plate 2|   layer 2 from offset 20 to 63
+//    z 20 +--------+
+//         | plate 1|   layer 1 from offset 5 to 19
+//    z  5 +--------+
+//         | plate 0|   layer 0 from offset 0 to 4
+//    z  0 +--------+
+//
+// No two adjacent layers are equal once a stack is compressed, so stacks of equal content have equal layers. A stack that is wholly
+// empty owns no memory and takes the 8 bytes of a pointer; any other owns one block that holds offsets and plates.
+#pragma once
+
+#include "../frame/Triples.h"
+#include "VoxelPlate.h"
+
+#include <span>
+
+namespace brix {
+
+template <class Value> class VoxelStack;
+
+template <> class VoxelStack<bool>
+{
+public:
+    static constexpr std::int64_t Side = 16;
+    static constexpr std::int64_t Height = 64;
+
+    /// Wholly empty: one layer with an empty plate.
+    VoxelStack() noexcept = default;
+    VoxelStack(const VoxelStack& other);
+    VoxelStack(VoxelStack&& other) noexcept : block_(other.block_) { other.block_ = nullptr; }
+    VoxelStack& operator=(const VoxelStack& other);
+    VoxelStack& operator=(VoxelStack&& other) noexcept;
+    ~VoxelStack() { Release(); }
+
+    /// The number of layers, 1..64.
+    std::int32_t LayerCount() const { return block_ == nullptr ? 1 : block_->layerCount; }
+
+    /// The layer that holds height z (0..63).
+    std::int32_t LayerID(std::int64_t z) const;
+
+    /// The lowest and the highest height of a layer (0 .. LayerCount - 1).
+    std::int64_t LowerOffset(std::int32_t layer) const { return LayerOffsets()[static_cast<std::size_t>(layer)]; }
+    std::int64_t UpperOffset(std::int32_t layer) const
+    {
+        return layer + 1 < LayerCount() ? LowerOffset(layer + 1) - 1 : Height - 1;
+    }
+
+    /// A layer's plate. Whoever changes it calls Compress when done.
+    const VoxelPlate<bool>& LayerVoxelPlateRef(std::int32_t layer) const { return Plates()[static_cast<std::size_t>(layer)]; }
+    VoxelPlate<bool>& LayerVoxelPlateRef(std::int32_t layer);
+
+    /// Whether every height has a layer of its own; then a layer's number is its height.
+    bool IsFullyDecompressed() const { return LayerCount() == Height; }
+
+    /// Whether the stack is stored as wholly empty. A compressed stack without filled voxels always is.
+    bool IsUnallocated() const { return block_ == nullptr; }
+
+    /// Merges adjacent equal layers and gives spare memory back.
+    void Compress();
+
+    /// Splits the layer of height z so that one layer starts at z (`splitBelow`), ends at z (`splitAbove`) or both.
+    /// Returns the layer that holds z. The caller edits its plate and calls Compress.
+    std::int32_t IsolateLevel(std::int64_t z, bool splitBelow, bool splitAbove);
+
+    /// Gives every height a layer of its own.
+    void Decompress();
+
+    /// Sets every voxel outside the box lower..upper (stack offsets, inclusive) to `value`, and compresses.
+    void FillOutsideBox(const Triple& lower, const Triple& upper, bool value);
+
+    /// The layers' plates and lowest heights, bottom to top.
+    std::span<const VoxelPlate<bool>> Plates() const;
+    std::span<const std::uint8_t> LayerOffsets() const;
+
+    /// Replaces the content by these layers; adjacent plates must differ and the first offset must be 0.
+    void Assign(std::span<const VoxelPlate<bool>> plates, std::span<const std::uint8_t> layerOffsets);
+
+    /// Bytes of the heap that the stack owns.
+    std::size_t AllocatedBytes() const { return block_ == nullptr ? 0 : BlockBytes(block_->capacity); }
+
+    friend bool operator==(const VoxelStack& a, const VoxelStack& b);
+
+private:
+    // The head of the one allocation; layerOffsets[capacity] follow at once and plates[capacity] at the next multiple of 16 bytes.
+    struct Block
+    {
+        std::uint8_t layerCount;
+        std::uint8_t capacity;
+    };
+
+    static constexpr std::size_t PlatesStart(std::size_t capacity) { return (sizeof(Block) + capacity + 15) / 16 * 16; }
+    static constexpr std::size_t BlockBytes(std::size_t capacity)
+    {
+        return PlatesStart(capacity) + capacity * sizeof(VoxelPlate<bool>);
+    }
+    static Block* MakeBlock(std::size_t capacity);
+    static std::uint8_t* Offsets(Block* block);
+    static VoxelPlate<bool>* PlatesOf(Block* block);
+
+    void Release() noexcept;
+    void Allocate();
+    void Resize(std::size_t layerCount);
+    void InsertCopyOfLayer(std::int32_t layer, std::int64_t z);
+
+    Block* block_ = nullptr;
+};
+
+} // namespace brix

@@ -1,0 +1,253 @@
+#include "StlFormats.h"
+
+#include "TextNumbers.h"
+
+#include <array>
+#include <limits>
+#include <string>
+
+namespace brix {
+
+namespace {
+
+constexpr std::size_t headerSize = 80;
+constexpr std::size_t recordSize = 50;
+constexpr std::size_t cornersInRecord = 12;
+constexpr std::uint64_t maxBinaryTriangleCount = std::numeric_limits<std::uint32_t>::max();
+
+using Point = std::array<double, 3>;
+
+// Going there and back gives the same point: the minus sign changes its place with the axis.
+Point FromFileAxes(const Point& p, bool swapYZ) { return swapYZ ? Point{p[0], -p[2], p[1]} : p; }
+Point ToFileAxes(const Point& p, bool swapYZ) { return swapYZ ? Point{p[0], p[2], -p[1]} : p; }
+
+/// `value` as its bytes stand in the file, the least significant one first, and back.
+constexpr std::uint32_t LittleEndian(std::uint32_t value)
+{
+    if constexpr (std::endian::native == std::endian::little) return value;
+    return value << 24 | (value & 0xff00) << 8 | (value >> 8 & 0xff00) | value >> 24;
+}
+
+std::uint32_t LoadWord(const char* from)
+{
+    std::uint32_t word = 0;
+    std::memcpy(&word, from, sizeof word);
+    return LittleEndian(word);
+}
+
+char* StoreWord(char* to, std::uint32_t word)
+{
+    word = LittleEndian(word);
+    std::memcpy(to, &word, sizeof word);
+    return to + sizeof word;
+}
+
+double LoadFloat(const char* from) { return static_cast<double>(std::bit_cast<float>(LoadWord(from))); }
+
+// Doubles beyond the floats become infinite. The language leaves them undefined in general, but not with IEEE 754 floats, whose
+// infinities stand at the ends of their range.
+static_assert(std::numeric_limits<float>::is_iec559 && std::numeric_limits<double>::is_iec559);
+
+char* StoreFloat(char* to, double number) { return StoreWord(to, std::bit_cast<std::uint32_t>(static_cast<float>(number))); }
+
+/// Collects what is written, so that the stream is called once per block. Throws when the stream takes no more.
+class BlockWriter
+{
+public:
+    static constexpr std::size_t maxItemSize = 512;
+
+    BlockWriter(std::ostream& stream, const std::filesystem::path& filePath, std::size_t itemCount)
+        : stream_(stream), filePath_(filePath), blockSize_(std::min(largestBlockSize, itemCount * maxItemSize))
+    {}
+
+    /// Appends what `write` writes at the place given to it; `write` returns the end of that, at most maxItemSize further on.
+    template <class Write> void Append(Write write)
+    {
+        if (blockSize_ - static_cast<std::size_t>(end_ - block_.get()) < maxItemSize) PassOn();
+        end_ = write(end_);
+    }
+
+    /// Passes on what is left, as far as the operating system.
+    void Finish()
+    {
+        PassOn();
+        if (!stream_.flush()) throw Failure();
+    }
+
+private:
+    static constexpr std::size_t largestBlockSize = 1 << 20; // fits a second level cache; smaller ones cost more system calls
+
+    void PassOn()
+    {
+        if (!stream_.write(block_.get(), end_ - block_.get())) throw Failure();
+        end_ = block_.get();
+    }
+
+    std::runtime_error Failure() const { return StlFailure("Failed to write triangle to STL file ", filePath_, "."); }
+
+    std::ostream& stream_;
+    const std::filesystem::path& filePath_;
+    std::size_t blockSize_;
+    std::unique_ptr<char[]> block_ = std::make_unique_for_overwrite<char[]>(blockSize_);
+    char* end_ = block_.get();
+};
+
+char* WriteText(char* to, std::string_view text)
+{
+    std::memcpy(to, text.data(), text.size());
+    return to + text.size();
+}
+
+char* WriteLine(char* to, std::string_view start, const Point& point)
+{
+    to = WriteText(to, start);
+    for (const double coordinate : point) {
+        *to++ = ' ';
+        to = WriteNumber(to, coordinate);
+    }
+    *to++ = '\n';
+    return to;
+}
+
+char* WriteFacet(char* to, const WorldTriangle& triangle, bool swapYZ)
+{
+    to = WriteLine(to, "    facet normal", ToFileAxes(WorldTriangleNormal(triangle), swapYZ));
+    to = WriteText(to, "        outer loop\n");
+    for (const Point& corner : triangle) to = WriteLine(to, "            vertex", ToFileAxes(corner, swapYZ));
+    return WriteText(to, "        endloop\n    endfacet\n");
+}
+static_assert(120 + 12 * (maxNumberLength + 1) <= BlockWriter::maxItemSize); // words and line breaks, then the numbers
+
+char* WriteRecord(char* to, const WorldTriangle& triangle, bool swapYZ)
+{
+    const auto writePoint = [&](const Point& point) {
+        for (const double coordinate : ToFileAxes(point, swapYZ)) to = StoreFloat(to, coordinate);
+    };
+    writePoint(WorldTriangleNormal(triangle));
+    for (const Point& corner : triangle) writePoint(corner);
+    *to++ = 0;
+    *to++ = 0;
+    return to;
+}
+
+WorldTriangle ReadRecord(const char* from, bool swapYZ)
+{
+    WorldTriangle triangle;
+    from += cornersInRecord;
+    for (Point& corner : triangle) {
+        corner = FromFileAxes({LoadFloat(from), LoadFloat(from + 4), LoadFloat(from + 8)}, swapYZ);
+        from += 12;
+    }
+    return triangle;
+}
+
+/// Three numbers; once one has failed, it and the others stay what `stream >> x >> y >> z` makes of zeros.
+Point TakePoint(std::string_view text)
+{
+    Point point{};
+    for (double& coordinate : point)
+        if (!TakeNumber(text, coordinate)) break;
+    return point;
+}
+
+std::runtime_error IncompleteTriangle(const std::filesystem::path& filePath)
+{
+    return StlFailure("Incomplete triangle encountered in STL file ", filePath, ".");
+}
+
+WorldTriangle TakeCorners(ByteReader& file, const std::filesystem::path& filePath, bool swapYZ)
+{
+    WorldTriangle triangle;
+    for (Point& corner : triangle) {
+        auto [text, hasLineBreak] = file.TakeLine();
+        if (!hasLineBreak) throw IncompleteTriangle(filePath);
+        const std::string_view token = TakeToken(text);
+        if (token != "vertex" && token != "VERTEX")
+            throw StlFailure("Unexpected token encountered in STL file ", filePath, ". A vertex entry was expected.");
+        corner = FromFileAxes(TakePoint(text), swapYZ);
+    }
+    return triangle;
+}
+
+} // namespace
+
+std::runtime_error StlFailure(std::string_view sentenceStart, const std::filesystem::path& filePath, std::string_view sentenceEnd)
+{
+    return std::runtime_error(std::string(sentenceStart) + '"' + filePath.string() + '"' + std::string(sentenceEnd));
+}
+
+bool IsAsciiStl(ByteReader& file, const std::filesystem::path& filePath)
+{
+    if (!file.Holds(5)) throw StlFailure("Failed to read first 5 bytes of STL file ", filePath, " to check whether it is an ASCII file.");
+    return file.Peek(5) == "solid" || file.Peek(5) == "SOLID";
+}
+
+std::vector<WorldTriangle> ReadAsciiTriangles(ByteReader& file, const std::filesystem::path& filePath, bool swapYZ)
+{
+    std::vector<WorldTriangle> triangles;
+    for (bool hasMoreLines = true; hasMoreLines;) {
+        auto [text, hasLineBreak] = file.TakeLine();
+        const std::string_view token = TakeToken(text);
+        if (token == "outer" || token == "OUTER") triangles.push_back(TakeCorners(file, filePath, swapYZ));
+        hasMoreLines = hasLineBreak;
+    }
+    if (file.HasFailed()) throw IncompleteTriangle(filePath);
+    return triangles;
+}
+
+std::vector<WorldTriangle> ReadBinaryTriangles(ByteReader& file, const std::filesystem::path& filePath, bool swapYZ)
+{
+    if (!file.Holds(headerSize)) throw StlFailure("Failed to read header of binary STL file ", filePath, ".");
+    file.Take(headerSize);
+    if (!file.Holds(4)) throw StlFailure("Failed to read triangle count of binary STL file ", filePath, ".");
+    const std::size_t triangleCount = LoadWord(file.Take(4));
+
+    // The count is not to be trusted with memory: the list grows with what has been read.
+    std::vector<WorldTriangle> triangles;
+    triangles.reserve(static_cast<std::size_t>(std::min<std::uintmax_t>(triangleCount, file.ExpectedSize() / recordSize)));
+    constexpr std::size_t recordsAtOnce = 1000;
+    while (triangles.size() < triangleCount) {
+        const std::size_t count = std::min(recordsAtOnce, triangleCount - triangles.size());
+        if (!file.Holds(count * recordSize)) throw StlFailure("Failed to read triangle in STL file ", filePath, ".");
+        const char* record = file.Take(count * recordSize);
+        for (std::size_t i = 0; i < count; ++i, record += recordSize) triangles.push_back(ReadRecord(record, swapYZ));
+    }
+    return triangles;
+}
+
+void RequireBinaryTriangleCount(std::uint64_t triangleCount)
+{
+    if (triangleCount <= maxBinaryTriangleCount) return;
+    throw std::runtime_error("The maximum number of triangles that can be saved to a binary STL file is " +
+                             std::to_string(maxBinaryTriangleCount) + ". The number encountered was " +
+                             std::to_string(triangleCount) + ".");
+}
+
+void WriteAsciiTriangles(std::ostream& file, const std::filesystem::path& filePath, const std::vector<WorldTriangle>& triangles,
+                         bool swapYZ)
+{
+    BlockWriter writer(file, filePath, triangles.size() + 2);
+    writer.Append([](char* to) { return WriteText(to, "solid Exported-by-BRIX\n"); });
+    for (const WorldTriangle& triangle : triangles) writer.Append([&](char* to) { return WriteFacet(to, triangle, swapYZ); });
+    writer.Append([](char* to) { return WriteText(to, "endsolid Exported-by-BRIX\n"); });
+    writer.Finish();
+}
+
+void WriteBinaryTriangles(std::ostream& file, const std::filesystem::path& filePath, const std::vector<WorldTriangle>& triangles,
+                          bool swapYZ)
+{
+    const std::array<char, headerSize> header{};
+    if (!file.write(header.data(), header.size()).flush())
+        throw StlFailure("Failed to write header to binary STL file ", filePath, ".");
+
+    std::array<char, 4> count{};
+    StoreWord(count.data(), static_cast<std::uint32_t>(triangles.size()));
+    if (!file.write(count.data(), count.size()).flush())
+        throw StlFailure("Failed to write triangle count to binary STL file ", filePath, ".");
+
+    BlockWriter writer(file, filePath, triangles.size());
+    for (const WorldTriangle& triangle : triangles) writer.Append([&](char* to) { return WriteRecord(to, triangle, swapYZ); });
+    writer.Finish();
+}
+
+} // namespace brix

@@ -1,0 +1,38 @@
+// The two variants of the STL format, apart from where their bytes come from and go to. StlFiles.h says what a host can rely on;
+// the file paths here serve only to be named in messages.
+//
+// A binary file is a header of 80 bytes, the triangle count (32 bits) and 50 bytes per triangle, all of it little-endian:
+//   0-11 normal X, Y, Z    12-23 corner 1    24-35 corner 2    36-47 corner 3    48-49 attribute
+#pragma once
+
+#include "ByteReader.h"
+#include "Triangle.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <ostream>
+#include <stdexcept>
+#include <string_view>
+#include <vector>
+
+namespace brix {
+
+/// The exception for a file that cannot be read or written: `sentenceStart` "path" `sentenceEnd`.
+std::runtime_error StlFailure(std::string_view sentenceStart, const std::filesystem::path& filePath, std::string_view sentenceEnd);
+
+/// Whether the file, of which nothing has been taken yet, is in the ASCII variant. Throws when it has fewer than five bytes.
+bool IsAsciiStl(ByteReader& file, const std::filesystem::path& filePath);
+
+std::vector<WorldTriangle> ReadAsciiTriangles(ByteReader& file, const std::filesystem::path& filePath, bool swapYZ);
+std::vector<WorldTriangle> ReadBinaryTriangles(ByteReader& file, const std::filesystem::path& filePath, bool swapYZ);
+
+/// Throws when a binary file cannot count so many triangles.
+void RequireBinaryTriangleCount(std::uint64_t triangleCount);
+
+/// Writes all and flushes it, so that a full disk is noticed here.
+void WriteAsciiTriangles(std::ostream& file, const std::filesystem::path& filePath, const std::vector<WorldTriangle>& triangles,
+                         bool swapYZ);
+void WriteBinaryTriangles(std::ostream& file, const std::filesystem::path& filePath, const std::vector<WorldTriangle>& triangles,
+                          bool swapYZ);
+
+} // namespace brix

@@ -1,0 +1,20 @@
+#include "Triangle.h"
+
+#include <cmath>
+
+namespace brix {
+
+std::array<double, 3> WorldTriangleNormal(const WorldTriangle& triangle)
+{
+    const auto& [a, b, c] = triangle;
+    const std::array<double, 3> ab{b[0] - a[0], b[1] - a[1], b[2] - a[2]};
+    const std::array<double, 3> ac{c[0] - a[0], c[1] - a[1], c[2] - a[2]};
+    const std::array<double, 3> normal{ab[1] * ac[2] - ab[2] * ac[1], ab[2] * ac[0] - ab[0] * ac[2],
+                                       ab[0] * ac[1] - ab[1] * ac[0]};
+
+    const double length = std::sqrt(normal[0] * normal[0] + normal[1] * normal[1] + normal[2] * normal[2]);
+    if (!(length > 0)) return {0, 0, 0};
+    return {normal[0] / length, normal[1] / length, normal[2] / length};
+}
+
+} // namespace brix

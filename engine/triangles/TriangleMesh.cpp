@@ -1,0 +1,77 @@
+#include "TriangleMesh.h"
+
+#include <cmath>
+#include <stdexcept>
+#include <string>
+
+namespace brix {
+namespace {
+
+void RequireVertexIndex(std::int64_t index, std::size_t vertexCount)
+{
+    if (index < 0) {
+        throw std::domain_error("No triangle vertex index can be negative. A value of " + std::to_string(index) +
+                                " was encountered.");
+    }
+    if (static_cast<std::uint64_t>(index) >= vertexCount) {
+        throw std::domain_error("All triangle vertex indices must be less than number of vertices in the triangle mesh. "
+                                "A triangle vertex index of " +
+                                std::to_string(index) + " was encountered. There are " + std::to_string(vertexCount) +
+                                " vertices in the triangle mesh.");
+    }
+}
+
+} // namespace
+
+TriangleMesh::TriangleMesh(const std::vector<std::array<double, 3>>& vertices,
+                           const std::vector<std::array<std::int64_t, 3>>& indexedTriangles)
+    : vertices_(vertices), indexedTriangles_(indexedTriangles)
+{
+    for (const auto& triangle : indexedTriangles) {
+        for (const std::int64_t index : triangle) RequireVertexIndex(index, vertices.size());
+    }
+}
+
+TriangleMesh::TriangleMesh(const std::vector<WorldTriangle>& triangles) { AddTriangles(triangles); }
+
+// Lexicographic, exact; every NaN equals every other and comes after all numbers.
+bool TriangleMesh::VertexLess::operator()(const std::array<double, 3>& a, const std::array<double, 3>& b) const
+{
+    for (std::size_t i = 0; i < 3; ++i) {
+        if (a[i] < b[i] || (std::isnan(b[i]) && !std::isnan(a[i]))) return true;
+        if (b[i] < a[i] || (std::isnan(a[i]) && !std::isnan(b[i]))) return false;
+    }
+    return false;
+}
+
+void TriangleMesh::AddTriangle(const WorldTriangle& triangle)
+{
+    if (vertexIndex_.empty()) {
+        for (std::size_t i = 0; i < vertices_.size(); ++i) vertexIndex_[vertices_[i]] = static_cast<std::int64_t>(i);
+    }
+    std::array<std::int64_t, 3> indices{};
+    for (std::size_t corner = 0; corner < 3; ++corner) {
+        const auto [entry, isNew] = vertexIndex_.try_emplace(triangle[corner], static_cast<std::int64_t>(vertices_.size()));
+        if (isNew) vertices_.push_back(triangle[corner]);
+        indices[corner] = entry->second;
+    }
+    indexedTriangles_.push_back(indices);
+}
+
+void TriangleMesh::AddTriangles(const std::vector<WorldTriangle>& triangles)
+{
+    for (const WorldTriangle& triangle : triangles) AddTriangle(triangle);
+}
+
+std::vector<WorldTriangle> TriangleMesh::ExpandedTriangles() const
+{
+    std::vector<WorldTriangle> triangles(indexedTriangles_.size());
+    for (std::size_t i = 0; i < triangles.size(); ++i) {
+        for (std::size_t corner = 0; corner < 3; ++corner) {
+            triangles[i][corner] = vertices_[static_cast<std::size_t>(indexedTriangles_[i][corner])];
+        }
+    }
+    return triangles;
+}
+
+} // namespace brix

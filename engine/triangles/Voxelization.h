@@ -1,0 +1,19 @@
+// Triangles to voxels: a voxel is filled when the closed triangle and the closed box of the voxel share at least one point.
+#pragma once
+
+#include "../model/VoxelModel.h"
+#include "TriangleModel.h"
+
+namespace brix {
+
+/// The extents at level 0 of all voxels that triangles (world units) can touch. A vertex on a voxel boundary counts for the voxels
+/// on both sides along x and y; along z only one at the upper bound does. No triangles: (-25, -25, -40) .. (24, 24, 39).
+/// Throws what the Extents constructor throws when the triangles leave the index space or hold numbers that are not finite.
+Extents DetectTriangleExtents(const Axes& axes, const std::vector<WorldTriangle>& triangles);
+
+/// Fills every voxel of the model's finest level that a triangle touches, and rebuilds the coarser levels. Nothing is cleared.
+/// The test is exact in 64-bit integers; see TriangleRaster.h for the method. Only chunks that hold triangles are written.
+/// Throws std::domain_error when the two models' frames differ.
+void VoxelizeTriangleModel(VoxelModel<bool>& model, const TriangleModel& triangles);
+
+} // namespace brix

@@ -1,0 +1,256 @@
+// The program brix as a user meets it: exit codes, one-line errors, and files that hold what the report says.
+#ifdef BRIX_PROGRAM
+#include <brix/model/VoxelIterator.h>
+#include <brix/triangles/StlFiles.h>
+#include <brix/triangles/Voxelization.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <regex>
+#include <sstream>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace brix {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string ContentOf(const fs::path& filePath)
+{
+    std::ifstream file(filePath, std::ios::binary);
+    std::ostringstream content;
+    content << file.rdbuf();
+    return content.str();
+}
+
+struct Outcome
+{
+    int exitCode;
+    std::string output, error;
+};
+
+// Runs the program in a folder of its own, in which files have short names.
+class Program : public ::testing::Test
+{
+protected:
+    Program() : folder_(fs::temp_directory_path() / ("brix-program-" + std::to_string(getpid())))
+    {
+        fs::remove_all(folder_);
+        fs::create_directories(folder_);
+    }
+    ~Program() override { fs::remove_all(folder_); }
+
+    Outcome Run(const std::string& arguments, const std::string& before = "") const
+    {
+        const std::string command =
+            "cd '" + folder_.string() + "' && { " + before + " '" BRIX_PROGRAM "' " + arguments + " ; } >stdout.txt 2>stderr.txt";
+        const int status = std::system(command.c_str());
+        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ContentOf(folder_ / "stdout.txt"),
+                ContentOf(folder_ / "stderr.txt")};
+    }
+
+    void Write(const std::string& name, const std::string& content) const
+    {
+        std::ofstream(folder_ / name, std::ios::binary) << content;
+    }
+
+    void MakeHouse() const { ASSERT_EQ(Run("scene building --empty -o house.stl").exitCode, 0); }
+
+    std::vector<WorldTriangle> Load(const std::string& name) const { return LoadTrianglesFromSTL(folder_ / name, false); }
+
+    const fs::path folder_;
+};
+
+// The number that the report gives where the pattern has its group.
+std::int64_t Reported(const Outcome& outcome, const std::string& pattern)
+{
+    std::smatch match;
+    return std::regex_search(outcome.output, match, std::regex(pattern)) ? std::stoll(match[1].str()) : -1;
+}
+
+std::string WithoutTimes(const std::string& report)
+{
+    return std::regex_replace(report, std::regex("\\([0-9.]+ s\\)"), "(time)");
+}
+
+TEST_F(Program, TellsWrongUsageInOneLineAndEndsWithTwo)
+{
+    const std::vector<std::pair<std::string, std::string>> cases{
+        {"", "A command is required: brix --help lists them."},
+        {"melt house.stl", "not expected: "},
+        {"info", "input is required"},
+        {"info house.stl --deep", "The following argument was not expected: --deep"},
+        {"voxelize house.stl -o v.stl", "--width is required"},
+        {"voxelize house.stl --width 1", "--output is required"},
+        {"voxelize house.stl -o v.stl -w wide", "--width"},
+        {"voxelize house.stl -o v.stl -w 0", "The width of a voxel must be a positive number. The value encountered was 0."},
+        {"voxelize house.stl -o v.stl -w -1.5",
+         "The width of a voxel must be a positive number. The value encountered was -1.5."},
+        {"voxelize house.stl -o v.stl -w nan", "The width of a voxel must be a positive number. The value encountered was nan."},
+        {"voxelize house.stl -o v.stl -w 1e999",
+         "The width of a voxel must be a positive number. The value encountered was inf."},
+        {"voxelize house.stl -o v.stl -w 1 --lod -1",
+         "The finest level of detail in a voxel model cannot be negative. The value encountered was -1."},
+        {"voxelize house.stl -o v.stl -w 1 --lod 6",
+         "The finest level of detail in a voxel model must be less than 6. The value encountered was 6."},
+        {"voxelize house.stl -o v.stl -w 1 --vertical-lod 6",
+         "The vertical level of detail for a set of axes must be less than 6. The value encountered was 6."},
+        {"voxelize house.stl -o v.stl -w 1 --rotation inf", "The origin and the rotation of the grid must be finite numbers."},
+        {"voxelize house.stl -o 3=v.stl -w 1 --lod 2",
+         "Level 3 of the output \"3=v.stl\" is not among the levels 0..2 of the model."},
+        {"slice house.stl -o s.png -w 1 --at 0.7", "A slice is given as x=NUMBER, y=NUMBER or z=NUMBER, not as \"0.7\"."},
+        {"slice house.stl -o s.png -w 1 --at z=", "A slice is given as x=NUMBER, y=NUMBER or z=NUMBER, not as \"z=\"."},
+        {"slice house.stl -o s.png -w 1 --at z=1 --lod 2 --level 3",
+         "The level of the slices is beyond the finest level of the model."},
+        {"scene building --storeys 0 -o b.stl", "--storeys"},
+        {"scene", "A subcommand is required"},
+    };
+    for (const auto& [arguments, sentence] : cases) {
+        const Outcome outcome = Run(arguments);
+        EXPECT_EQ(outcome.exitCode, 2) << arguments;
+        EXPECT_EQ(outcome.error.find("brix: "), 0U) << arguments;
+        EXPECT_NE(outcome.error.find(sentence), std::string::npos) << arguments << '\n' << outcome.error;
+        EXPECT_EQ(outcome.error.find('\n') + 1, outcome.error.size()) << arguments << '\n' << outcome.error;
+        EXPECT_EQ(outcome.output, "") << arguments;
+    }
+}
+
+TEST_F(Program, TellsAFailedOperationInOneLineAndEndsWithOne)
+{
+    MakeHouse();
+    Write("short.stl", "sol");
+    Write("cut.stl", ContentOf(folder_ / "house.stl").substr(0, 1000));
+    Write("empty.stl", "solid nothing\nendsolid nothing\n");
+    Write("nan.stl", "solid\nouter loop\nvertex 0 0 0\nvertex 1e999 0 0\nvertex 0 1 0\nendloop\nendsolid\n");
+    std::string infinite(84 + 50, '\0');
+    infinite[80] = 1;
+    infinite.replace(84 + 12 + 2, 2, "\x80\x7f"); // the first corner's x
+    Write("infinite.stl", infinite);
+    const std::vector<std::pair<std::string, std::string>> cases{
+        {"info none.stl", "Failed to open STL file \"none.stl\"."},
+        {"info short.stl", "Failed to read first 5 bytes of STL file \"short.stl\" to check whether it is an ASCII file."},
+        {"voxelize cut.stl -o v.stl -w 1", "Failed to read triangle in STL file \"cut.stl\"."},
+        {"voxelize empty.stl -o v.stl -w 1", "The file \"empty.stl\" holds no triangles."},
+        {"voxelize infinite.stl -o v.stl -w 1",
+         "The file \"infinite.stl\" holds 1 triangles with coordinates that are infinite or not numbers."},
+        {"voxelize nan.stl -o v.stl -w 1", "The upper extent in the X direction must be less than 25000."},
+        {"voxelize house.stl -o v.stl -w 1e-7", "extent in the X direction"},
+        {"voxelize house.stl -o v.stl -w 0.001 --lod 5", "Choose a larger --width or a lower --lod, or raise --memory-limit."},
+        {"voxelize house.stl -o none/v.stl -w 1", "The folder of the output file \"none/v.stl\" does not exist."},
+        {"voxelize house.stl -o . -w 1", "Failed to open STL file \".\" to write triangle data in binary format."},
+        {"slice house.stl -o s.png -w 1 --at x=1000", "The slice x=1000 lies outside the model."},
+        {"slice house.stl -o . -w 1 --at x=1", "Failed to write the picture \".\"."},
+        {"scene building -o none/b.stl", "Failed to open STL file \"none/b.stl\" to write triangle data in binary format."},
+    };
+    for (const auto& [arguments, sentence] : cases) {
+        const Outcome outcome = Run(arguments);
+        EXPECT_EQ(outcome.exitCode, 1) << arguments << outcome.error;
+        EXPECT_EQ(outcome.error.find("brix: "), 0U) << arguments;
+        EXPECT_NE(outcome.error.find(sentence), std::string::npos) << arguments << '\n' << outcome.error;
+        EXPECT_EQ(outcome.error.find('\n') + 1, outcome.error.size()) << arguments << '\n' << outcome.error;
+    }
+    EXPECT_FALSE(fs::exists(folder_ / "v.stl")) << "nothing is written before the model is made";
+}
+
+TEST_F(Program, TellsThatTheDiskIsFull)
+{
+    MakeHouse();
+    if (!fs::is_character_file("/dev/full")) GTEST_SKIP() << "no device that is always full";
+    for (const std::string arguments : {"scene city --ascii -o /dev/full", "voxelize house.stl -w 1.6 -o /dev/full",
+                                        "slice house.stl -w 1.6 --at z=1 -o /dev/full", "info house.stl >/dev/full"}) {
+        const Outcome outcome = Run(arguments);
+        EXPECT_EQ(outcome.exitCode, 1) << arguments;
+        EXPECT_EQ(outcome.error.find("brix: Failed to write"), 0U) << arguments << '\n' << outcome.error;
+    }
+}
+
+TEST_F(Program, TellsThatMemoryIsShort)
+{
+    MakeHouse();
+    const std::string littleMemory = "ulimit -v 200000 && ";
+    if (Run("--version", littleMemory).exitCode != 0) GTEST_SKIP() << "a sanitizer needs more address space than that";
+    const Outcome outcome = Run("voxelize house.stl -o v.stl -w 0.05 --lod 5 --memory-limit 1000", littleMemory);
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_EQ(outcome.error, "brix: There is not enough memory. Choose a larger --width or a lower --lod.\n");
+}
+
+TEST_F(Program, HelpsAndTellsItsVersion)
+{
+    for (const std::string arguments :
+         {"--help", "info --help", "voxelize --help", "slice --help", "scene --help", "--version"}) {
+        const Outcome outcome = Run(arguments);
+        EXPECT_EQ(outcome.exitCode, 0) << arguments;
+        EXPECT_EQ(outcome.error, "") << arguments;
+        EXPECT_NE(outcome.output.find("brix"), std::string::npos) << arguments;
+    }
+}
+
+TEST_F(Program, ReportsWhatItsFilesHold)
+{
+    const Outcome scene = Run("scene building -o house.stl");
+    const Outcome info = Run("info house.stl");
+    const std::vector<WorldTriangle> triangles = Load("house.stl");
+    EXPECT_EQ(Reported(scene, ": (\\d+) triangles"), static_cast<std::int64_t>(triangles.size()));
+    EXPECT_EQ(Reported(info, "triangles (\\d+)"), static_cast<std::int64_t>(triangles.size()));
+    EXPECT_EQ(Reported(info, "bytes +(\\d+)"), static_cast<std::int64_t>(fs::file_size(folder_ / "house.stl")));
+    EXPECT_NE(info.output.find("lower     -1.5 -1.5 -0.3\nupper     15.5 11.5 6.5\nsize      17 x 13 x 6.8\n"),
+              std::string::npos);
+
+    const std::string arguments =
+        "voxelize house.stl -o fine.stl -o 1=coarse.stl -w 1.6 --lod 3 --vertical-lod 2 --origin 0.1 -0.2 0.3";
+    const Outcome first = Run(arguments);
+    ASSERT_EQ(first.exitCode, 0) << first.error;
+    EXPECT_EQ(first.error, "") << "progress is for terminals";
+    EXPECT_EQ(Reported(first, "level 3, (\\d+) triangles"), static_cast<std::int64_t>(Load("fine.stl").size()));
+    EXPECT_EQ(Reported(first, "level 1, (\\d+) triangles"), static_cast<std::int64_t>(Load("coarse.stl").size()));
+
+    const Extents extents = DetectTriangleExtents(Axes(1.6, {0.1, -0.2, 0.3}, 0, 2), triangles);
+    TriangleModel triangleModel(extents);
+    triangleModel.AddWorldTriangles(triangles);
+    VoxelModel<bool> model(extents, 3);
+    VoxelizeTriangleModel(model, triangleModel);
+    for (std::int64_t lod = 0; lod <= 3; ++lod) {
+        std::int64_t filled = 0;
+        ForEachTriple(model.ExtentsRef(lod).LowerIndices(), model.ExtentsRef(lod).UpperIndices(),
+                      [&](const Triple& voxel) { filled += model.FindVoxel(voxel, lod).Value(); });
+        EXPECT_EQ(Reported(first, "level " + std::to_string(lod) + " +(\\d+) voxels filled"), filled);
+    }
+
+    const std::string fine = ContentOf(folder_ / "fine.stl");
+    EXPECT_EQ(WithoutTimes(Run(arguments).output), WithoutTimes(first.output));
+    EXPECT_EQ(ContentOf(folder_ / "fine.stl"), fine) << "every run gives the same";
+}
+
+TEST_F(Program, KeepsTheFilesOwnUpAxisAndWritesAscii)
+{
+    SaveTrianglesToBinarySTL(folder_ / "y-up.stl", {{{{0.5, 0.5, 0.5}, {0.5, 0.5, 7.5}, {2.5, 0.5, 0.5}}}}, true);
+    EXPECT_NE(Run("info y-up.stl").output.find("size      2 x 7 x 0\n"), std::string::npos);
+    EXPECT_NE(Run("info y-up.stl --swap-yz").output.find("size      2 x 0 x 7\n"), std::string::npos);
+    EXPECT_EQ(Run("voxelize y-up.stl -o voxels.stl -w 1 --lod 0 --ascii --swap-yz").exitCode, 0);
+    const Outcome info = Run("info voxels.stl");
+    EXPECT_NE(info.output.find("format    ASCII STL\n"), std::string::npos);
+    EXPECT_NE(info.output.find("size      3 x 8 x 1\n"), std::string::npos) << info.output;
+}
+
+TEST_F(Program, DrawsSlicesSideBySide)
+{
+    MakeHouse();
+    const Outcome slice = Run("slice house.stl -w 1.6 --at z=0.7 --at y=5.9 --lod 3 --vertical-lod 4 --scale 2 -o s.png");
+    ASSERT_EQ(slice.exitCode, 0) << slice.error;
+    const std::string png = ContentOf(folder_ / "s.png");
+    ASSERT_GT(png.size(), 24U);
+    const auto number = [&](std::size_t at) { // big-endian, low half
+        return 256 * static_cast<unsigned char>(png[at + 2]) + static_cast<unsigned char>(png[at + 3]);
+    };
+    EXPECT_EQ(png.substr(1, 3), "PNG");
+    EXPECT_EQ(Reported(slice, "s.png: (\\d+) x"), number(16));
+    EXPECT_EQ(Reported(slice, "s.png: \\d+ x (\\d+) pixels"), number(20));
+}
+
+} // namespace
+} // namespace brix
+#endif

@@ -1,0 +1,161 @@
+// Voxelization against the plainest exact test there is: every voxel of a model against every triangle by separating axes.
+#include "triangles/Voxelization.h"
+
+#include "model/CheckInvariants.h"
+#include "model/VoxelIterator.h"
+#include "support/Random.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <sstream>
+
+namespace brix {
+namespace {
+
+using tests::Random;
+__extension__ typedef __int128 Wide;
+using WideTriple = std::array<Wide, 3>;
+
+WideTriple Cross(const WideTriple& a, const WideTriple& b)
+{
+    return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
+}
+
+// Whether triangle and box are strictly apart along an axis.
+bool AreApart(const WideTriple& axis, const LatticeTriangle& triangle, const Triple& lower, const Triple& upper)
+{
+    Wide boxLow = 0;
+    Wide boxHigh = 0;
+    for (std::size_t i = 0; i < 3; ++i) {
+        boxLow += axis[i] * (axis[i] > 0 ? lower[i] : upper[i]);
+        boxHigh += axis[i] * (axis[i] > 0 ? upper[i] : lower[i]);
+    }
+    std::array<Wide, 3> along{};
+    for (std::size_t corner = 0; corner < 3; ++corner) {
+        for (std::size_t i = 0; i < 3; ++i) along[corner] += axis[i] * triangle[corner][i];
+    }
+    return *std::max_element(along.begin(), along.end()) < boxLow || *std::min_element(along.begin(), along.end()) > boxHigh;
+}
+
+// The thirteen axes of a triangle and a box: three faces, the plane, and nine pairs of edges.
+bool Overlap(const LatticeTriangle& triangle, const Triple& lower, const Triple& upper)
+{
+    const std::array<WideTriple, 3> units{{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}};
+    std::array<WideTriple, 3> edges{};
+    for (std::size_t edge = 0; edge < 3; ++edge) {
+        for (std::size_t i = 0; i < 3; ++i) edges[edge][i] = triangle[(edge + 1) % 3][i] - triangle[edge][i];
+    }
+    if (AreApart(Cross(edges[0], edges[1]), triangle, lower, upper)) return false;
+    for (const WideTriple& unit : units) {
+        if (AreApart(unit, triangle, lower, upper)) return false;
+        for (const WideTriple& edge : edges) {
+            if (AreApart(Cross(unit, edge), triangle, lower, upper)) return false;
+        }
+    }
+    return true;
+}
+
+bool TouchesAny(const std::vector<LatticeTriangle>& triangles, const Axes& axes, const Triple& voxel, std::int64_t lod)
+{
+    const Triple lower = axes.VoxelCorner(voxel, lod);
+    const Triple upper = Plus(lower, axes.VoxelSize(lod));
+    return std::any_of(triangles.begin(), triangles.end(), [&](const auto& triangle) { return Overlap(triangle, lower, upper); });
+}
+
+struct Case
+{
+    std::uint64_t seed;
+    Extents extents;
+    std::int64_t finestLOD;
+    std::vector<LatticeTriangle> triangles;
+};
+
+// A corner near the extents: anywhere, or on faces, edges and corners of voxels, where closed boxes touch.
+Triple RandomCorner(Random& random, const Extents& extents, std::int64_t lod, std::int64_t reach)
+{
+    const Axes& axes = extents.AxesRef();
+    const Triple size = axes.VoxelSize(lod);
+    const Triple lower = axes.VoxelCorner(extents.LowerIndices(), extents.VoxelLOD());
+    const Triple upper = axes.VoxelCorner(Plus(extents.UpperIndices(), {1, 1, 1}), extents.VoxelLOD());
+    Triple corner{};
+    for (std::size_t i = 0; i < 3; ++i) {
+        corner[i] = random.Between(lower[i] - reach, upper[i] + reach);
+        if (random.OneIn(3)) corner[i] = FloorDivide(corner[i], size[i]) * size[i];
+    }
+    return corner;
+}
+
+LatticeTriangle RandomTriangle(Random& random, const Extents& extents, std::int64_t lod)
+{
+    const Triple size = extents.AxesRef().VoxelSize(lod);
+    const std::array<std::int64_t, 3> reaches{size[0], 10 * size[0], 400000};
+    const std::int64_t spread = reaches[static_cast<std::size_t>(random.Between(0, 2))];
+    LatticeTriangle triangle{};
+    triangle[0] = RandomCorner(random, extents, lod, size[0]);
+    for (std::size_t corner = 1; corner < 3; ++corner) {
+        triangle[corner] = triangle[0];
+        for (std::size_t i = 0; i < 3; ++i) {
+            if (random.OneIn(5)) continue; // stays in a plane of the lattice, or on a line or point
+            triangle[corner][i] += random.OneIn(3) ? random.Between(-spread / size[i], spread / size[i]) * size[i]
+                                                   : random.Between(-spread, spread);
+        }
+    }
+    if (random.OneIn(8)) triangle[2] = triangle[1];
+    return triangle;
+}
+
+Case RandomCase(std::uint64_t seed)
+{
+    Random random(seed);
+    const Axes axes(random.OneIn(2) ? 40000.0 : 1.0, {0, 0, 0}, 0, random.Between(0, 5));
+    const std::int64_t finestLOD = random.Between(0, 5);
+    const std::int64_t extentsLOD = random.Between(0, 5);
+    Triple lower{random.Between(-20, 20) << extentsLOD, random.Between(-20, 20) << extentsLOD, random.Between(-70, 70)};
+    Triple upper = Plus(lower, {random.Between(0, 3 << extentsLOD), random.Between(0, 3 << extentsLOD), random.Between(0, 70)});
+    Case result{seed, Extents(axes, lower, upper, extentsLOD), finestLOD, {}};
+    for (std::int64_t i = random.Between(1, 4); i > 0; --i) {
+        result.triangles.push_back(RandomTriangle(random, result.extents, finestLOD));
+    }
+    return result;
+}
+
+// The pieces that a model files are what counts as the triangle where it was cut on its way into the chunks.
+std::vector<LatticeTriangle> FiledPieces(const TriangleModel& model)
+{
+    std::vector<LatticeTriangle> pieces;
+    ForEachTriple(model.LowerChunkIndices(), model.UpperChunkIndices(), [&](const Triple& chunk) {
+        const auto& filed = model.ChunkRef(chunk).TrianglesRef();
+        pieces.insert(pieces.end(), filed.begin(), filed.end());
+    });
+    std::sort(pieces.begin(), pieces.end());
+    pieces.erase(std::unique(pieces.begin(), pieces.end()), pieces.end());
+    return pieces;
+}
+
+void ExpectExactVoxels(const VoxelModel<bool>& model, const std::vector<LatticeTriangle>& triangles, std::uint64_t seed)
+{
+    const std::int64_t lod = model.FinestLOD();
+    const Extents& extents = model.ExtentsRef(lod);
+    std::int64_t differences = 0;
+    ForEachTriple(extents.LowerIndices(), extents.UpperIndices(), [&](const Triple& voxel) {
+        if (model.FindVoxel(voxel, lod).Value() != TouchesAny(triangles, model.AxesRef(), voxel, lod)) ++differences;
+    });
+    EXPECT_EQ(differences, 0) << "seed " << seed;
+    EXPECT_EQ(CheckInvariants(model, lod), "") << "seed " << seed;
+}
+
+TEST(Voxelization, EqualsTheExactOverlapOfEveryVoxelWithEveryTriangle)
+{
+    for (std::uint64_t seed = 1; seed <= 150; ++seed) {
+        const Case random = RandomCase(seed);
+        TriangleModel triangles(random.extents);
+        for (const LatticeTriangle& triangle : random.triangles) triangles.AddTriangle(triangle);
+        VoxelModel<bool> model(random.extents, random.finestLOD);
+        VoxelizeTriangleModel(model, triangles);
+        ExpectExactVoxels(model, FiledPieces(triangles), seed);
+    }
+}
+
+} // namespace
+} // namespace brix

@@ -1,0 +1,13 @@
+// The subcommands of brix. Each has a file of its own, which adds its options to the program and does the work when it is called.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+namespace brix::tools {
+
+void AddInfoCommand(CLI::App& program);
+void AddSceneCommand(CLI::App& program);
+void AddSliceCommand(CLI::App& program);
+void AddVoxelizeCommand(CLI::App& program);
+
+} // namespace brix::tools
