@@ -39,7 +39,8 @@ const std::vector<std::pair<std::string, Source>>& Sources()
     return sources;
 }
 
-// A frame whose finest voxels are cubes, `voxels` of them along the longest side of the triangles' bounding box.
+// A frame whose finest voxels are cubes, `voxels` of them along the longest side of the triangles' bounding box. Faces of generated
+// buildings would meet faces of voxels if the margin were half a voxel, and each would then be two voxels thick.
 Axes FrameFor(const std::vector<WorldTriangle>& triangles, std::int64_t voxels)
 {
     std::array<double, 3> lower = triangles.front().front();
@@ -53,8 +54,9 @@ Axes FrameFor(const std::vector<WorldTriangle>& triangles, std::int64_t voxels)
         }
     }
     const double longest = std::max({upper[0] - lower[0], upper[1] - lower[1], upper[2] - lower[2]});
-    const double width = longest / static_cast<double>(voxels - 1);
-    for (double& coordinate : lower) coordinate -= width / 2;
+    const double margin = 0.35;
+    const double width = longest / (static_cast<double>(voxels) - 2 * margin);
+    for (double& coordinate : lower) coordinate -= margin * width;
     return Axes(width * (1 << GriddedScene::FinestLOD), lower, 0, GriddedScene::FinestLOD);
 }
 

@@ -13,8 +13,8 @@ const std::vector<std::string>& SceneNames();
 /// A scene's triangles in world units, read or generated at first use.
 const std::vector<WorldTriangle>& TrianglesOf(const std::string& scene);
 
-/// A scene on a grid of cubic voxels at FinestLOD, so many along the longest side of its bounding box. The box lies half a voxel
-/// inside the grid on all sides, and the grid starts at a chunk's corner.
+/// A scene on a grid of cubic voxels at FinestLOD, so many along the longest side of its bounding box. The box lies a third of a
+/// voxel inside the grid, and the grid starts at a chunk's corner.
 struct GriddedScene
 {
     static constexpr std::int64_t FinestLOD = 5;

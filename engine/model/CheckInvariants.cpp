@@ -1,6 +1,8 @@
 #include "CheckInvariants.h"
 
-#include "VoxelIterator.h"
+#include "ForEachStack.h"
+
+#include <bitset>
 
 namespace brix {
 namespace {
@@ -66,21 +68,43 @@ bool FineAgrees(const Store& fine, const StackIndices& ij, const Triple& offset,
     return IsFilled(fine.VoxelStackRef(ij), offset) == expected;
 }
 
+// The heights at which a stack of `store`, one that it follows from, or the extents begin; between them, nothing changes.
+std::bitset<Stack::Height + 1> ChangingHeights(const Store& store, const StackIndices& ij, const Store& source)
+{
+    std::bitset<Stack::Height + 1> heights;
+    const auto add = [&](const Stack& stack) {
+        for (const std::uint8_t offset : stack.LayerOffsets()) heights.set(offset);
+    };
+    add(store.VoxelStackRef(ij));
+    if (source.StacksPerRow() < store.StacksPerRow()) {
+        add(source.VoxelStackRef({ij[0] / 2, ij[1] / 2}));
+    } else {
+        for (std::int64_t child = 0; child < 4; ++child) {
+            add(source.VoxelStackRef({2 * ij[0] + child % 2, 2 * ij[1] + child / 2}));
+        }
+    }
+    heights.set(static_cast<std::size_t>(store.LowerOffset(ij)[2]));
+    heights.set(static_cast<std::size_t>(store.UpperOffset(ij)[2] + 1));
+    return heights;
+}
+
 // Whether every voxel of `store` follows from `source`, the level next to it on the side of the written level.
 std::string CheckLevel(const Store& store, const Store& source)
 {
-    const std::int64_t lod = store.ExtentsRef().VoxelLOD();
-    const bool isCoarser = lod < source.ExtentsRef().VoxelLOD();
+    const bool isCoarser = store.StacksPerRow() < source.StacksPerRow();
     std::string reason;
-    ForEachTriple({store.LowerStack()[0], store.LowerStack()[1], 0}, {store.UpperStack()[0], store.UpperStack()[1], 0},
-                  [&](const Triple& column) {
-                      const StackIndices ij{column[0], column[1]};
-                      ForEachTriple({0, 0, 0}, {15, 15, 63}, [&](const Triple& offset) {
-                          const bool agrees =
-                              isCoarser ? CoarseAgrees(store, ij, offset, source) : FineAgrees(store, ij, offset, source);
-                          if (!agrees) reason = "levels disagree at voxel" + Describe(Plus(store.LowerIndices(ij), offset), lod);
-                      });
-                  });
+    ForEachStackOfStore(store, [&](const Store&, const StackIndices& ij) {
+        const auto heights = ChangingHeights(store, ij, source);
+        for (std::int64_t z = 0; z < Stack::Height && reason.empty(); ++z) {
+            if (!heights[static_cast<std::size_t>(z)]) continue;
+            ForEachTriple({0, 0, z}, {15, 15, z}, [&](const Triple& offset) {
+                const bool agrees = isCoarser ? CoarseAgrees(store, ij, offset, source) : FineAgrees(store, ij, offset, source);
+                if (agrees || !reason.empty()) return;
+                reason =
+                    "levels disagree at voxel" + Describe(Plus(store.LowerIndices(ij), offset), store.ExtentsRef().VoxelLOD());
+            });
+        }
+    });
     return reason;
 }
 

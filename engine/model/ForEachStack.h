@@ -20,4 +20,12 @@ template <class VoxelModelType, class Visit> void ForEachStack(VoxelModelType& m
                   [&](const Triple& chunk) { ForEachStackOfStore(model.ChunkRef(chunk).VoxelStoreRef(lod), visit); });
 }
 
+/// Whether holds(store, ij) is true of every stack of a model at a level that the model holds. Stops at the first that is not.
+template <class Holds> bool AllStacks(const VoxelModel<bool>& model, std::int64_t lod, Holds holds)
+{
+    bool all = true;
+    ForEachStack(model, lod, [&](const VoxelStore<bool>& store, const StackIndices& ij) { all = all && holds(store, ij); });
+    return all;
+}
+
 } // namespace brix

@@ -5,6 +5,7 @@
 //                           rows[1]  .#.............#      = 0x8002
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstddef>
@@ -98,6 +99,69 @@ constexpr VoxelPlate<bool> Box(const std::array<std::int64_t, 2>& lower, const s
         const auto row = static_cast<std::int64_t>(y);
         return lower[1] <= row && row <= upper[1] ? bits : std::uint16_t{0};
     });
+}
+
+/// Row y and column x of a plate, each 0..15; bit i of a column is the voxel of row i.
+constexpr std::uint16_t Row(const VoxelPlate<bool>& plate, std::size_t y) { return plate.rows[y]; }
+constexpr std::uint16_t Column(const VoxelPlate<bool>& plate, std::size_t x)
+{
+    unsigned column = 0;
+    for (std::size_t y = 0; y < VoxelPlate<bool>::Side; ++y) column |= (static_cast<unsigned>(plate.rows[y]) >> x & 1U) << y;
+    return static_cast<std::uint16_t>(column);
+}
+
+/// What each voxel of `here` sees `distance` (1..16) voxels towards larger x. `beyond` is the plate that faces `here` there:
+///
+///     here  .##.   beyond  #...   gives  ##.#      (distance 1, x to the right, drawn 4 wide)
+constexpr VoxelPlate<bool> TowardsUpperX(const VoxelPlate<bool>& here, const VoxelPlate<bool>& beyond, int distance = 1)
+{
+    return MakePlate([&](std::size_t y) { return here.rows[y] >> distance | beyond.rows[y] << (16 - distance); });
+}
+
+/// The same towards smaller x:   beyond  ...#   here  .##.   gives  #.##
+constexpr VoxelPlate<bool> TowardsLowerX(const VoxelPlate<bool>& here, const VoxelPlate<bool>& beyond, int distance = 1)
+{
+    return MakePlate([&](std::size_t y) { return here.rows[y] << distance | beyond.rows[y] >> (16 - distance); });
+}
+
+/// The same along y: row y becomes row y + distance or y - distance, taken from `beyond` where that leaves the plate.
+constexpr VoxelPlate<bool> TowardsUpperY(const VoxelPlate<bool>& here, const VoxelPlate<bool>& beyond, int distance = 1)
+{
+    std::array<std::uint16_t, 2 * VoxelPlate<bool>::Side> both{};
+    std::copy(here.rows.begin(), here.rows.end(), both.begin());
+    std::copy(beyond.rows.begin(), beyond.rows.end(), both.begin() + VoxelPlate<bool>::Side);
+    return MakePlate([&](std::size_t y) { return both[y + static_cast<std::size_t>(distance)]; });
+}
+
+constexpr VoxelPlate<bool> TowardsLowerY(const VoxelPlate<bool>& here, const VoxelPlate<bool>& beyond, int distance = 1)
+{
+    std::array<std::uint16_t, 2 * VoxelPlate<bool>::Side> both{};
+    std::copy(beyond.rows.begin(), beyond.rows.end(), both.begin());
+    std::copy(here.rows.begin(), here.rows.end(), both.begin() + VoxelPlate<bool>::Side);
+    return MakePlate([&](std::size_t y) { return both[y + VoxelPlate<bool>::Side - static_cast<std::size_t>(distance)]; });
+}
+
+/// The voxels that are filled in at least `count` of four plates; all for a count of 0 or less, none beyond 4.
+constexpr VoxelPlate<bool> AtLeast(std::int64_t count, const VoxelPlate<bool>& a, const VoxelPlate<bool>& b, const VoxelPlate<bool>& c,
+                                   const VoxelPlate<bool>& d)
+{
+    switch (count) {
+    case 1: return a | b | c | d;
+    case 2: return (a & b) | (c & d) | ((a | b) & (c | d));
+    case 3: return (a & b & (c | d)) | (c & d & (a | b));
+    case 4: return a & b & c & d;
+    default: return count < 1 ? FilledPlate() : VoxelPlate<bool>{};
+    }
+}
+
+/// The voxels that are filled in at least `count` of two plates.
+constexpr VoxelPlate<bool> AtLeast(std::int64_t count, const VoxelPlate<bool>& a, const VoxelPlate<bool>& b)
+{
+    switch (count) {
+    case 1: return a | b;
+    case 2: return a & b;
+    default: return count < 1 ? FilledPlate() : VoxelPlate<bool>{};
+    }
 }
 
 /// Rows and columns joined in pairs: eight rows of eight bits, where bit x of row y is filled when any of the four voxels

@@ -178,7 +178,8 @@ std::runtime_error StlFailure(std::string_view sentenceStart, const std::filesys
 
 bool IsAsciiStl(ByteReader& file, const std::filesystem::path& filePath)
 {
-    if (!file.Holds(5)) throw StlFailure("Failed to read first 5 bytes of STL file ", filePath, " to check whether it is an ASCII file.");
+    if (!file.Holds(5))
+        throw StlFailure("Failed to read first 5 bytes of STL file ", filePath, " to check whether it is an ASCII file.");
     return file.Peek(5) == "solid" || file.Peek(5) == "SOLID";
 }
 

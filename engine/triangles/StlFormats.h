@@ -18,7 +18,8 @@
 namespace brix {
 
 /// The exception for a file that cannot be read or written: `sentenceStart` "path" `sentenceEnd`.
-std::runtime_error StlFailure(std::string_view sentenceStart, const std::filesystem::path& filePath, std::string_view sentenceEnd);
+std::runtime_error StlFailure(std::string_view sentenceStart, const std::filesystem::path& filePath,
+                              std::string_view sentenceEnd);
 
 /// Whether the file, of which nothing has been taken yet, is in the ASCII variant. Throws when it has fewer than five bytes.
 bool IsAsciiStl(ByteReader& file, const std::filesystem::path& filePath);

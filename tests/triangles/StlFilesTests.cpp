@@ -121,7 +121,8 @@ Triangles ReadByDefinition(const std::string& content, const std::string& path, 
             const std::string vertex = firstWordOfNextLine();
             if (!file.good()) throw std::runtime_error("Incomplete triangle encountered in STL file \"" + path + "\".");
             if (vertex != "vertex" && vertex != "VERTEX")
-                throw std::runtime_error("Unexpected token encountered in STL file \"" + path + "\". A vertex entry was expected.");
+                throw std::runtime_error("Unexpected token encountered in STL file \"" + path +
+                                         "\". A vertex entry was expected.");
             double x = 0;
             double y = 0;
             double z = 0;
@@ -132,11 +133,12 @@ Triangles ReadByDefinition(const std::string& content, const std::string& path, 
     return triangles;
 }
 
-const std::string twoFacets = "solid two\n"
-                              "  facet normal 0 0 1\n    outer loop\n      vertex 0 0 0\n      vertex 1 0 0\n      vertex 0 1.5e0 -2\n"
-                              "    endloop\n  endfacet\r\n"
-                              "FACET NORMAL 0 0 1\nOUTER LOOP\nVERTEX .5 -0 7\r\nvertex 1e-3 2\nVERTEX 3 x 4\nENDLOOP\nENDFACET\n"
-                              "endsolid two\n";
+const std::string twoFacets =
+    "solid two\n"
+    "  facet normal 0 0 1\n    outer loop\n      vertex 0 0 0\n      vertex 1 0 0\n      vertex 0 1.5e0 -2\n"
+    "    endloop\n  endfacet\r\n"
+    "FACET NORMAL 0 0 1\nOUTER LOOP\nVERTEX .5 -0 7\r\nvertex 1e-3 2\nVERTEX 3 x 4\nENDLOOP\nENDFACET\n"
+    "endsolid two\n";
 
 std::string LittleEndian(std::uint32_t word)
 {
@@ -158,7 +160,11 @@ std::string BinaryFile(std::uint32_t announced, const std::vector<std::array<flo
 const std::array<float, 12> recordA{9, 9, 9, 1, 2, 3, 4, 5, 6, 7, 8.5F, -0.0F};
 const std::array<float, 12> recordB{8, 8, 8, -1, 0.1F, 3e38F, 1e-45F, infinity, -infinity, 0, 1, 2};
 const WorldTriangle triangleA{{{1, 2, 3}, {4, 5, 6}, {7, 8.5, -0.0}}};
-const WorldTriangle triangleB{{{-1, 0.1F, 3e38F}, {1e-45F, infinity, -infinity}, {0, 1, 2}}};
+const WorldTriangle triangleB = [] {
+    WorldTriangle triangle{};
+    for (std::size_t i = 0; i < 9; ++i) triangle[i / 3][i % 3] = static_cast<double>(recordB[i + 3]);
+    return triangle;
+}();
 
 TEST(SaveTrianglesToAsciiSTL, WritesTheTextByteForByte)
 {
@@ -274,7 +280,8 @@ TEST(LoadTrianglesFromSTL, SwapsAxesAndIgnoresBytesAfterTheLastRecord)
     const Path binary = folder.With(BinaryFile(2, {recordA, recordB, recordA}), "binary.stl");
     EXPECT_EQ(Loaded(binary), (Outcome{Bits({triangleA, triangleB}), ""}));
     EXPECT_EQ(Loaded(folder.With(BinaryFile(1, {recordA}, "x")), true), (Outcome{Bits({swappedA}), ""}));
-    EXPECT_EQ(Loaded(folder.With("solid\nouter\nvertex 1 2 3\nvertex 4 5 6\nvertex 7 8.5 -0\n"), true), (Outcome{Bits({swappedA}), ""}));
+    EXPECT_EQ(Loaded(folder.With("solid\nouter\nvertex 1 2 3\nvertex 4 5 6\nvertex 7 8.5 -0\n"), true),
+              (Outcome{Bits({swappedA}), ""}));
     EXPECT_EQ(Loaded(folder.With("solid\nouter\nvertex 1e999 2 3\nvertex 0x10 5 6\nvertex\n")),
               (Outcome{Bits({{{{std::numeric_limits<double>::max(), 0, 0}, {0, 0, 0}, {0, 0, 0}}}}), ""}));
 }
@@ -335,22 +342,41 @@ TEST(LoadTrianglesFromSTL, TakesEveryTruncationOfAnAsciiFileByDefinition)
     for (std::size_t length = 5; length <= twoFacets.size(); ++length) {
         const Path path = folder.With(twoFacets.substr(0, length));
         for (const bool swapYZ : {false, true})
-            ASSERT_EQ(Loaded(path, swapYZ), OutcomeOf([&] { return ReadByDefinition(Content(path), path.string(), swapYZ); })) << length;
+            ASSERT_EQ(Loaded(path, swapYZ), OutcomeOf([&] { return ReadByDefinition(Content(path), path.string(), swapYZ); }))
+                << length;
     }
 }
 
 /// A valid file with pieces put in, taken out and overwritten.
 std::string Damaged(std::string content, Random& random)
 {
-    static const std::array pieces{"outer"s, "OUTER "s, "vertex"s, "VERTEX "s, "\n"s, "\r\n"s, " "s, "\t\v\f"s, "\0"s, "1e"s, "-"s, "e400"s,
-                                   "nan"s, "1.25"s, "0"s, std::string(70'000, ' '), std::string(140'000, '5')};
+    static const std::array pieces{"outer"s,
+                                   "OUTER "s,
+                                   "vertex"s,
+                                   "VERTEX "s,
+                                   "\n"s,
+                                   "\r\n"s,
+                                   " "s,
+                                   "\t\v\f"s,
+                                   "\0"s,
+                                   "1e"s,
+                                   "-"s,
+                                   "e400"s,
+                                   "nan"s,
+                                   "1.25"s,
+                                   "0"s,
+                                   std::string(70'000, ' '),
+                                   std::string(140'000, '5')};
     const std::int64_t damages = random.Between(1, 6);
     for (std::int64_t i = 0; i < damages; ++i) {
         const auto at = static_cast<std::size_t>(random.Between(5, std::ssize(content)));
         const auto& piece = pieces[static_cast<std::size_t>(random.Between(0, std::ssize(pieces) - (random.OneIn(100) ? 1 : 3)))];
-        if (random.OneIn(3)) content.insert(at, piece);
-        else if (random.OneIn(2)) content.erase(at, static_cast<std::size_t>(random.Between(1, 20)));
-        else content.replace(at, static_cast<std::size_t>(random.Between(1, 6)), piece);
+        if (random.OneIn(3))
+            content.insert(at, piece);
+        else if (random.OneIn(2))
+            content.erase(at, static_cast<std::size_t>(random.Between(1, 20)));
+        else
+            content.replace(at, static_cast<std::size_t>(random.Between(1, 6)), piece);
     }
     return content;
 }
@@ -360,7 +386,7 @@ TEST(LoadTrianglesFromSTL, TakesDamagedAsciiFilesByDefinition)
     const TemporaryFolder folder;
     Random random(4);
     std::size_t loaded = 0;
-    for (int i = 0; i < 20'000; ++i) {
+    for (int i = 0; i < 10'000; ++i) {
         const std::string content = Damaged(twoFacets, random);
         const bool swapYZ = random.OneIn(2);
         const Outcome expected = OutcomeOf([&] { return ReadByDefinition(content, "memory", swapYZ); });
@@ -376,8 +402,8 @@ TEST(LoadTrianglesFromSTL, TakesDamagedAsciiFilesByDefinition)
         }
         loaded += expected.message.empty();
     }
-    EXPECT_GT(loaded, 2000U); // neither all good nor all bad
-    EXPECT_LT(loaded, 18'000U);
+    EXPECT_GT(loaded, 1000U); // neither all good nor all bad
+    EXPECT_LT(loaded, 9000U);
 }
 
 TEST(LoadTrianglesFromSTL, ReadsFilesLongerThanItsBlocksByDefinition)
@@ -385,7 +411,7 @@ TEST(LoadTrianglesFromSTL, ReadsFilesLongerThanItsBlocksByDefinition)
     const TemporaryFolder folder;
     std::string content = twoFacets;
     for (int i = 0; i < 1500; ++i) content += std::string(static_cast<std::size_t>(i % 97), ' ') + twoFacets.substr(10);
-    content.insert(content.size() / 2, std::string(300'000, 'x') + "\n");
+    content.insert(content.find("endsolid", content.size() / 2), std::string(300'000, 'x') + "\n");
     const Path path = folder.With(content);
     EXPECT_EQ(Loaded(path), OutcomeOf([&] { return ReadByDefinition(content, path.string(), false); }));
     EXPECT_EQ(LoadTrianglesFromSTL(path, false).size(), 3002U);
@@ -450,7 +476,10 @@ TEST(SaveTrianglesToBinarySTL, RefusesMoreTrianglesThanTheFileCanCount)
 class FailingDevice : public std::streambuf
 {
 public:
-    explicit FailingDevice(std::string content) : content_(std::move(content)) { setg(&content_[0], &content_[0], &content_[0] + content_.size()); }
+    explicit FailingDevice(std::string content) : content_(std::move(content))
+    {
+        setg(&content_[0], &content_[0], &content_[0] + content_.size());
+    }
     explicit FailingDevice(std::streamsize room) : room_(room) {}
 
 protected:
@@ -489,7 +518,8 @@ TEST(StlFiles, DoNotTakeAFaultOfTheDeviceForTheEndOfTheFile)
     FailingDevice device(twoFacets);
     std::istream file(&device);
     ByteReader bytes(file);
-    EXPECT_EQ(MessageOf([&] { ReadAsciiTriangles(bytes, "torn", false); }), "Incomplete triangle encountered in STL file \"torn\".");
+    EXPECT_EQ(MessageOf([&] { ReadAsciiTriangles(bytes, "torn", false); }),
+              "Incomplete triangle encountered in STL file \"torn\".");
 }
 
 #ifdef BRIX_TESTS_HAVE_DEVICES
@@ -520,7 +550,8 @@ TEST(LoadTrianglesFromSTL, ReadsPipes)
     };
     EXPECT_EQ(loadedFromPipe(BinaryFile(2, {recordA, recordB})), (Outcome{Bits({triangleA, triangleB}), ""}));
     EXPECT_EQ(loadedFromPipe(twoFacets), OutcomeOf([&] { return ReadByDefinition(twoFacets, pipe.string(), false); }));
-    EXPECT_EQ(loadedFromPipe(BinaryFile(0xffffffff, {recordA})).message, "Failed to read triangle in STL file \"" + pipe.string() + "\".");
+    EXPECT_EQ(loadedFromPipe(BinaryFile(0xffffffff, {recordA})).message,
+              "Failed to read triangle in STL file \"" + pipe.string() + "\".");
 }
 
 #endif

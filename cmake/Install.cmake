@@ -1,0 +1,31 @@
+# What a host gets: the library, the public headers, the program brix when it is built, a CMake package and a pkg-config file. The
+# installed tree may be moved as a whole: nothing in it names the place that it was installed to.
+include(CMakePackageConfigHelpers)
+include(PublicHeaders)
+
+set(BRIX_PACKAGE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/brix")
+set(BRIX_PKGCONFIG_DIR "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+
+install(TARGETS brix_engine EXPORT brixTargets ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}")
+install(FILES brix.h DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
+
+file(GLOB BRIX_PUBLIC_HEADERS RELATIVE "${CMAKE_CURRENT_SOURCE_DIR}" CONFIGURE_DEPENDS "*/*.h")
+list(REMOVE_ITEM BRIX_PUBLIC_HEADERS ${BRIX_INTERNAL_HEADERS})
+foreach(header IN LISTS BRIX_PUBLIC_HEADERS)
+    get_filename_component(folder "${header}" DIRECTORY)
+    install(FILES "${header}" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/brix/${folder}")
+endforeach()
+
+# find_package(brix CONFIG) and the target brix::engine. Until version 1 a new minor version may break a host.
+install(EXPORT brixTargets NAMESPACE brix:: DESTINATION "${BRIX_PACKAGE_DIR}")
+configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/brixConfig.cmake.in" "${PROJECT_BINARY_DIR}/brixConfig.cmake"
+    INSTALL_DESTINATION "${BRIX_PACKAGE_DIR}" NO_SET_AND_CHECK_MACRO)
+write_basic_package_version_file("${PROJECT_BINARY_DIR}/brixConfigVersion.cmake" COMPATIBILITY SameMinorVersion)
+install(FILES "${PROJECT_BINARY_DIR}/brixConfig.cmake" "${PROJECT_BINARY_DIR}/brixConfigVersion.cmake"
+    DESTINATION "${BRIX_PACKAGE_DIR}")
+
+# pkg-config: all paths are told from the place of the file itself.
+file(RELATIVE_PATH BRIX_PREFIX_FROM_PKGCONFIG "${CMAKE_INSTALL_PREFIX}/${BRIX_PKGCONFIG_DIR}" "${CMAKE_INSTALL_PREFIX}")
+string(REGEX REPLACE "/$" "" BRIX_PREFIX_FROM_PKGCONFIG "${BRIX_PREFIX_FROM_PKGCONFIG}")
+configure_file("${PROJECT_SOURCE_DIR}/cmake/brix.pc.in" "${PROJECT_BINARY_DIR}/brix.pc" @ONLY)
+install(FILES "${PROJECT_BINARY_DIR}/brix.pc" DESTINATION "${BRIX_PKGCONFIG_DIR}")

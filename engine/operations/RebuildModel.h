@@ -1,0 +1,15 @@
+// The one copy of a model's voxels into other bounds.
+#pragma once
+
+#include "../model/VoxelModel.h"
+
+namespace brix {
+
+/// A model on `newExtents` (any level) with the levels 0..newFinestLOD, holding the source's voxels by index; frames are not
+/// compared. The finest level that both have is copied, clipped at the new extents; all others are rebuilt from it. The second form
+/// takes the stacks out of its source instead of copying them.
+/// Throws what the VoxelModel constructor throws.
+VoxelModel<bool> RebuildModel(const VoxelModel<bool>& source, const Extents& newExtents, std::int64_t newFinestLOD);
+VoxelModel<bool> RebuildModel(VoxelModel<bool>&& source, const Extents& newExtents, std::int64_t newFinestLOD);
+
+} // namespace brix
