@@ -1,53 +1,42 @@
-// Triangles to voxels, in two steps:
+// Triangles to voxels, in two steps and in one:
 //
 //   File             world triangles -> triangle model     beside   FileBaseline      conversion to base units into one list
 //   Voxelize         triangle model  -> voxel model        beside   VoxelizeBaseline  pieces in base units -> dense bit set
-//   FileAndVoxelize  both steps
+//   FileAndVoxelize  world triangles -> voxel model
 //
-// The baseline's triangles are converted, and cut where filing cuts them, before its time starts; it makes the finest level only,
-// while the engine makes all six. Models and bit sets are made before the time starts.
-#include "Baselines.h"
-#include "Measure.h"
-#include "triangles/Voxelization.h"
+// The baseline's triangles are converted, and cut where filing cuts them, before its time starts, and its bit set is zeroed; it
+// makes the finest level only, while the engine makes all six.
+#include "VoxelizationMeasures.h"
 
 namespace brix::benchmarks {
 namespace {
 
 using State = benchmark::State;
 
-VoxelModel<bool> EmptyModel(const GriddedScene& scene) { return VoxelModel<bool>(scene.extents, GriddedScene::FinestLOD); }
-
-void CheckVoxels(const GriddedScene& scene, const VoxelModel<bool>& model)
+std::int64_t CountFiled(const TriangleModel& model)
 {
-    RequireEqual("Filled voxels", CountFilledVoxels(model, GriddedScene::FinestLOD), scene.filledVoxels);
-}
-
-void ReportVoxels(State& state, const GriddedScene& scene)
-{
-    state.counters["voxels"] = static_cast<double>(scene.filledVoxels);
-    state.counters["triangles"] = static_cast<double>(scene.worldTriangles.size());
+    std::int64_t count = 0;
+    ForEachTriple(model.LowerChunkIndices(), model.UpperChunkIndices(), [&](const Triple& chunk) {
+        count += static_cast<std::int64_t>(model.ChunkRef(chunk).TrianglesRef().size());
+    });
+    return count;
 }
 
 void MeasureFile(State& state, const GriddedScene& scene)
 {
+    const std::int64_t expected = CountFiled(scene.filed);
     MeasureOnFresh(
         state, [&] { return TriangleModel(scene.extents); },
-        [&](TriangleModel& model) { model.AddWorldTriangles(scene.worldTriangles); }, [](const TriangleModel&) {});
-    ReportVoxels(state, scene);
+        [&](TriangleModel& model) { model.AddWorldTriangles(scene.worldTriangles); },
+        [&](const TriangleModel& model) { RequireEqual("Filed triangles", CountFiled(model), expected); });
+    state.counters["filed"] = static_cast<double>(expected);
 }
 
 void MeasureFileBaseline(State& state, const GriddedScene& scene)
 {
     MeasureResult(
-        state, [&] { return ConvertTriangles(scene.axes, scene.worldTriangles); }, [](const auto&) {});
-}
-
-void MeasureVoxelize(State& state, const GriddedScene& scene)
-{
-    MeasureOnFresh(
-        state, [&] { return EmptyModel(scene); }, [&](VoxelModel<bool>& model) { VoxelizeTriangleModel(model, scene.filed); },
-        [&](const VoxelModel<bool>& model) { CheckVoxels(scene, model); });
-    ReportVoxels(state, scene);
+        state, [&] { return ConvertTriangles(scene.axes, scene.worldTriangles); },
+        [&](const auto& converted) { RequireEqual("Converted triangles", std::ssize(converted), std::ssize(scene.worldTriangles)); });
 }
 
 void MeasureVoxelizeBaseline(State& state, const GriddedScene& scene)
@@ -63,20 +52,6 @@ void MeasureVoxelizeBaseline(State& state, const GriddedScene& scene)
         RequireEqual("Voxels of the bit set", voxels.Count(), scene.filledVoxels);
         state.ResumeTiming();
     }
-    ReportVoxels(state, scene);
-}
-
-void MeasureFileAndVoxelize(State& state, const GriddedScene& scene)
-{
-    MeasureOnFresh(
-        state, [&] { return EmptyModel(scene); },
-        [&](VoxelModel<bool>& model) {
-            TriangleModel filed(scene.extents);
-            filed.AddWorldTriangles(scene.worldTriangles);
-            VoxelizeTriangleModel(model, filed);
-        },
-        [&](const VoxelModel<bool>& model) { CheckVoxels(scene, model); });
-    ReportVoxels(state, scene);
 }
 
 const bool registered = [] {

@@ -1,8 +1,8 @@
 // The whole public interface of Brix, in the order in which data flows.
 #pragma once
 
-#include "brix/frame/Triples.h"
 #include "brix/frame/Lattice.h"
+#include "brix/frame/Triples.h"
 
 #include "brix/frame/Axes.h"
 #include "brix/frame/Extents.h"
@@ -28,3 +28,7 @@
 
 #include "brix/triangles/Tessellation.h"
 #include "brix/triangles/Voxelization.h"
+
+#include "brix/operations/BasicOperations.h"
+#include "brix/operations/SolidOperations.h"
+#include "brix/operations/SurfaceOperations.h"

@@ -10,25 +10,28 @@
 
 namespace brix {
 
-/// The layer of a stack at a height that only ever grows.
+/// The layer of a stack at a height that only ever grows. Heights may be counted from another origin: z = height + shift.
 class LayerCursor
 {
 public:
-    explicit LayerCursor(const VoxelStack<bool>& stack)
-        : plate_(stack.Plates().data()),
-          next_(stack.LayerOffsets().data() + 1),
-          end_(stack.LayerOffsets().data() + stack.LayerOffsets().size())
-    {}
+    explicit LayerCursor(const VoxelStack<bool>& stack, std::int64_t firstHeight = 0, std::int64_t shift = 0) : shift_(shift)
+    {
+        const auto offsets = stack.LayerOffsets();
+        const auto layer = firstHeight == 0 ? 0 : static_cast<std::size_t>(stack.LayerID(firstHeight));
+        plate_ = stack.Plates().data() + layer;
+        next_ = offsets.data() + layer + 1;
+        end_ = offsets.data() + offsets.size();
+    }
 
     const VoxelPlate<bool>& PlateRef() const { return *plate_; }
 
-    /// The first height above this layer, 64 above the last one.
-    std::int64_t End() const { return next_ == end_ ? VoxelStack<bool>::Height : *next_; }
+    /// The first z above this layer.
+    std::int64_t End() const { return (next_ == end_ ? VoxelStack<bool>::Height : *next_) + shift_; }
 
     /// Moves to the layer that starts at z, if one does. Every layer's start must be visited.
     void MoveTo(std::int64_t z)
     {
-        if (next_ != end_ && *next_ == z) {
+        if (next_ != end_ && *next_ + shift_ == z) {
             ++next_;
             ++plate_;
         }
@@ -38,7 +41,58 @@ private:
     const VoxelPlate<bool>* plate_;
     const std::uint8_t* next_; // where the layer above starts
     const std::uint8_t* end_;
+    std::int64_t shift_;
 };
+
+/// What a stack sees `distance` (1..64) voxels below or above, as if it were a stack: part of it and part of its neighbour.
+struct ShiftedStack
+{
+    const VoxelStack<bool>& lower;
+    const VoxelStack<bool>& upper;
+    std::int64_t distance; // the heights of `lower` that are skipped
+
+    std::int64_t Boundary() const { return VoxelStack<bool>::Height - distance; } // z at which `upper` begins
+};
+
+inline ShiftedStack SeenBelow(const VoxelStack<bool>& here, const VoxelStack<bool>& below, std::int64_t distance = 1)
+{
+    return {below, here, VoxelStack<bool>::Height - distance};
+}
+
+inline ShiftedStack SeenAbove(const VoxelStack<bool>& here, const VoxelStack<bool>& above, std::int64_t distance = 1)
+{
+    return {here, above, distance};
+}
+
+/// A LayerCursor for a ShiftedStack.
+class ShiftedCursor
+{
+public:
+    explicit ShiftedCursor(const ShiftedStack& stack)
+        : boundary_(stack.Boundary()),
+          current_(boundary_ > 0 ? LayerCursor(stack.lower, stack.distance, -stack.distance)
+                                 : LayerCursor(stack.upper, 0, boundary_)),
+          upper_(stack.upper, 0, boundary_)
+    {}
+
+    const VoxelPlate<bool>& PlateRef() const { return current_.PlateRef(); }
+    std::int64_t End() const { return std::min(current_.End(), VoxelStack<bool>::Height); }
+    void MoveTo(std::int64_t z)
+    {
+        if (z == boundary_)
+            current_ = upper_;
+        else
+            current_.MoveTo(z);
+    }
+
+private:
+    std::int64_t boundary_;
+    LayerCursor current_;
+    LayerCursor upper_;
+};
+
+inline LayerCursor MakeCursor(const VoxelStack<bool>& stack) { return LayerCursor(stack); }
+inline ShiftedCursor MakeCursor(const ShiftedStack& stack) { return ShiftedCursor(stack); }
 
 /// Collects layers from bottom to top, merging equal neighbours.
 class StackBuilder
@@ -73,7 +127,7 @@ private:
     };
 };
 
-/// Calls visit(z, end, plates...) for every stretch z .. end - 1 of heights in which no stack changes, bottom to top.
+/// Calls visit(z, end, plates...) for every stretch z .. end - 1 of heights in which no stack (or ShiftedStack) changes, bottom to top.
 template <class Visit, class... Stacks> void ForEachCommonLayer(const Visit& visit, const Stacks&... stacks)
 {
     const auto walk = [&](auto... cursors) {
@@ -84,7 +138,7 @@ template <class Visit, class... Stacks> void ForEachCommonLayer(const Visit& vis
             z = end;
         }
     };
-    walk(LayerCursor(stacks)...);
+    walk(MakeCursor(stacks)...);
 }
 
 /// Makes `result` the stack whose plate at every height is rule(plates of the stacks at that height). The result may be one of them.

@@ -2,6 +2,8 @@
 
 #include "../frame/Require.h"
 
+#include <utility>
+
 namespace brix {
 namespace {
 
@@ -18,6 +20,13 @@ VoxelModel<bool>::VoxelModel(const Extents& extents, std::int64_t finestLOD)
     : Model(ExtentsForLevel(extents, finestLOD)), finestLOD_(finestLOD)
 {
     ForEachTriple(LowerChunkIndices(), UpperChunkIndices(), [&](const Triple& chunk) { ChunkRef(chunk).Initialize(finestLOD); });
+}
+
+VoxelModel<bool>& VoxelModel<bool>::operator=(VoxelModel&& other) noexcept
+{
+    finestLOD_ = other.finestLOD_;
+    Model::operator=(std::move(other));
+    return *this;
 }
 
 const Extents& VoxelModel<bool>::ExtentsRef(std::int64_t lod) const

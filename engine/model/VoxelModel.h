@@ -23,6 +23,12 @@ public:
     /// per stack. Throws std::domain_error when the finest level is negative or not less than 6.
     VoxelModel(const Extents& extents, std::int64_t finestLOD);
 
+    VoxelModel(const VoxelModel&) = default;
+    VoxelModel(VoxelModel&&) = default;
+    VoxelModel& operator=(const VoxelModel&) = default;
+    VoxelModel& operator=(VoxelModel&& other) noexcept; // not defaulted: the virtual base is moved once
+    ~VoxelModel() override = default;
+
     std::int64_t FinestLOD() const { return finestLOD_; }
 
     /// The extents in voxels of a level, 0..FinestLOD(). Throws std::domain_error for any other level.

@@ -133,6 +133,7 @@ void VoxelStack<bool>::Compress()
         ++kept;
     }
     if (kept == 1 && brix::IsEmpty(plates[0])) return Release();
+    block_->layerCount = static_cast<std::uint8_t>(kept); // holds even if there is no memory to move to a smaller block
     Resize(kept);
 }
 

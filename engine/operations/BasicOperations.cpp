@@ -40,18 +40,6 @@ bool IsFullInside(const Stack& stack, const Triple& lower, const Triple& upper)
     return true;
 }
 
-// The model's extents at the finest level with both corners moved by numbers of voxels. Numbers beyond twice the index space are
-// held there, where the Extents constructor reports them.
-Extents MovedExtents(const VoxelModel<bool>& model, const Triple& lowerStep, const Triple& upperStep)
-{
-    constexpr std::int64_t limit = std::int64_t{1} << 62;
-    const Triple lowest{-limit, -limit, -limit};
-    const Triple highest{limit, limit, limit};
-    const Extents& extents = model.ExtentsRef(model.FinestLOD());
-    return Extents(extents.AxesRef(), Plus(extents.LowerIndices(), Highest(lowest, Lowest(highest, lowerStep))),
-                   Plus(extents.UpperIndices(), Highest(lowest, Lowest(highest, upperStep))), model.FinestLOD());
-}
-
 // Widens lower..upper, voxel indices, by the filled voxels of a stack.
 void AddFilled(const Store& store, const StackIndices& ij, Triple& lower, Triple& upper)
 {
@@ -183,7 +171,8 @@ VoxelModel<bool> Resize(VoxelModel<bool>&& model, const Extents& newExtents)
 VoxelModel<bool> Relocate(const VoxelModel<bool>& model, const Axes& newAxes)
 {
     const Extents& extents = model.ExtentsRef(model.FinestLOD());
-    return RebuildModel(model, Extents(newAxes, extents.LowerIndices(), extents.UpperIndices(), model.FinestLOD()), model.FinestLOD());
+    return RebuildModel(model, Extents(newAxes, extents.LowerIndices(), extents.UpperIndices(), model.FinestLOD()),
+                        model.FinestLOD());
 }
 
 VoxelModel<bool> Refine(const VoxelModel<bool>& model, std::int64_t lod)

@@ -9,7 +9,7 @@ namespace brix {
 namespace {
 
 // Source is a const model, whose stacks are copied, or a mutable one, whose stacks are taken.
-template <class Source> VoxelModel<bool> Rebuild(Source& source, const Extents& newExtents, std::int64_t newFinestLOD)
+template <class Source> VoxelModel<bool> TransferOneLevel(Source& source, const Extents& newExtents, std::int64_t newFinestLOD)
 {
     VoxelModel<bool> result(newExtents, newFinestLOD);
     const std::int64_t lod = std::min(source.FinestLOD(), newFinestLOD);
@@ -23,20 +23,41 @@ template <class Source> VoxelModel<bool> Rebuild(Source& source, const Extents& 
                                               stack.FillOutsideBox(to.LowerOffset(ij), to.UpperOffset(ij), false);
                                           });
                   });
-    PropagateLevel(result, lod);
     return result;
+}
+
+VoxelModel<bool> Propagated(VoxelModel<bool>&& model, std::int64_t lod)
+{
+    PropagateLevel(model, lod);
+    return std::move(model);
 }
 
 } // namespace
 
+VoxelModel<bool> CopyOneLevel(const VoxelModel<bool>& source, const Extents& newExtents, std::int64_t newFinestLOD)
+{
+    return TransferOneLevel(source, newExtents, newFinestLOD);
+}
+
 VoxelModel<bool> RebuildModel(const VoxelModel<bool>& source, const Extents& newExtents, std::int64_t newFinestLOD)
 {
-    return Rebuild(source, newExtents, newFinestLOD);
+    return Propagated(TransferOneLevel(source, newExtents, newFinestLOD), std::min(source.FinestLOD(), newFinestLOD));
 }
 
 VoxelModel<bool> RebuildModel(VoxelModel<bool>&& source, const Extents& newExtents, std::int64_t newFinestLOD)
 {
-    return Rebuild(source, newExtents, newFinestLOD);
+    return Propagated(TransferOneLevel(source, newExtents, newFinestLOD), std::min(source.FinestLOD(), newFinestLOD));
+}
+
+Extents MovedExtents(const VoxelModel<bool>& model, const Triple& lowerStep, const Triple& upperStep)
+{
+    // Numbers far beyond the index space are held where sums do not overflow and the Extents constructor reports them.
+    constexpr std::int64_t limit = std::int64_t{1} << 62;
+    const Triple lowest{-limit, -limit, -limit};
+    const Triple highest{limit, limit, limit};
+    const Extents& extents = model.ExtentsRef(model.FinestLOD());
+    return Extents(extents.AxesRef(), Plus(extents.LowerIndices(), Highest(lowest, Lowest(highest, lowerStep))),
+                   Plus(extents.UpperIndices(), Highest(lowest, Lowest(highest, upperStep))), model.FinestLOD());
 }
 
 } // namespace brix

@@ -12,4 +12,12 @@ namespace brix {
 VoxelModel<bool> RebuildModel(const VoxelModel<bool>& source, const Extents& newExtents, std::int64_t newFinestLOD);
 VoxelModel<bool> RebuildModel(VoxelModel<bool>&& source, const Extents& newExtents, std::int64_t newFinestLOD);
 
+/// The first step of RebuildModel: a model whose level min(source's finest, newFinestLOD) holds the source's voxels and whose other
+/// levels are empty, until PropagateLevel or RebuildModel follows.
+VoxelModel<bool> CopyOneLevel(const VoxelModel<bool>& source, const Extents& newExtents, std::int64_t newFinestLOD);
+
+/// The model's extents at its finest level with both corners moved by numbers of voxels of any size.
+/// Throws what the Extents constructor throws for the corners that this gives.
+Extents MovedExtents(const VoxelModel<bool>& model, const Triple& lowerStep, const Triple& upperStep);
+
 } // namespace brix

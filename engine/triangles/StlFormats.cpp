@@ -2,8 +2,12 @@
 
 #include "TextNumbers.h"
 
+#include <algorithm>
 #include <array>
+#include <bit>
+#include <cstring>
 #include <limits>
+#include <memory>
 #include <string>
 
 namespace brix {
@@ -12,14 +16,14 @@ namespace {
 
 constexpr std::size_t headerSize = 80;
 constexpr std::size_t recordSize = 50;
-constexpr std::size_t cornersInRecord = 12;
+constexpr std::size_t cornersOffset = 12;
 constexpr std::uint64_t maxBinaryTriangleCount = std::numeric_limits<std::uint32_t>::max();
 
 using Point = std::array<double, 3>;
 
 // Going there and back gives the same point: the minus sign changes its place with the axis.
-Point FromFileAxes(const Point& p, bool swapYZ) { return swapYZ ? Point{p[0], -p[2], p[1]} : p; }
-Point ToFileAxes(const Point& p, bool swapYZ) { return swapYZ ? Point{p[0], p[2], -p[1]} : p; }
+Point FromFileAxes(const Point& p, bool swapYZ) { return {p[0], swapYZ ? -p[2] : p[1], swapYZ ? p[1] : p[2]}; }
+Point ToFileAxes(const Point& p, bool swapYZ) { return {p[0], swapYZ ? p[2] : p[1], swapYZ ? -p[1] : p[2]}; }
 
 /// `value` as its bytes stand in the file, the least significant one first, and back.
 constexpr std::uint32_t LittleEndian(std::uint32_t value)
@@ -49,6 +53,7 @@ double LoadFloat(const char* from) { return static_cast<double>(std::bit_cast<fl
 static_assert(std::numeric_limits<float>::is_iec559 && std::numeric_limits<double>::is_iec559);
 
 char* StoreFloat(char* to, double number) { return StoreWord(to, std::bit_cast<std::uint32_t>(static_cast<float>(number))); }
+char* StorePoint(char* to, const Point& p) { return StoreFloat(StoreFloat(StoreFloat(to, p[0]), p[1]), p[2]); }
 
 /// Collects what is written, so that the stream is called once per block. Throws when the stream takes no more.
 class BlockWriter
@@ -57,7 +62,7 @@ public:
     static constexpr std::size_t maxItemSize = 512;
 
     BlockWriter(std::ostream& stream, const std::filesystem::path& filePath, std::size_t itemCount)
-        : stream_(stream), filePath_(filePath), blockSize_(std::min(largestBlockSize, itemCount * maxItemSize))
+        : stream_(stream), filePath_(filePath), blockSize_(maxItemSize * std::min(itemCount, largestItemCount))
     {}
 
     /// Appends what `write` writes at the place given to it; `write` returns the end of that, at most maxItemSize further on.
@@ -75,7 +80,7 @@ public:
     }
 
 private:
-    static constexpr std::size_t largestBlockSize = 1 << 20; // fits a second level cache; smaller ones cost more system calls
+    static constexpr std::size_t largestItemCount = 2048; // 1 MiB: it fits the caches, and less would cost more system calls
 
     void PassOn()
     {
@@ -120,11 +125,8 @@ static_assert(120 + 12 * (maxNumberLength + 1) <= BlockWriter::maxItemSize); // 
 
 char* WriteRecord(char* to, const WorldTriangle& triangle, bool swapYZ)
 {
-    const auto writePoint = [&](const Point& point) {
-        for (const double coordinate : ToFileAxes(point, swapYZ)) to = StoreFloat(to, coordinate);
-    };
-    writePoint(WorldTriangleNormal(triangle));
-    for (const Point& corner : triangle) writePoint(corner);
+    to = StorePoint(to, ToFileAxes(WorldTriangleNormal(triangle), swapYZ));
+    for (const Point& corner : triangle) to = StorePoint(to, ToFileAxes(corner, swapYZ));
     *to++ = 0;
     *to++ = 0;
     return to;
@@ -132,8 +134,8 @@ char* WriteRecord(char* to, const WorldTriangle& triangle, bool swapYZ)
 
 WorldTriangle ReadRecord(const char* from, bool swapYZ)
 {
-    WorldTriangle triangle;
-    from += cornersInRecord;
+    WorldTriangle triangle{};
+    from += cornersOffset;
     for (Point& corner : triangle) {
         corner = FromFileAxes({LoadFloat(from), LoadFloat(from + 4), LoadFloat(from + 8)}, swapYZ);
         from += 12;
@@ -157,7 +159,7 @@ std::runtime_error IncompleteTriangle(const std::filesystem::path& filePath)
 
 WorldTriangle TakeCorners(ByteReader& file, const std::filesystem::path& filePath, bool swapYZ)
 {
-    WorldTriangle triangle;
+    WorldTriangle triangle{};
     for (Point& corner : triangle) {
         auto [text, hasLineBreak] = file.TakeLine();
         if (!hasLineBreak) throw IncompleteTriangle(filePath);

@@ -91,11 +91,12 @@ inline Decimal TakeDecimal(std::string_view& text)
 /// The value of a well-formed decimal of any length. Returns false, and the largest double, when no double is large enough.
 inline bool ConvertLongDecimal(std::string_view text, double& number)
 {
-    const char* const first = text.data() + (text.front() == '+' ? 1 : 0); // which from_chars does not know
-    const bool isPlain = text.size() < 1000;                               // and it clips the exponents that outweigh more digits
-    if (isPlain && std::from_chars(first, text.data() + text.size(), number).ec == std::errc{}) return true;
+    // from_chars knows no plus sign, and gives up on exponents so large that only a longer text could make up for them.
+    const char* const first = text.data() + (text.front() == '+' ? 1 : 0);
+    const char* const end = text.data() + text.size();
+    if (text.size() < 1000 && std::from_chars(first, end, number).ec == std::errc{}) return true;
 
-    std::istringstream stream{std::string(text)}; // vanishing and overflowing numbers have the stream's own values
+    std::istringstream stream{std::string(text)}; // numbers that vanish or overflow get the stream's own values
     stream.imbue(std::locale::classic());
     return static_cast<bool>(stream >> number);
 }

@@ -118,8 +118,8 @@ TEST(Axes, HoldPointsThatNoModelCanContain)
             }
         }
     }
-    EXPECT_EQ(PlainAxes().FromWorldCoordinates({NotANumber, Infinity, -Infinity}),
-              (Triple{-MaxCoordinate, MaxCoordinate, -MaxCoordinate}));
+    EXPECT_EQ(PlainAxes().FromWorldCoordinates({1e300, -1e300, NotANumber}),
+              (Triple{MaxCoordinate, -MaxCoordinate, -MaxCoordinate}));
 }
 
 TEST(Axes, FindTheVoxelThatHoldsAPoint)

@@ -9,6 +9,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 namespace brix {
 namespace {
 
@@ -41,6 +43,76 @@ TEST(PropagateLevel, EqualsTheRuleVoxelByVoxelFromEveryLevel)
         PropagateLevel(written.model, written.reference.VoxelLOD());
         EXPECT_EQ(Differences(written.model, written.reference), "") << "seed " << seed;
     }
+}
+
+TEST(PropagateLevel, GivesTheSameVoxelsWithEveryInstructionSet)
+{
+    for (const InstructionSet instructionSet : {InstructionSet::Portable, FastestInstructionSet()}) {
+        for (std::uint64_t seed = 301; seed <= 400; ++seed) {
+            WrittenModel written = RandomWrittenModel(seed);
+            VoxelModel<bool>& model = written.model;
+            ForEachTriple(model.LowerChunkIndices(), model.UpperChunkIndices(), [&](const Triple& chunk) {
+                PropagateChunk(model.ChunkRef(chunk), written.reference.VoxelLOD(), model.FinestLOD(), instructionSet);
+            });
+            EXPECT_EQ(Differences(model, written.reference), "")
+                << "seed " << seed << (instructionSet == InstructionSet::Portable ? ", portable" : ", fastest");
+        }
+    }
+}
+
+// The filled corners of a model of 16 x 16 voxels at level 0 that is 64 high, at level 1.
+std::vector<Triple> VoxelsAtLevelOne(const std::vector<Triple>& filledAtLevelZero)
+{
+    ReferenceModel reference(Extents(Axes(1, {0, 0, 0}, 0, 0), {0, 0, 0}, {15, 15, 63}, 0), 1, 0);
+    for (const Triple& voxel : filledAtLevelZero) reference.Set(voxel);
+    const ReferenceModel finer(MakeModel(reference), 1);
+    std::vector<Triple> filled;
+    finer.ForEachVoxel([&](const Triple& voxel) {
+        if (finer.Value(voxel)) filled.push_back(voxel);
+    });
+    return filled;
+}
+
+TEST(PropagateLevel, DoublesEveryLayerButTheLowest)
+{
+    EXPECT_EQ(VoxelsAtLevelOne({{3, 9, 7}}), (std::vector<Triple>{{6, 18, 7}, {7, 18, 7}, {6, 19, 7}, {7, 19, 7}}));
+    EXPECT_EQ(VoxelsAtLevelOne({{3, 9, 0}}), (std::vector<Triple>{{3, 9, 0}, {19, 9, 0}, {3, 25, 0}, {19, 25, 0}}))
+        << "a voxel of the lowest layer goes to all four finer stacks as it stands";
+    EXPECT_EQ(VoxelsAtLevelOne({{3, 9, 0}, {3, 9, 1}, {3, 9, 3}}).size(), 12U) << "the lowest layer is two high";
+}
+
+TEST(PropagateLevel, RejectsLevelsThatTheModelDoesNotHold)
+{
+    VoxelModel<bool> model(Extents(Axes(1, {0, 0, 0}, 0, 0), {0, 0, 0}, {3, 3, 3}, 0), 2);
+    const std::string rule = "The level of detail for voxel model operations ";
+    EXPECT_EQ(MessageOf([&] { PropagateLevel(model, -1); }), rule + "cannot be negative. The value encountered was -1.");
+    EXPECT_EQ(MessageOf([&] { PropagateLevel(model, 3); }),
+              rule + "must not exceed the finest level of detail in the voxel model. The value encountered was 3. "
+                     "The finest level of detail in the voxel model is 2.");
+    EXPECT_THROW(PropagateLevel(model, std::numeric_limits<std::int64_t>::max()), std::domain_error);
+    EXPECT_THROW(PropagateLevel(model, std::numeric_limits<std::int64_t>::min()), std::domain_error);
+}
+
+// Where memory runs out, some levels are left behind, but every stack stays sound, so that the next propagation mends the model.
+TEST(PropagateLevel, CanBeRepeatedAfterMemoryRanOut)
+{
+    std::int64_t failures = 0;
+    const std::int64_t live = LiveAllocations();
+    for (std::uint64_t seed = 1; seed <= 40; ++seed) {
+        const WrittenModel written = RandomWrittenModel(seed);
+        const std::int64_t lod = written.reference.VoxelLOD();
+        for (std::int64_t n = 1;; n += 1 + n / 3) {
+            VoxelModel<bool> model = written.model;
+            if (!RunsOutOfMemory(n, [&] { PropagateLevel(model, lod); })) break;
+            ++failures;
+            const std::string reason = CheckInvariants(model, lod);
+            EXPECT_TRUE(reason.empty() || reason.starts_with("levels disagree")) << reason << ", seed " << seed;
+            PropagateLevel(model, lod);
+            EXPECT_EQ(Differences(model, written.reference), "") << "seed " << seed;
+        }
+    }
+    EXPECT_GT(failures, 100);
+    EXPECT_EQ(LiveAllocations(), live);
 }
 
 } // namespace

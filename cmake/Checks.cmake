@@ -1,0 +1,11 @@
+# Checks of the sources and of the library as a whole, run with the tests: tools/dev/check-layers and tools/dev/check-symbols.
+find_program(BRIX_BASH bash)
+if(BRIX_BASH)
+    add_test(NAME Layers.IncludesFollowTheDataFlow
+        COMMAND "${BRIX_BASH}" "${PROJECT_SOURCE_DIR}/tools/dev/check-layers" "${PROJECT_SOURCE_DIR}")
+    # The sanitizers put symbols of their own into the library.
+    if(CMAKE_NM AND NOT BRIX_SANITIZE AND CMAKE_CXX_COMPILER_ID MATCHES "^(GNU|Clang)$")
+        add_test(NAME Library.HasNoSymbolsOutsideItsNamespace
+            COMMAND "${BRIX_BASH}" "${PROJECT_SOURCE_DIR}/tools/dev/check-symbols" "$<TARGET_FILE:brix_engine>" "${CMAKE_NM}")
+    endif()
+endif()

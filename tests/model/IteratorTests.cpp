@@ -1,0 +1,198 @@
+// Stack and voxel iterators against plain lookup.
+#include "model/ForEachStack.h"
+#include "model/VoxelIterator.h"
+#include "support/Messages.h"
+#include "support/RandomModels.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <limits>
+#include <set>
+
+namespace brix {
+namespace {
+
+using namespace tests;
+
+constexpr std::int64_t Lowest64 = std::numeric_limits<std::int64_t>::min();
+constexpr std::int64_t Highest64 = std::numeric_limits<std::int64_t>::max();
+constexpr const char* StackOutside = "Attempt to operate on a stack iterator that points outside the voxel model extents.";
+constexpr const char* VoxelOutside = "Attempt to operate on a voxel iterator that points outside the voxel model extents.";
+
+VoxelModel<bool> SmallModel() { return VoxelModel<bool>(Extents(Axes(1, {0, 0, 0}, 0, 0), {-3, -3, 0}, {20, 20, 70}, 2), 2); }
+
+TEST(Iterators, RejectLevelsThatTheModelDoesNotHold)
+{
+    VoxelModel<bool> model = SmallModel();
+    const std::string rule = "The level of detail associated with an iterator ";
+    const std::string finest = ". The finest level of detail in the voxel model is 2.";
+    const std::vector<std::pair<std::int64_t, std::string>> cases{
+        {-1, "The level of detail associated with an iterator cannot be negative. The value encountered was -1."},
+        {Lowest64, rule + "cannot be negative. The value encountered was -9223372036854775808."},
+        {3, "The level of detail associated with an iterator must not exceed the finest level of detail in the voxel model. "
+            "The value encountered was 3. The finest level of detail in the voxel model is 2."},
+        {Highest64, rule +
+                        "must not exceed the finest level of detail in the voxel model. The value encountered was "
+                        "9223372036854775807" +
+                        finest},
+        {2, "(nothing was thrown)"},
+    };
+    for (const auto& [level, message] : cases) {
+        const std::int64_t lod = level;
+        EXPECT_EQ(MessageOf([&] { StackIterator(model, {0, 0, 0}, lod); }), message);
+        EXPECT_EQ(MessageOf([&] { StackIterator(model, lod); }), message);
+        EXPECT_EQ(MessageOf([&] { model.FindVoxel({Lowest64, 0, 0}, lod); }), message);
+        EXPECT_EQ(MessageOf([&] { ConstVoxelIterator(std::as_const(model), lod); }), message);
+    }
+}
+
+TEST(Iterators, RefuseToWorkOutsideTheModel)
+{
+    VoxelModel<bool> model = SmallModel();
+    const StackIterator stack(model, 1);
+    EXPECT_FALSE(stack.IsValid());
+    EXPECT_EQ(&stack.VoxelModelRef(), &model);
+    EXPECT_EQ(stack.VoxelLOD(), 1);
+    const std::vector<std::function<void()>> stackAccesses{[&] { stack.Validate(); },
+                                                           [&] { stack.VoxelStoreRef(); },
+                                                           [&] { stack.VoxelStackRef(); },
+                                                           [&] { stack.LowerIndices(); },
+                                                           [&] { stack.LowerOffset(); },
+                                                           [&] { stack.UpperOffset(); },
+                                                           [&] {
+                                                               (void)(stack < StackIterator(model, {0, 0, 0}, 1));
+                                                           },
+                                                           [&] {
+                                                               (void)(StackIterator(model, {0, 0, 0}, 1) < stack);
+                                                           }};
+    for (const auto& access : stackAccesses) EXPECT_EQ(MessageOf<std::out_of_range>(access), StackOutside);
+
+    VoxelIterator voxel(model, 1);
+    EXPECT_FALSE(voxel.IsValid());
+    EXPECT_EQ(&voxel.VoxelModelRef(), &model);
+    EXPECT_EQ(voxel.VoxelLOD(), 1);
+    const std::vector<std::function<void()>> voxelAccesses{[&] { voxel.Validate(); }, [&] { (void)voxel.Value(); },
+                                                           [&] { (void)voxel.VoxelIndices(); },
+                                                           [&] {
+                                                               voxel += {0, 0, 0};
+                                                           },
+                                                           [&] {
+                                                               (void)(voxel + Triple{1, 0, 0});
+                                                           }};
+    for (const auto& access : voxelAccesses) EXPECT_EQ(MessageOf<std::out_of_range>(access), VoxelOutside);
+
+    const VoxelModel<bool> other = SmallModel();
+    EXPECT_EQ(MessageOf([&] {
+                  (void)(ConstStackIterator(model, {0, 0, 0}, 1) < ConstStackIterator(other, {0, 0, 0}, 1));
+              }),
+              "Attempt to compare iterators for different voxel models.");
+}
+
+TEST(Iterators, TellStacksFromVoxelsAtTheEdgeOfTheExtents)
+{
+    VoxelModel<bool> model = SmallModel();
+    EXPECT_TRUE(StackIterator(model, {-16, -16, 0}, 2).IsValid()) << "in a stack of the model though outside its extents";
+    EXPECT_FALSE(StackIterator(model, {-17, -1, 0}, 2).IsValid()) << "in a chunk of the model, in none of its stacks";
+    EXPECT_FALSE(StackIterator(model, {0, 0, -1}, 2).IsValid()) << "in no chunk of the model";
+    EXPECT_FALSE(model.FindVoxel({-16, -16, 0}, 2).IsValid());
+    EXPECT_FALSE(model.FindVoxel({-4, 0, 0}, 2).IsValid());
+    EXPECT_FALSE(model.FindVoxel({0, 0, 71}, 2).IsValid());
+    EXPECT_TRUE(model.FindVoxel({-3, 20, 70}, 2).IsValid());
+    for (const std::int64_t extreme : {Lowest64, Highest64}) {
+        EXPECT_FALSE(StackIterator(model, {extreme, 0, 0}, 2).IsValid());
+        EXPECT_FALSE(model.FindVoxel({0, extreme, extreme}, 0).IsValid());
+        VoxelIterator voxel = model.FindVoxel({0, 0, 0}, 1);
+        voxel += {extreme, extreme, extreme};
+        EXPECT_FALSE(voxel.IsValid());
+    }
+}
+
+TEST(Iterators, FindWhatPlainLookupFinds)
+{
+    for (const RandomModel& random : RandomModels(1, 60)) {
+        for (const ReferenceModel& level : random.reference.AllLevels()) {
+            const Extents& extents = level.ExtentsRef();
+            std::int64_t faults = 0;
+            ForEachTriple(Minus(extents.LowerIndices(), {1, 1, 1}), Plus(extents.UpperIndices(), {1, 1, 1}),
+                          [&](const Triple& voxel) {
+                              const ConstVoxelIterator found = random.voxels.FindVoxel(voxel, level.VoxelLOD());
+                              if (found.IsValid() != extents.ContainsVoxel(voxel)) ++faults;
+                              if (found.IsValid() && (found.Value() != level.Value(voxel) || found.VoxelIndices() != voxel))
+                                  ++faults;
+                          });
+            ASSERT_EQ(faults, 0) << random << ", level " << level.VoxelLOD();
+        }
+    }
+}
+
+// Steps of every size, across layers, stacks and chunks, and out of the model; the same place must be reached as by lookup.
+TEST(Iterators, WalkWhereTheirStepsLead)
+{
+    for (RandomModel& random : RandomModels(100, 150)) {
+        Random steps(random.seed);
+        const std::int64_t lod = steps.Between(0, random.voxels.FinestLOD());
+        const ReferenceModel level = random.reference.AtLevel(lod);
+        const Triple start = level.ExtentsRef().LowerIndices();
+        Triple place = start;
+        VoxelIterator walker = random.voxels.FindVoxel(start, lod);
+        for (int i = 0; i < 200; ++i) {
+            const std::int64_t reach = steps.OneIn(3) ? 1 : steps.OneIn(3) ? 20 : 70;
+            const Triple step{steps.Between(-reach, reach), steps.Between(-reach, reach), steps.Between(-reach, reach)};
+            const Triple target = Plus(place, step);
+            const ConstVoxelIterator moved = ConstVoxelIterator(walker) + step;
+            ASSERT_EQ(moved.IsValid(), level.ExtentsRef().ContainsVoxel(target)) << random;
+            if (!moved.IsValid()) continue;
+            walker += step;
+            place = target;
+            ASSERT_EQ(walker.VoxelIndices(), place) << random;
+            ASSERT_EQ(walker.Value(), level.Value(place)) << random;
+            ASSERT_EQ(moved.Value(), level.Value(place)) << random;
+        }
+    }
+}
+
+TEST(Iterators, AreOrderedAsStacksAreVisited)
+{
+    for (RandomModel& random : RandomModels(300, 60)) {
+        for (std::int64_t lod = 0; lod <= random.voxels.FinestLOD(); ++lod) {
+            std::vector<StackIterator> visited;
+            ForEachStack(random.voxels, lod, [&](VoxelStore<bool>& store, const StackIndices& ij) {
+                visited.emplace_back(random.voxels, store.LowerIndices(ij), lod);
+                ASSERT_EQ(&visited.back().VoxelStoreRef(), &store);
+                ASSERT_EQ(&visited.back().VoxelStackRef(), &store.VoxelStackRef(ij));
+                ASSERT_EQ(visited.back().LowerIndices(), store.LowerIndices(ij));
+                ASSERT_EQ(visited.back().LowerOffset(), store.LowerOffset(ij));
+                ASSERT_EQ(visited.back().UpperOffset(), store.UpperOffset(ij));
+            });
+            for (std::size_t i = 1; i < visited.size(); ++i) {
+                ASSERT_TRUE(visited[i - 1] < visited[i]) << random;
+                ASSERT_FALSE(visited[i] < visited[i - 1]) << random;
+            }
+            ASSERT_FALSE(visited.front() < visited.front());
+            ASSERT_EQ(std::set<StackIterator>(visited.rbegin(), visited.rend()).size(), visited.size());
+        }
+    }
+}
+
+// Chunks and stacks in the order z, y, x, then row, column: 2 x 2 x 2 chunks of 2 x 2 stacks.
+TEST(Iterators, VisitUpperChunksLast)
+{
+    const VoxelModel<bool> model(Extents(Axes(1, {0, 0, 0}, 0, 0), {-32, -32, -64}, {31, 31, 63}, 1), 1);
+    std::vector<Triple> corners;
+    ForEachStack(model, 1, [&](const auto& store, const StackIndices& ij) { corners.push_back(store.LowerIndices(ij)); });
+    ASSERT_EQ(corners.size(), 32U);
+    EXPECT_EQ(std::vector<Triple>(corners.begin(), corners.begin() + 9), (std::vector<Triple>{{-32, -32, -64},
+                                                                                              {-16, -32, -64},
+                                                                                              {-32, -16, -64},
+                                                                                              {-16, -16, -64},
+                                                                                              {0, -32, -64},
+                                                                                              {16, -32, -64},
+                                                                                              {0, -16, -64},
+                                                                                              {16, -16, -64},
+                                                                                              {-32, 0, -64}}));
+    EXPECT_EQ(corners[16], (Triple{-32, -32, 0}));
+}
+
+} // namespace
+} // namespace brix

@@ -1,0 +1,188 @@
+// The chunk grid and its stores, ownership, and the check that finds malformed models.
+#include "model/VoxelModel.h"
+
+#include "model/CheckInvariants.h"
+#include "model/ForEachStack.h"
+#include "support/FailingAllocations.h"
+#include "support/Messages.h"
+#include "support/RandomModels.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <set>
+
+namespace brix {
+namespace {
+
+using namespace tests;
+
+constexpr std::int64_t Lowest64 = std::numeric_limits<std::int64_t>::min();
+constexpr std::int64_t Highest64 = std::numeric_limits<std::int64_t>::max();
+
+const Axes TestAxes(40000, {0, 0, 0}, 0, 5);
+
+TEST(VoxelModel, RejectsLevelsThatDoNotExist)
+{
+    const Extents extents(TestAxes, {0, 0, 0}, {3, 3, 3}, 2);
+    const std::string rule = "The finest level of detail in a voxel model ";
+    const std::vector<std::pair<std::int64_t, std::string>> cases{
+        {-1, "The finest level of detail in a voxel model cannot be negative. The value encountered was -1."},
+        {Lowest64, rule + "cannot be negative. The value encountered was -9223372036854775808."},
+        {6, "The finest level of detail in a voxel model must be less than 6. The value encountered was 6."},
+        {Highest64, rule + "must be less than 6. The value encountered was 9223372036854775807."},
+        {0, "(nothing was thrown)"},
+        {5, "(nothing was thrown)"},
+    };
+    for (const auto& [level, message] : cases) {
+        EXPECT_EQ(MessageOf([&, lod = level] { VoxelModel<bool>(extents, lod); }), message);
+    }
+    const VoxelModel<bool> model(extents, 3);
+    for (const std::int64_t lod : {Lowest64, std::int64_t{-1}, std::int64_t{4}, Highest64}) {
+        EXPECT_THROW(model.ExtentsRef(lod), std::domain_error);
+    }
+}
+
+// The in-extents boxes of all stacks, laid side by side, are the extents: none is missing, none counts twice.
+TEST(VoxelModel, PartsItsExtentsIntoTheBoxesOfItsStacks)
+{
+    for (std::uint64_t seed = 1; seed <= 200; ++seed) {
+        Random random(seed);
+        const Extents extents = RandomExtents(random, TestAxes, random.Between(0, 5));
+        const VoxelModel<bool> model(extents, random.Between(0, 5));
+        for (std::int64_t lod = 0; lod <= model.FinestLOD(); ++lod) {
+            const Extents level = model.ExtentsRef(lod);
+            ASSERT_EQ(level.LowerIndices(), extents.RescaledCopy(lod).LowerIndices());
+            ASSERT_EQ(level.UpperIndices(), extents.RescaledCopy(lod).UpperIndices());
+            std::set<Triple> corners;
+            std::int64_t volume = 0;
+            ForEachStack(model, lod, [&](const VoxelStore<bool>& store, const StackIndices& ij) {
+                const Triple corner = store.LowerIndices(ij);
+                const Triple size = Plus(Minus(store.UpperOffset(ij), store.LowerOffset(ij)), {1, 1, 1});
+                ASSERT_TRUE(size[0] > 0 && size[1] > 0 && size[2] > 0) << "seed " << seed;
+                ASSERT_TRUE(corner[0] % 16 == 0 && corner[1] % 16 == 0 && corner[2] % 64 == 0);
+                ASSERT_TRUE(IsWithin(store.UpperOffset(ij), store.LowerOffset(ij), {15, 15, 63}));
+                ASSERT_TRUE(level.ContainsVoxel(Plus(corner, store.LowerOffset(ij))));
+                ASSERT_TRUE(level.ContainsVoxel(Plus(corner, store.UpperOffset(ij))));
+                ASSERT_EQ(store.ContainingStack(Plus(corner, store.LowerOffset(ij))), ij);
+                ASSERT_TRUE(corners.insert(corner).second);
+                volume += size[0] * size[1] * size[2];
+            });
+            const Triple size = Plus(Minus(level.UpperIndices(), level.LowerIndices()), {1, 1, 1});
+            ASSERT_EQ(volume, size[0] * size[1] * size[2]) << "seed " << seed << ", level " << lod;
+        }
+    }
+}
+
+TEST(VoxelModel, PutsASingleVoxelBelowZeroIntoTheLastStackOfItsChunk)
+{
+    const VoxelModel<bool> model(Extents(TestAxes, {-1, -1, -1}, {-1, -1, -1}, 5), 5);
+    EXPECT_EQ(model.LowerChunkIndices(), (Triple{-1, -1, -1}));
+    EXPECT_EQ(model.UpperChunkIndices(), (Triple{-1, -1, -1}));
+    for (std::int64_t lod = 0; lod <= 5; ++lod) {
+        const VoxelStore<bool>& store = model.ChunkRef({-1, -1, -1}).VoxelStoreRef(lod);
+        const StackIndices last{(1 << lod) - 1, (1 << lod) - 1};
+        EXPECT_EQ(store.StacksPerRow(), 1 << lod);
+        EXPECT_EQ(store.LowerStack(), last);
+        EXPECT_EQ(store.UpperStack(), last);
+        EXPECT_EQ(store.LowerOffset(last), (Triple{15, 15, 63}));
+    }
+}
+
+TEST(VoxelModel, FindsTheChunkOfAnyPoint)
+{
+    const VoxelModel<bool> model(Extents(TestAxes, {-20, 0, -64}, {20, 0, 64}, 0), 0);
+    EXPECT_EQ(model.LowerChunkIndices(), (Triple{-2, 0, -1}));
+    EXPECT_EQ(model.UpperChunkIndices(), (Triple{1, 0, 1}));
+    EXPECT_EQ(model.ContainingChunk({-1, 640000, 80000}), (Triple{-1, 1, 1}));
+    EXPECT_EQ(model.ContainingChunk({-640001, 639999, 79999}), (Triple{-2, 0, 0}));
+    EXPECT_FALSE(model.IsChunkValid(model.ContainingChunk({Lowest64, Highest64, Lowest64})));
+    EXPECT_FALSE(model.IsChunkValid({-2, 1, 0}));
+    EXPECT_TRUE(model.IsChunkValid({1, 0, 1}));
+}
+
+TEST(VoxelModel, IsCopiedDeeply)
+{
+    for (const RandomModel& random : RandomModels(1, 40)) {
+        VoxelModel<bool> original = random.voxels;
+        VoxelModel<bool> assigned(Extents(TestAxes, {0, 0, 0}, {0, 0, 0}, 0), 0);
+        assigned = original;
+        ForEachStack(original, original.FinestLOD(), [](VoxelStore<bool>& store, const StackIndices& ij) {
+            store.VoxelStackRef(ij).LayerVoxelPlateRef(0) = FilledPlate();
+        });
+        EXPECT_EQ(Differences(assigned, random.reference), "") << random;
+        EXPECT_EQ(Differences(random.voxels, random.reference), "") << random;
+        original = std::move(assigned);
+        EXPECT_EQ(Differences(original, random.reference), "") << random;
+        VoxelModel<bool>& itself = original;
+        original = itself;
+        EXPECT_EQ(Differences(original, random.reference), "") << random;
+    }
+}
+
+TEST(VoxelModel, OwnsEightBytesPerEmptyStackAndMemoryForTheOthers)
+{
+    const Extents extents(TestAxes, {0, 0, 0}, {0, 0, 0}, 0);
+    VoxelModel<bool> model(extents, 5);
+    const std::size_t records = sizeof(VoxelChunk<bool>) + 6 * sizeof(VoxelStore<bool>);
+    EXPECT_EQ(model.AllocatedBytes(), records + 8 * (1 + 4 + 16 + 64 + 256 + 1024));
+    const std::int64_t before = AllocationCount();
+    const VoxelModel<bool> other(extents, 5);
+    EXPECT_LT(AllocationCount() - before, 20) << "an allocation per stack";
+
+    VoxelStack<bool>& stack = model.ChunkRef({0, 0, 0}).VoxelStoreRef(0).VoxelStackRef({0, 0});
+    stack.LayerVoxelPlateRef(0).rows[0] = 1;
+    EXPECT_EQ(model.AllocatedBytes(), other.AllocatedBytes() + stack.AllocatedBytes());
+    EXPECT_GE(stack.AllocatedBytes(), 32U);
+}
+
+TEST(VoxelModel, IsMadeAndCopiedWholeOrNotAtAll)
+{
+    const RandomModel random = MakeRandomModel(3);
+    const std::int64_t live = LiveAllocations();
+    std::int64_t n = 1;
+    while (RunsOutOfMemory(n, [&] { VoxelModel<bool>(random.voxels.ExtentsRef(0), 3); })) ++n;
+    EXPECT_GT(n, 10);
+    for (n = 1; RunsOutOfMemory(n, [&] { const VoxelModel<bool> copy(random.voxels); });) n += 1 + n / 4;
+    EXPECT_GT(n, 10);
+    EXPECT_EQ(LiveAllocations(), live);
+}
+
+// Faults planted into sound models, each of which must be named.
+TEST(CheckInvariants, NamesEveryKindOfFault)
+{
+    const Extents extents(TestAxes, {-3, 2, 5}, {4, 9, 40}, 2);
+    ReferenceModel reference(extents, 2, 2);
+    ForEachTriple({-2, 3, 10}, {1, 4, 20}, [&](const Triple& voxel) { reference.Set(voxel); });
+    const VoxelModel<bool> sound = MakeModel(reference);
+    EXPECT_EQ(CheckInvariants(sound, 2), "");
+
+    const auto reason = [&](const Triple& chunk, std::int64_t lod, const StackIndices& ij, const auto& fault) {
+        VoxelModel<bool> model = sound;
+        fault(model.ChunkRef(chunk).VoxelStoreRef(lod).VoxelStackRef(ij));
+        return CheckInvariants(model, 2);
+    };
+    const auto fill = [](std::int64_t x, std::size_t y, std::int64_t z) {
+        return [=](VoxelStack<bool>& stack) {
+            std::uint16_t& row = stack.LayerVoxelPlateRef(stack.IsolateLevel(z, true, true)).rows[y];
+            row = static_cast<std::uint16_t>(row ^ 1U << x);
+            stack.Compress();
+        };
+    };
+    EXPECT_EQ(reason({0, 0, 0}, 2, {0, 0}, [](VoxelStack<bool>& stack) { stack.IsolateLevel(15, true, false); }),
+              "layers are not canonical in the stack at (0, 0, 0) of level 2");
+    EXPECT_EQ(reason({0, 0, 0}, 1, {1, 1}, [](VoxelStack<bool>& stack) { stack.LayerVoxelPlateRef(0) = {}; }),
+              "layers are not canonical in the stack at (16, 16, 0) of level 1");
+    EXPECT_EQ(reason({0, 0, 0}, 2, {0, 0}, fill(5, 3, 10)),
+              "voxels outside the extents are filled in the stack at (0, 0, 0) of level 2");
+    EXPECT_EQ(reason({0, 0, 0}, 2, {0, 0}, fill(0, 3, 4)),
+              "voxels outside the extents are filled in the stack at (0, 0, 0) of level 2");
+    EXPECT_EQ(reason({0, 0, 0}, 2, {3, 0}, fill(0, 3, 10)),
+              "voxels outside the extents are filled in the stack at (48, 0, 0) of level 2");
+    EXPECT_EQ(reason({-1, 0, 0}, 1, {1, 0}, fill(15, 1, 15)), "levels disagree at voxel (-1, 1, 15) of level 1");
+    EXPECT_EQ(reason({0, 0, 0}, 0, {0, 0}, fill(0, 1, 21)), "levels disagree at voxel (0, 1, 21) of level 0");
+    EXPECT_EQ(CheckInvariants(sound, 0).substr(0, 25), "levels disagree at voxel ") << "a written level that it was not";
+}
+
+} // namespace
+} // namespace brix
