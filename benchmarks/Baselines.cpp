@@ -43,7 +43,8 @@ Triple Cross(const Triple& a, const Triple& b)
     return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
 }
 
-std::array<Edge, 3> EdgesIn(const LatticeTriangle& triangle, std::size_t a, std::size_t b, std::int64_t across, const Triple& size)
+std::array<Edge, 3> EdgesIn(const LatticeTriangle& triangle, std::size_t a, std::size_t b, std::int64_t across,
+                            const Triple& size)
 {
     std::array<Edge, 3> edges;
     const std::int64_t sign = across < 0 ? -1 : 1;

@@ -46,9 +46,9 @@ void RegisterForScenes(const std::string& name, const Measure& measure, const Vo
     for (const std::string& scene : SceneNames()) {
         for (const std::int64_t voxels : resolutions) {
             const std::string fullName = name + "/" + scene + "/" + std::to_string(voxels);
-            benchmark::RegisterBenchmark(fullName.c_str(),
-                                         [=](benchmark::State& state) { measure(state, Gridded(scene, voxels)); })
-                ->Unit(benchmark::kMillisecond);
+            benchmark::RegisterBenchmark(fullName.c_str(), [=](benchmark::State& state) {
+                measure(state, Gridded(scene, voxels));
+            })->Unit(benchmark::kMillisecond);
         }
     }
 }

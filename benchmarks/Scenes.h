@@ -23,10 +23,10 @@ struct GriddedScene
 
     const std::vector<WorldTriangle>& worldTriangles;
     Axes axes;
-    Extents extents;                    // of all that the triangles touch, at level 0
-    TriangleModel filed;                // the triangles as voxelization reads them
+    Extents extents;                     // of all that the triangles touch, at level 0
+    TriangleModel filed;                 // the triangles as voxelization reads them
     std::vector<LatticeTriangle> pieces; // the same, each piece once: large triangles cut as filing cuts them
-    std::int64_t filledVoxels;          // at the finest level, by the scalar baseline
+    std::int64_t filledVoxels;           // at the finest level, by the scalar baseline
 
     Extents FinestExtents() const { return extents.RescaledCopy(FinestLOD); }
     Triple VoxelSize() const { return axes.VoxelSize(FinestLOD); }

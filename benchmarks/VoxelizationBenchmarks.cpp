@@ -16,9 +16,8 @@ using State = benchmark::State;
 std::int64_t CountFiled(const TriangleModel& model)
 {
     std::int64_t count = 0;
-    ForEachTriple(model.LowerChunkIndices(), model.UpperChunkIndices(), [&](const Triple& chunk) {
-        count += static_cast<std::int64_t>(model.ChunkRef(chunk).TrianglesRef().size());
-    });
+    ForEachTriple(model.LowerChunkIndices(), model.UpperChunkIndices(),
+                  [&](const Triple& chunk) { count += static_cast<std::int64_t>(model.ChunkRef(chunk).TrianglesRef().size()); });
     return count;
 }
 
@@ -36,7 +35,9 @@ void MeasureFileBaseline(State& state, const GriddedScene& scene)
 {
     MeasureResult(
         state, [&] { return ConvertTriangles(scene.axes, scene.worldTriangles); },
-        [&](const auto& converted) { RequireEqual("Converted triangles", std::ssize(converted), std::ssize(scene.worldTriangles)); });
+        [&](const auto& converted) {
+            RequireEqual("Converted triangles", std::ssize(converted), std::ssize(scene.worldTriangles));
+        });
 }
 
 void MeasureVoxelizeBaseline(State& state, const GriddedScene& scene)

@@ -32,3 +32,5 @@
 #include "brix/operations/BasicOperations.h"
 #include "brix/operations/SolidOperations.h"
 #include "brix/operations/SurfaceOperations.h"
+
+#include "brix/travel/PathModel.h"

@@ -1,173 +1,117 @@
-// STL files beside assimp, in one program so that the ratios come from one run: reading a million generated triangles in the binary
-// variant, and writing 200,000 in the ASCII variant. Every comparison checks that both sides had the same numbers in hand.
-#include "triangles/StlFiles.h"
+// STL files beside assimp: reading a million triangles in the binary variant, and writing 200,000 in the ASCII variant.
+//
+//   WriteAsciiStl/six_digits   corners at eighths, triangles across the axes: six digits hold every number, and both sides write them
+//   WriteAsciiStl/any_floats   assimp writes nine digits here, Brix six
+#include "StlMeasures.h"
 
 #include <assimp/Exporter.hpp>
 #include <assimp/Importer.hpp>
 #include <assimp/scene.h>
-#include <benchmark/benchmark.h>
 
-#include <bit>
-#include <cstdint>
-#include <filesystem>
-#include <random>
-#include <stdexcept>
-#include <string>
-
+namespace brix::benchmarks {
 namespace {
 
-using Triangles = std::vector<brix::WorldTriangle>;
+using State = benchmark::State;
 
-/// A folder for the run, and the names of the files in it.
-struct Folder
-{
-    Folder() { std::filesystem::create_directory(path); }
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
-    ~Folder()
-    {
-        std::error_code ignored;
-        std::filesystem::remove_all(path, ignored);
-    }
-
-    static std::filesystem::path File(const char* name)
-    {
-        static const Folder folder;
-        return folder.path / name;
-    }
-
-    const std::filesystem::path path =
-        std::filesystem::temp_directory_path() / ("brix-assimp-benchmarks-" + std::to_string(std::random_device{}()));
-};
-
-/// Right triangles across the axes with corners at eighths, so that six digits hold all there is to write and both sides write them.
-Triangles SixDigitTriangles(std::size_t count)
+Triangles GenerateSixDigitTriangles(std::size_t count)
 {
     std::mt19937_64 random(6);
     std::uniform_int_distribution<int> eighths(-7000, 7000);
     Triangles triangles(count);
     for (std::size_t i = 0; i < count; ++i) {
-        const std::array<double, 3> corner{eighths(random) / 8.0, eighths(random) / 8.0, eighths(random) / 8.0};
-        triangles[i].fill(corner);
+        triangles[i].fill({eighths(random) / 8.0, eighths(random) / 8.0, eighths(random) / 8.0});
         triangles[i][1][i % 3] += 1.25;
         triangles[i][2][(i + 1) % 3] += 0.375;
     }
     return triangles;
 }
 
-/// Triangles at any floats. Here assimp writes nine digits, and Brix six.
-Triangles AnyTriangles(std::size_t count)
+std::unique_ptr<Assimp::Importer> Import(const Path& path)
 {
-    std::mt19937_64 random(7);
-    std::uniform_real_distribution<float> place(-1000, 1000);
-    Triangles triangles(count);
-    for (auto& triangle : triangles)
-        for (auto& corner : triangle)
-            for (double& coordinate : corner) coordinate = static_cast<double>(place(random));
+    auto importer = std::make_unique<Assimp::Importer>();
+    importer->ReadFile(path.string(), 0);
+    return importer;
+}
+
+std::int64_t ChecksumOfScene(const std::unique_ptr<Assimp::Importer>& importer)
+{
+    Triangles triangles;
+    const aiScene& scene = *importer->GetScene();
+    for (unsigned int m = 0; m < scene.mNumMeshes; ++m) {
+        const aiMesh& mesh = *scene.mMeshes[m];
+        for (unsigned int f = 0; f < mesh.mNumFaces; ++f) {
+            WorldTriangle& triangle = triangles.emplace_back();
+            for (unsigned int c = 0; c < 3; ++c) {
+                const aiVector3D& vertex = mesh.mVertices[mesh.mFaces[f].mIndices[c]];
+                triangle[c] = {static_cast<double>(vertex.x), static_cast<double>(vertex.y), static_cast<double>(vertex.z)};
+            }
+        }
+    }
+    return Checksum(triangles);
+}
+
+/// The nearest floats, which assimp computes with.
+Triangles Narrowed(Triangles triangles)
+{
+    for (WorldTriangle& triangle : triangles) {
+        for (auto& corner : triangle) {
+            for (double& coordinate : corner) coordinate = static_cast<double>(static_cast<float>(coordinate));
+        }
+    }
     return triangles;
 }
 
-std::uint64_t Checksum(const Triangles& triangles)
+Path SavedBinary(const Triangles& triangles)
 {
-    std::uint64_t sum = 0;
-    for (const auto& triangle : triangles)
-        for (const auto& corner : triangle)
-            for (const double coordinate : corner) sum += std::bit_cast<std::uint64_t>(coordinate);
-    return sum;
+    SaveTrianglesToBinarySTL(TemporaryFile("binary.stl"), triangles, false);
+    return TemporaryFile("binary.stl");
 }
 
-std::uint64_t Checksum(const aiScene& scene)
+void ReadWithBrix(State& state)
 {
-    std::uint64_t sum = 0;
-    for (unsigned int m = 0; m < scene.mNumMeshes; ++m) {
-        const aiMesh& mesh = *scene.mMeshes[m];
-        for (unsigned int f = 0; f < mesh.mNumFaces; ++f)
-            for (unsigned int c = 0; c < mesh.mFaces[f].mNumIndices; ++c)
-                for (unsigned int axis = 0; axis < 3; ++axis)
-                    sum += std::bit_cast<std::uint64_t>(static_cast<double>(mesh.mVertices[mesh.mFaces[f].mIndices[c]][axis]));
-    }
-    return sum;
+    const Triangles triangles = GenerateSmallTriangles(BinaryTriangles);
+    const auto load = [](const Path& path) { return LoadTrianglesFromSTL(path, false); };
+    MeasureReading(state, SavedBinary(triangles), triangles, load, Checksum);
 }
 
-const aiScene& Import(Assimp::Importer& importer, const std::filesystem::path& path)
+void ReadWithAssimp(State& state)
 {
-    const aiScene* const scene = importer.ReadFile(path.string(), 0);
-    if (scene == nullptr) throw std::runtime_error(importer.GetErrorString());
-    return *scene;
+    const Triangles triangles = GenerateSmallTriangles(BinaryTriangles);
+    MeasureReading(state, SavedBinary(triangles), triangles, Import, ChecksumOfScene);
 }
 
-std::filesystem::path BinaryFile(const Triangles& triangles)
+void WriteWithBrix(State& state, Triangles (*generate)(std::size_t))
 {
-    const std::filesystem::path path = Folder::File("binary.stl");
-    brix::SaveTrianglesToBinarySTL(path, triangles, false);
-    return path;
+    const Triangles triangles = generate(AsciiTriangles);
+    MeasureWriting(state, TemporaryFile("brix.stl"), [&](const Path& path) { SaveTrianglesToAsciiSTL(path, triangles, false); });
 }
 
-void BinaryReadBrix(benchmark::State& state)
+void WriteWithAssimp(State& state, Triangles (*generate)(std::size_t))
 {
-    const Triangles triangles = AnyTriangles(1'000'000);
-    const std::filesystem::path path = BinaryFile(triangles);
-    const std::uint64_t expected = Checksum(triangles);
-    for (auto _ : state) {
-        Triangles loaded = brix::LoadTrianglesFromSTL(path, false);
-        state.PauseTiming();
-        if (Checksum(loaded) != expected) state.SkipWithError("The checksums differ.");
-        loaded = {};
-        state.ResumeTiming();
-    }
-}
-
-void BinaryReadAssimp(benchmark::State& state)
-{
-    const Triangles triangles = AnyTriangles(1'000'000);
-    const std::filesystem::path path = BinaryFile(triangles);
-    const std::uint64_t expected = Checksum(triangles);
-    for (auto _ : state) {
-        Assimp::Importer importer;
-        const aiScene& scene = Import(importer, path);
-        state.PauseTiming();
-        if (Checksum(scene) != expected) state.SkipWithError("The checksums differ.");
-        importer.FreeScene();
-        state.ResumeTiming();
-    }
-}
-
-void AsciiWriteBrix(benchmark::State& state, Triangles (*generate)(std::size_t))
-{
-    const Triangles triangles = generate(200'000);
-    const std::filesystem::path path = Folder::File("brix.stl");
-    for (auto _ : state) {
-        state.PauseTiming();
-        std::filesystem::remove(path);
-        state.ResumeTiming();
-        brix::SaveTrianglesToAsciiSTL(path, triangles, false);
-    }
-    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(std::filesystem::file_size(path)));
-}
-
-void AsciiWriteAssimp(benchmark::State& state, Triangles (*generate)(std::size_t))
-{
-    const Triangles triangles = generate(200'000);
-    Assimp::Importer importer;
-    const aiScene& scene = Import(importer, BinaryFile(triangles));
-    const std::filesystem::path path = Folder::File("assimp.stl");
-    for (auto _ : state) {
-        state.PauseTiming();
-        std::filesystem::remove(path);
-        state.ResumeTiming();
+    const Triangles triangles = generate(AsciiTriangles);
+    const auto importer = Import(SavedBinary(triangles));
+    MeasureWriting(state, TemporaryFile("assimp.stl"), [&](const Path& path) {
         Assimp::Exporter exporter;
-        if (exporter.Export(&scene, "stl", path.string()) != aiReturn_SUCCESS) state.SkipWithError(exporter.GetErrorString());
-    }
-    if (generate == SixDigitTriangles && Checksum(brix::LoadTrianglesFromSTL(path, false)) != Checksum(triangles))
-        state.SkipWithError("More than six digits would have been needed.");
-    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(std::filesystem::file_size(path)));
+        if (exporter.Export(importer->GetScene(), "stl", path.string()) != aiReturn_SUCCESS) state.SkipWithError("No export.");
+    });
+    RequireEqual("The checksum of what assimp wrote",
+                 Checksum(Narrowed(LoadTrianglesFromSTL(TemporaryFile("assimp.stl"), false))), Checksum(triangles));
 }
 
-BENCHMARK(BinaryReadBrix)->Unit(benchmark::kMillisecond);
-BENCHMARK(BinaryReadAssimp)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(AsciiWriteBrix, SixDigits, SixDigitTriangles)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(AsciiWriteAssimp, SixDigits, SixDigitTriangles)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(AsciiWriteBrix, AnyFloats, AnyTriangles)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(AsciiWriteAssimp, AnyFloats, AnyTriangles)->Unit(benchmark::kMillisecond);
+BENCHMARK(ReadWithBrix)->Name("ReadBinaryStl/brix")->Unit(benchmark::kMillisecond);
+BENCHMARK(ReadWithAssimp)->Name("ReadBinaryStl/assimp")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(WriteWithBrix, six, GenerateSixDigitTriangles)
+    ->Name("WriteAsciiStl/six_digits/brix")
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(WriteWithAssimp, six, GenerateSixDigitTriangles)
+    ->Name("WriteAsciiStl/six_digits/assimp")
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(WriteWithBrix, any, GenerateSmallTriangles)
+    ->Name("WriteAsciiStl/any_floats/brix")
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(WriteWithAssimp, any, GenerateSmallTriangles)
+    ->Name("WriteAsciiStl/any_floats/assimp")
+    ->Unit(benchmark::kMillisecond);
 
 } // namespace
+} // namespace brix::benchmarks

@@ -74,10 +74,10 @@ std::int64_t CountCells(const rcHeightfield& field)
     return count;
 }
 
-// Floats round where the engine is exact, so the results agree only nearly; more than one in a thousand would be different work.
+// Floats round where the engine is exact, so the results agree only nearly; more than one in a hundred would be different work.
 void CheckCells(const GriddedScene& scene, std::int64_t cells)
 {
-    if (std::abs(cells - scene.filledVoxels) > scene.filledVoxels / 1000)
+    if (std::abs(cells - scene.filledVoxels) > scene.filledVoxels / 100)
         RequireEqual("Cells of the heightfield", cells, scene.filledVoxels);
 }
 

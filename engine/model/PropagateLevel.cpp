@@ -4,6 +4,8 @@
 #include "CombineStacks.h"
 #include "PropagateChunk.h"
 
+#include <utility>
+
 namespace brix {
 namespace {
 
@@ -27,9 +29,8 @@ void BuildCoarserStack(Stack& coarse, const Store& fine, const StackIndices& ij)
 
 void BuildFinerStack(Store& fine, const StackIndices& ij, const Stack& coarse, bool upperX, bool upperY)
 {
-    Stack& stack = fine.VoxelStackRef(ij);
     if (coarse.IsUnallocated()) {
-        stack = Stack();
+        fine.VoxelStackRef(ij) = Stack();
         return;
     }
     StackBuilder builder;
@@ -37,8 +38,10 @@ void BuildFinerStack(Store& fine, const StackIndices& ij, const Stack& coarse, b
         const VoxelPlate<bool>& plate = coarse.LayerVoxelPlateRef(layer);
         builder.Append(coarse.LowerOffset(layer), layer == 0 ? plate : DoubleResolution(plate, upperX, upperY));
     }
+    Stack stack; // replaces the old one when it is complete: running out of memory leaves nothing outside the extents
     builder.WriteTo(stack);
     stack.FillOutsideBox(fine.LowerOffset(ij), fine.UpperOffset(ij), false);
+    fine.VoxelStackRef(ij) = std::move(stack);
 }
 
 void Propagate(VoxelChunk<bool>& chunk, std::int64_t lod, std::int64_t finestLOD)

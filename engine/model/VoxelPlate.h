@@ -5,11 +5,13 @@
 //                           rows[1]  .#.............#      = 0x8002
 #pragma once
 
-#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
+#include <tuple>
+#include <type_traits>
 
 namespace brix {
 
@@ -27,6 +29,15 @@ template <> struct VoxelPlate<bool>
     constexpr bool Value(const std::array<std::int64_t, 2>& xy) const
     {
         return (rows[static_cast<std::size_t>(xy[1])] >> xy[0] & 1) != 0;
+    }
+
+    /// Row y and column x, each 0..15; bit i of a column is the voxel of row i.
+    constexpr std::uint16_t Row(std::size_t y) const { return rows[y]; }
+    constexpr std::uint16_t Column(std::size_t x) const
+    {
+        unsigned column = 0;
+        for (std::size_t y = 0; y < Side; ++y) column |= (static_cast<unsigned>(rows[y]) >> x & 1U) << y;
+        return static_cast<std::uint16_t>(column);
     }
 
     friend constexpr bool operator==(const VoxelPlate& a, const VoxelPlate& b)
@@ -50,25 +61,59 @@ constexpr VoxelPlate<bool> FilledPlate()
     return MakePlate([](std::size_t) { return VoxelPlate<bool>::FullRow; });
 }
 
+#if defined(__GNUC__)
+/// The plate that rule(out, rows...) makes of all rows of the plates at once, given as vectors of sixteen 16-bit numbers. Left to
+/// itself, the compiler does not find the vectors in loops over rows once they stand inside large functions.
+template <class Rule, class... Plates> VoxelPlate<bool> MapVectors(const Rule& rule, const Plates&... plates)
+{
+    using Rows [[gnu::vector_size(32)]] = std::uint16_t;
+    const auto load = [](Rows& rows, const VoxelPlate<bool>& plate) { std::memcpy(&rows, plate.rows.data(), sizeof rows); };
+    std::array<Rows, sizeof...(Plates)> inputs;
+    std::size_t count = 0;
+    (load(inputs[count++], plates), ...);
+
+    Rows out;
+    std::apply([&](const auto&... rows) { rule(out, rows...); }, inputs);
+    VoxelPlate<bool> result;
+    std::memcpy(result.rows.data(), &out, sizeof out);
+    return result;
+}
+#endif
+
+/// The plate that rule(out, rows...) makes of the same row of every plate. The rule is written for single rows and for vectors alike.
+template <class Rule, class... Plates> constexpr VoxelPlate<bool> MapRows(const Rule& rule, const Plates&... plates)
+{
+#if defined(__GNUC__)
+    if (!std::is_constant_evaluated()) return MapVectors(rule, plates...);
+#endif
+    VoxelPlate<bool> result;
+    for (std::size_t y = 0; y < VoxelPlate<bool>::Side; ++y) {
+        unsigned row = 0;
+        rule(row, static_cast<unsigned>(plates.rows[y])...);
+        result.rows[y] = static_cast<std::uint16_t>(row);
+    }
+    return result;
+}
+
 constexpr VoxelPlate<bool> operator|(const VoxelPlate<bool>& a, const VoxelPlate<bool>& b)
 {
-    return MakePlate([&](std::size_t y) { return a.rows[y] | b.rows[y]; });
+    return MapRows([](auto& out, const auto& x, const auto& y) { out = x | y; }, a, b);
 }
 
 constexpr VoxelPlate<bool> operator&(const VoxelPlate<bool>& a, const VoxelPlate<bool>& b)
 {
-    return MakePlate([&](std::size_t y) { return a.rows[y] & b.rows[y]; });
+    return MapRows([](auto& out, const auto& x, const auto& y) { out = x & y; }, a, b);
 }
 
 constexpr VoxelPlate<bool> operator~(const VoxelPlate<bool>& a)
 {
-    return MakePlate([&](std::size_t y) { return ~a.rows[y]; });
+    return MapRows([](auto& out, const auto& x) { out = ~x; }, a);
 }
 
 /// What is filled in `a` and not in `b`.
 constexpr VoxelPlate<bool> AndNot(const VoxelPlate<bool>& a, const VoxelPlate<bool>& b)
 {
-    return MakePlate([&](std::size_t y) { return a.rows[y] & ~b.rows[y]; });
+    return MapRows([](auto& out, const auto& x, const auto& y) { out = x & ~y; }, a, b);
 }
 
 constexpr bool IsEmpty(const VoxelPlate<bool>& plate) { return plate == VoxelPlate<bool>{}; }
@@ -101,56 +146,71 @@ constexpr VoxelPlate<bool> Box(const std::array<std::int64_t, 2>& lower, const s
     });
 }
 
-/// Row y and column x of a plate, each 0..15; bit i of a column is the voxel of row i.
-constexpr std::uint16_t Row(const VoxelPlate<bool>& plate, std::size_t y) { return plate.rows[y]; }
-constexpr std::uint16_t Column(const VoxelPlate<bool>& plate, std::size_t x)
-{
-    unsigned column = 0;
-    for (std::size_t y = 0; y < VoxelPlate<bool>::Side; ++y) column |= (static_cast<unsigned>(plate.rows[y]) >> x & 1U) << y;
-    return static_cast<std::uint16_t>(column);
-}
-
 /// What each voxel of `here` sees `distance` (1..16) voxels towards larger x. `beyond` is the plate that faces `here` there:
 ///
 ///     here  .##.   beyond  #...   gives  ##.#      (distance 1, x to the right, drawn 4 wide)
 constexpr VoxelPlate<bool> TowardsUpperX(const VoxelPlate<bool>& here, const VoxelPlate<bool>& beyond, int distance = 1)
 {
-    return MakePlate([&](std::size_t y) { return here.rows[y] >> distance | beyond.rows[y] << (16 - distance); });
+    return MapRows([distance](auto& out, const auto& x, const auto& y) { out = x >> distance | y << (16 - distance); }, here,
+                   beyond);
 }
 
 /// The same towards smaller x:   beyond  ...#   here  .##.   gives  #.##
 constexpr VoxelPlate<bool> TowardsLowerX(const VoxelPlate<bool>& here, const VoxelPlate<bool>& beyond, int distance = 1)
 {
-    return MakePlate([&](std::size_t y) { return here.rows[y] << distance | beyond.rows[y] >> (16 - distance); });
+    return MapRows([distance](auto& out, const auto& x, const auto& y) { out = x << distance | y >> (16 - distance); }, here,
+                   beyond);
+}
+
+/// The rows 16 - distance .. 31 - distance of two plates, one above the other: `lower` has the rows 0..15, `upper` 16..31.
+constexpr VoxelPlate<bool> RowsAcross(const VoxelPlate<bool>& lower, const VoxelPlate<bool>& upper, int distance)
+{
+#if defined(__GNUC__)
+    if (!std::is_constant_evaluated() && distance == 1) { // two instructions instead of a detour by memory
+        return MapVectors(
+            [](auto& out, const auto& low, const auto& high) {
+                out = __builtin_shufflevector(low, high, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27, 28, 29, 30);
+            },
+            lower, upper);
+    }
+    if (!std::is_constant_evaluated() && distance == 15) {
+        return MapVectors(
+            [](auto& out, const auto& low, const auto& high) {
+                out = __builtin_shufflevector(low, high, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16);
+            },
+            lower, upper);
+    }
+#endif
+    const auto first = static_cast<std::size_t>(16 - distance);
+    return MakePlate([&](std::size_t y) { return first + y < 16 ? lower.rows[first + y] : upper.rows[first + y - 16]; });
 }
 
 /// The same along y: row y becomes row y + distance or y - distance, taken from `beyond` where that leaves the plate.
 constexpr VoxelPlate<bool> TowardsUpperY(const VoxelPlate<bool>& here, const VoxelPlate<bool>& beyond, int distance = 1)
 {
-    std::array<std::uint16_t, 2 * VoxelPlate<bool>::Side> both{};
-    std::copy(here.rows.begin(), here.rows.end(), both.begin());
-    std::copy(beyond.rows.begin(), beyond.rows.end(), both.begin() + VoxelPlate<bool>::Side);
-    return MakePlate([&](std::size_t y) { return both[y + static_cast<std::size_t>(distance)]; });
+    return RowsAcross(here, beyond, 16 - distance);
 }
 
 constexpr VoxelPlate<bool> TowardsLowerY(const VoxelPlate<bool>& here, const VoxelPlate<bool>& beyond, int distance = 1)
 {
-    std::array<std::uint16_t, 2 * VoxelPlate<bool>::Side> both{};
-    std::copy(beyond.rows.begin(), beyond.rows.end(), both.begin());
-    std::copy(here.rows.begin(), here.rows.end(), both.begin() + VoxelPlate<bool>::Side);
-    return MakePlate([&](std::size_t y) { return both[y + VoxelPlate<bool>::Side - static_cast<std::size_t>(distance)]; });
+    return RowsAcross(beyond, here, distance);
 }
 
 /// The voxels that are filled in at least `count` of four plates; all for a count of 0 or less, none beyond 4.
-constexpr VoxelPlate<bool> AtLeast(std::int64_t count, const VoxelPlate<bool>& a, const VoxelPlate<bool>& b, const VoxelPlate<bool>& c,
-                                   const VoxelPlate<bool>& d)
+constexpr VoxelPlate<bool> AtLeast(std::int64_t count, const VoxelPlate<bool>& a, const VoxelPlate<bool>& b,
+                                   const VoxelPlate<bool>& c, const VoxelPlate<bool>& d)
 {
     switch (count) {
-    case 1: return a | b | c | d;
-    case 2: return (a & b) | (c & d) | ((a | b) & (c | d));
-    case 3: return (a & b & (c | d)) | (c & d & (a | b));
-    case 4: return a & b & c & d;
-    default: return count < 1 ? FilledPlate() : VoxelPlate<bool>{};
+    case 1:
+        return a | b | c | d;
+    case 2:
+        return (a & b) | (c & d) | ((a | b) & (c | d));
+    case 3:
+        return (a & b & (c | d)) | (c & d & (a | b));
+    case 4:
+        return a & b & c & d;
+    default:
+        return count < 1 ? FilledPlate() : VoxelPlate<bool>{};
     }
 }
 
@@ -158,9 +218,12 @@ constexpr VoxelPlate<bool> AtLeast(std::int64_t count, const VoxelPlate<bool>& a
 constexpr VoxelPlate<bool> AtLeast(std::int64_t count, const VoxelPlate<bool>& a, const VoxelPlate<bool>& b)
 {
     switch (count) {
-    case 1: return a | b;
-    case 2: return a & b;
-    default: return count < 1 ? FilledPlate() : VoxelPlate<bool>{};
+    case 1:
+        return a | b;
+    case 2:
+        return a & b;
+    default:
+        return count < 1 ? FilledPlate() : VoxelPlate<bool>{};
     }
 }
 

@@ -37,7 +37,8 @@ inline bool IsUnallocated(const ShiftedStack& stack) { return stack.lower.IsUnal
 /// rule(their plates...), height by height, restrained and clipped at the extents. The rule must make an empty plate of empty plates,
 /// and where all sources are empty, so must the restraint. Returns whether anything has changed.
 template <class StacksOf, class Rule, class Restrain>
-bool Pass(LevelGrid& grid, const StacksOf& stacksOf, const Rule& rule, const Restraint<Restrain>& restraint)
+bool Pass(LevelGrid& grid, const StacksOf& stacksOf, const Rule& rule, const Restraint<Restrain>& restraint,
+          InstructionSet instructionSet = FastestInstructionSet())
 {
     using Plate = VoxelPlate<bool>;
     using Stack = VoxelStack<bool>;
@@ -60,13 +61,14 @@ bool Pass(LevelGrid& grid, const StacksOf& stacksOf, const Rule& rule, const Res
         }
         isChanged = isChanged || !(result == grid.StackAt(stack));
     };
-    RunWith(FastestInstructionSet(), [&] { grid.Rewrite(write); });
+    RunWith(instructionSet, [&] { grid.Rewrite(write); });
     return isChanged;
 }
 
 /// Rewrites every plate by rule(here, seen), each voxel of `seen` being what the voxel sees where the pass looks.
 template <class Rule, class Restrain>
-bool PassAlong(LevelGrid& grid, const Look& look, const Rule& rule, const Restraint<Restrain>& restraint)
+bool PassAlong(LevelGrid& grid, const Look& look, const Rule& rule, const Restraint<Restrain>& restraint,
+               InstructionSet instructionSet = FastestInstructionSet())
 {
     using Plate = VoxelPlate<bool>;
     const auto [axis, side, distance] = look;
@@ -75,7 +77,7 @@ bool PassAlong(LevelGrid& grid, const Look& look, const Rule& rule, const Restra
     };
     const auto passBeside = [&, steps = static_cast<int>(distance)](const auto& towards) {
         const auto ruleBeside = [&](const Plate& here, const Plate& beyond) { return rule(here, towards(here, beyond, steps)); };
-        return Pass(grid, withNeighbour, ruleBeside, restraint);
+        return Pass(grid, withNeighbour, ruleBeside, restraint, instructionSet);
     };
     switch (axis) {
     case Axis::X:
@@ -90,11 +92,13 @@ bool PassAlong(LevelGrid& grid, const Look& look, const Rule& rule, const Restra
         const VoxelStack<bool>& neighbour = grid.StackAt(NeighbourOf(stack, Axis::Z, side));
         combine(here, side == Side::Lower ? SeenBelow(here, neighbour, distance) : SeenAbove(here, neighbour, distance));
     };
-    return Pass(grid, withStacked, rule, restraint);
+    return Pass(grid, withStacked, rule, restraint, instructionSet);
 }
 
 /// Rewrites every plate by rule(here, HorizontalNeighbours).
-template <class Rule, class Restrain> bool PassBeside(LevelGrid& grid, const Rule& rule, const Restraint<Restrain>& restraint)
+template <class Rule, class Restrain>
+bool PassBeside(LevelGrid& grid, const Rule& rule, const Restraint<Restrain>& restraint,
+                InstructionSet instructionSet = FastestInstructionSet())
 {
     using Plate = VoxelPlate<bool>;
     const auto withNeighbours = [&](const Triple& stack, const auto& combine) {
@@ -105,11 +109,13 @@ template <class Rule, class Restrain> bool PassBeside(LevelGrid& grid, const Rul
     const auto ruleBeside = [&](const Plate& here, const auto&... beyond) {
         return rule(here, HorizontalNeighbours(here, beyond...));
     };
-    return Pass(grid, withNeighbours, ruleBeside, restraint);
+    return Pass(grid, withNeighbours, ruleBeside, restraint, instructionSet);
 }
 
 /// Rewrites every plate by rule(here, HorizontalNeighbours, plate below, plate above).
-template <class Rule, class Restrain> bool PassAround(LevelGrid& grid, const Rule& rule, const Restraint<Restrain>& restraint)
+template <class Rule, class Restrain>
+bool PassAround(LevelGrid& grid, const Rule& rule, const Restraint<Restrain>& restraint,
+                InstructionSet instructionSet = FastestInstructionSet())
 {
     using Plate = VoxelPlate<bool>;
     const auto withNeighbours = [&](const Triple& stack, const auto& combine) {
@@ -122,7 +128,7 @@ template <class Rule, class Restrain> bool PassAround(LevelGrid& grid, const Rul
     const auto ruleAround = [&](const Plate& here, const Plate& below, const Plate& above, const auto&... beyond) {
         return rule(here, HorizontalNeighbours(here, beyond...), below, above);
     };
-    return Pass(grid, withNeighbours, ruleAround, restraint);
+    return Pass(grid, withNeighbours, ruleAround, restraint, instructionSet);
 }
 
 } // namespace brix

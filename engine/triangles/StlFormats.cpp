@@ -80,7 +80,7 @@ public:
     }
 
 private:
-    static constexpr std::size_t largestItemCount = 2048; // 1 MiB: it fits the caches, and less would cost more system calls
+    static constexpr std::size_t largestItemCount = 4096; // 2 MiB: it stays in the caches, and less would cost more system calls
 
     void PassOn()
     {

@@ -44,18 +44,27 @@ bool TriangleMesh::VertexLess::operator()(const std::array<double, 3>& a, const 
     return false;
 }
 
+// Where memory runs out, the mesh stays whole: at most, a vertex is left behind that no triangle uses.
 void TriangleMesh::AddTriangle(const WorldTriangle& triangle)
 {
     if (vertexIndex_.empty()) {
-        for (std::size_t i = 0; i < vertices_.size(); ++i) vertexIndex_[vertices_[i]] = static_cast<std::int64_t>(i);
+        decltype(vertexIndex_) index;
+        for (std::size_t i = 0; i < vertices_.size(); ++i) index[vertices_[i]] = static_cast<std::int64_t>(i);
+        vertexIndex_.swap(index);
     }
     std::array<std::int64_t, 3> indices{};
-    for (std::size_t corner = 0; corner < 3; ++corner) {
-        const auto [entry, isNew] = vertexIndex_.try_emplace(triangle[corner], static_cast<std::int64_t>(vertices_.size()));
-        if (isNew) vertices_.push_back(triangle[corner]);
-        indices[corner] = entry->second;
-    }
+    for (std::size_t corner = 0; corner < 3; ++corner) indices[corner] = IndexOf(triangle[corner]);
     indexedTriangles_.push_back(indices);
+}
+
+std::int64_t TriangleMesh::IndexOf(const std::array<double, 3>& vertex)
+{
+    const auto place = vertexIndex_.lower_bound(vertex);
+    if (place != vertexIndex_.end() && !VertexLess()(vertex, place->first)) return place->second;
+    const auto index = static_cast<std::int64_t>(vertices_.size());
+    vertices_.push_back(vertex);
+    vertexIndex_.emplace_hint(place, vertex, index);
+    return index;
 }
 
 void TriangleMesh::AddTriangles(const std::vector<WorldTriangle>& triangles)

@@ -30,6 +30,8 @@ public:
     std::vector<WorldTriangle> ExpandedTriangles() const;
 
 private:
+    std::int64_t IndexOf(const std::array<double, 3>& vertex); // appends the vertex if it is new
+
     std::vector<std::array<double, 3>> vertices_;
     std::vector<std::array<std::int64_t, 3>> indexedTriangles_;
 

@@ -98,7 +98,7 @@ TEST(PropagateLevel, CanBeRepeatedAfterMemoryRanOut)
 {
     std::int64_t failures = 0;
     const std::int64_t live = LiveAllocations();
-    for (std::uint64_t seed = 1; seed <= 40; ++seed) {
+    for (std::uint64_t seed = 1; seed <= 15; ++seed) {
         const WrittenModel written = RandomWrittenModel(seed);
         const std::int64_t lod = written.reference.VoxelLOD();
         for (std::int64_t n = 1;; n += 1 + n / 3) {
@@ -111,7 +111,7 @@ TEST(PropagateLevel, CanBeRepeatedAfterMemoryRanOut)
             EXPECT_EQ(Differences(model, written.reference), "") << "seed " << seed;
         }
     }
-    EXPECT_GT(failures, 100);
+    EXPECT_GT(failures, 40);
     EXPECT_EQ(LiveAllocations(), live);
 }
 

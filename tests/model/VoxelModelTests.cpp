@@ -179,7 +179,7 @@ TEST(CheckInvariants, NamesEveryKindOfFault)
               "voxels outside the extents are filled in the stack at (0, 0, 0) of level 2");
     EXPECT_EQ(reason({0, 0, 0}, 2, {3, 0}, fill(0, 3, 10)),
               "voxels outside the extents are filled in the stack at (48, 0, 0) of level 2");
-    EXPECT_EQ(reason({-1, 0, 0}, 1, {1, 0}, fill(15, 1, 15)), "levels disagree at voxel (-1, 1, 15) of level 1");
+    EXPECT_EQ(reason({-1, 0, 0}, 1, {1, 0}, fill(14, 1, 15)), "levels disagree at voxel (-2, 1, 15) of level 1");
     EXPECT_EQ(reason({0, 0, 0}, 0, {0, 0}, fill(0, 1, 21)), "levels disagree at voxel (0, 1, 21) of level 0");
     EXPECT_EQ(CheckInvariants(sound, 0).substr(0, 25), "levels disagree at voxel ") << "a written level that it was not";
 }

@@ -4,7 +4,7 @@
 #include "Report.h"
 #include "TriangleFiles.h"
 
-#include <brix/model/ForEachStack.h>
+#include <brix/operations/BasicOperations.h>
 #include <brix/triangles/TriangleModel.h>
 #include <brix/triangles/Voxelization.h>
 
@@ -81,7 +81,7 @@ void PrintLevels(const VoxelModel<bool>& model)
     for (std::int64_t lod = 0; lod <= model.FinestLOD(); ++lod) {
         const std::array<double, 3> voxel{axes.WorldVoxelWidth(lod), axes.WorldVoxelWidth(lod), axes.WorldVoxelHeight()};
         PrintStep("level " + std::to_string(lod),
-                  std::to_string(FilledVoxels(model, lod)) + " voxels filled, each " + Text(voxel, " x "));
+                  std::to_string(CountFilled(model, lod)) + " voxels filled, each " + Text(voxel, " x "));
     }
 }
 
@@ -123,17 +123,6 @@ Axes MakeAxes(const GridOptions& options)
         if (!std::isfinite(number)) throw UsageError("The origin and the rotation of the grid must be finite numbers.");
     RequireLevels(options);
     return {options.width, options.origin, options.rotation, options.verticalLOD.value_or(options.lod)};
-}
-
-std::int64_t FilledVoxels(const VoxelModel<bool>& model, std::int64_t lod)
-{
-    std::int64_t filled = 0;
-    ForEachStack(model, lod, [&](const VoxelStore<bool>& store, const StackIndices& ij) {
-        const VoxelStack<bool>& stack = store.VoxelStackRef(ij);
-        for (std::int32_t layer = 0; layer < stack.LayerCount(); ++layer)
-            filled += Count(stack.LayerVoxelPlateRef(layer)) * (stack.UpperOffset(layer) - stack.LowerOffset(layer) + 1);
-    });
-    return filled;
 }
 
 VoxelModel<bool> VoxelizeInput(const GridOptions& options)

@@ -33,7 +33,4 @@ Axes MakeAxes(const GridOptions& options);
 /// would take more memory than the limit even while it is empty; and what the engine throws.
 VoxelModel<bool> VoxelizeInput(const GridOptions& options);
 
-/// The number of filled voxels of a level.
-std::int64_t FilledVoxels(const VoxelModel<bool>& model, std::int64_t lod);
-
 } // namespace brix::tools

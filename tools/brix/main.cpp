@@ -16,7 +16,9 @@ void AddCommands(CLI::App& program)
                    "Exit codes: 0 done; 1 the operation failed; 2 the command line is wrong.");
     AddInfoCommand(program);
     AddVoxelizeCommand(program);
+    AddRunCommand(program);
     AddSliceCommand(program);
+    AddWalkableCommand(program);
     AddSceneCommand(program);
 }
 

@@ -6,8 +6,10 @@
 namespace brix::tools {
 
 void AddInfoCommand(CLI::App& program);
+void AddRunCommand(CLI::App& program);
 void AddSceneCommand(CLI::App& program);
 void AddSliceCommand(CLI::App& program);
 void AddVoxelizeCommand(CLI::App& program);
+void AddWalkableCommand(CLI::App& program);
 
 } // namespace brix::tools

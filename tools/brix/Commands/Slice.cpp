@@ -1,13 +1,9 @@
 // brix slice: pictures of slices through the voxels of an STL file.
 #include "Commands.h"
 
-#include "../Grid.h"
+#include "../OutputFiles.h"
 #include "../Report.h"
-#include "../SlicePicture.h"
 #include "../TriangleFiles.h"
-
-#include <cmath>
-#include <cstdlib>
 
 namespace brix::tools {
 namespace {
@@ -21,43 +17,10 @@ struct Options
     std::int64_t scale = 0; // chosen for the size
 };
 
-struct Position
-{
-    Axis axis;
-    double coordinate;
-};
-
-// "z=0.7": an axis and a coordinate.
-Position ParsePosition(const std::string& text)
-{
-    const std::size_t axis = std::string("xyz").find(text.empty() ? ' ' : text[0]);
-    char* end = nullptr;
-    const double coordinate = text.size() > 2 ? std::strtod(text.c_str() + 2, &end) : 0;
-    if (axis > 2 || text[1] != '=' || end == nullptr || *end != '\0' || !std::isfinite(coordinate))
-        throw UsageError("A slice is given as x=NUMBER, y=NUMBER or z=NUMBER, not as \"" + text + "\".");
-    return {static_cast<Axis>(axis), coordinate};
-}
-
-// Coordinates are told along the grid's own axes, so the frame is asked without its rotation.
-Slice FindSlice(const VoxelModel<bool>& model, std::int64_t lod, const Position& position, const GridOptions& grid)
-{
-    const auto axis = static_cast<std::size_t>(position.axis);
-    const Axes& axes = model.AxesRef();
-    std::array<double, 3> point = grid.origin;
-    point[axis] = position.coordinate;
-    const Axes straight(grid.width, grid.origin, 0, axes.VerticalLOD());
-    const std::int64_t index = straight.ContainingVoxel(straight.FromWorldCoordinates(point), lod)[axis];
-    const Extents& extents = model.ExtentsRef(lod);
-    if (index < extents.LowerIndices()[axis] || index > extents.UpperIndices()[axis])
-        throw std::runtime_error(std::string("The slice ") + "xyz"[axis] + "=" + Text(position.coordinate) +
-                                 " lies outside the model.");
-    return {position.axis, index};
-}
-
 void RunSlice(const Options& options)
 {
-    std::vector<Position> positions;
-    for (const std::string& text : options.positions) positions.push_back(ParsePosition(text));
+    std::vector<SlicePosition> positions;
+    for (const std::string& text : options.positions) positions.push_back(ParseSlicePosition(text));
     MakeAxes(options.grid);
     const std::int64_t lod = options.lod < 0 ? options.grid.lod : options.lod;
     if (lod > options.grid.lod) throw UsageError("The level of the slices is beyond the finest level of the model.");
@@ -66,7 +29,7 @@ void RunSlice(const Options& options)
     const VoxelModel<bool> model = VoxelizeInput(options.grid);
     const std::int64_t scale = options.scale > 0 ? options.scale : ScaleForSize(model.ExtentsRef(lod), 800);
     std::vector<Picture> pictures;
-    for (const Position& position : positions)
+    for (const SlicePosition& position : positions)
         pictures.push_back(DrawSlice({{model, Ink}}, lod, FindSlice(model, lod, position, options.grid), scale));
     const Picture picture = SideBySide(pictures, 24);
     picture.SavePng(options.output);

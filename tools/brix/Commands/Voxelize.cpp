@@ -1,23 +1,11 @@
 // brix voxelize: triangles to voxels, and the voxels as triangles again.
 #include "Commands.h"
 
-#include "../Grid.h"
-#include "../Report.h"
+#include "../OutputFiles.h"
 #include "../TriangleFiles.h"
-
-#include <brix/triangles/Tessellation.h>
-
-#include <algorithm>
-#include <charconv>
 
 namespace brix::tools {
 namespace {
-
-struct Output
-{
-    std::int64_t lod;
-    std::filesystem::path filePath;
-};
 
 struct Options
 {
@@ -26,45 +14,22 @@ struct Options
     bool ascii = false;
 };
 
-// "voxels.stl" is written at the finest level, "2=coarse.stl" at level 2.
-Output ParseOutput(const std::string& text, std::int64_t finestLOD)
-{
-    const std::size_t equals = text.find('=');
-    const char* const end = text.data() + (equals == std::string::npos ? 0 : equals);
-    std::int64_t lod = 0;
-    if (end == text.data() || std::from_chars(text.data(), end, lod).ptr != end) return {finestLOD, text};
-    if (lod < 0 || lod > finestLOD)
-        throw UsageError("Level " + std::to_string(lod) + " of the output \"" + text + "\" is not among the levels 0.." +
-                         std::to_string(finestLOD) + " of the model.");
-    return {lod, text.substr(equals + 1)};
-}
-
-std::vector<Output> ParseOutputs(const Options& options)
+std::vector<LevelFile> ParseOutputs(const Options& options)
 {
     MakeAxes(options.grid); // a wrong finest level is told first
-    std::vector<Output> outputs;
+    std::vector<LevelFile> outputs;
     for (const std::string& text : options.outputs) {
-        outputs.push_back(ParseOutput(text, options.grid.lod));
+        outputs.push_back(ParseLevelFile(text, options.grid.lod));
         RequireOutputFolder(outputs.back().filePath);
     }
     return outputs;
 }
 
-void Save(const VoxelModel<bool>& model, const Output& output, const Options& options)
-{
-    const Stopwatch watch;
-    std::vector<WorldTriangle> triangles;
-    TessellateVoxelModel(triangles, model, output.lod);
-    SaveTriangles(output.filePath, triangles, options.ascii, options.grid.swapYZ);
-    PrintStep("write", output.filePath.string() + ": level " + std::to_string(output.lod) + ", " +
-                           std::to_string(triangles.size()) + " triangles " + watch.Text());
-}
-
 void RunVoxelize(const Options& options)
 {
-    const std::vector<Output> outputs = ParseOutputs(options);
+    const std::vector<LevelFile> outputs = ParseOutputs(options);
     const VoxelModel<bool> model = VoxelizeInput(options.grid);
-    for (const Output& output : outputs) Save(model, output, options);
+    for (const LevelFile& output : outputs) SaveVoxels(model, output, options.ascii, options.grid.swapYZ);
 }
 
 } // namespace

@@ -1,0 +1,201 @@
+// What voxels see of their neighbours, drawn and voxel by voxel; and passes over a level with every instruction set.
+#include "operations/Neighbourhood.h"
+
+#include "operations/NeighbourhoodPass.h"
+#include "support/Picture.h"
+#include "support/RandomCompanions.h"
+#include "support/ReferenceOperations.h"
+#include "support/Stacks.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+namespace brix {
+namespace {
+
+using namespace tests;
+using Plate = VoxelPlate<bool>;
+
+TEST(Towards, TakesTheFacingEdgeOfTheNeighbour)
+{
+    EXPECT_EQ(TowardsLowerX(Picture(".##............."), Picture("...............#")), Picture("#.##............"));
+    EXPECT_EQ(TowardsUpperX(Picture(".............##."), Picture("#...............")), Picture("............##.#"));
+    EXPECT_EQ(TowardsLowerX(Picture(".##............#"), Picture(".............#.#"), 3), Picture("#.#.##.........."));
+    EXPECT_EQ(TowardsUpperX(Picture("#............##."), Picture("#.#............."), 3), Picture("..........##.#.#"));
+    const Plate first = Picture(".#");
+    const Plate last = Picture(". . . . . . . . . . . . . . . ..#");
+    EXPECT_EQ(TowardsLowerY(first, last), Picture("..# .#"));
+    EXPECT_EQ(TowardsUpperY(last, first), Picture(". . . . . . . . . . . . . . ..# .#"));
+    EXPECT_EQ(TowardsLowerY(first, last, 2), Picture(". ..# .#"));
+    EXPECT_EQ(TowardsUpperY(last, first, 15), Picture("..# .#"));
+}
+
+TEST(Towards, ReachesEveryDistanceUpToTheWholeNeighbour)
+{
+    Random random(1);
+    const Heights plates = RandomHeights(random);
+    for (std::size_t i = 0; i + 1 < plates.size(); ++i) {
+        const Plate& here = plates[i];
+        const Plate& beyond = plates[i + 1];
+        for (int distance = 1; distance <= 16; ++distance) {
+            const Plate seen[]{TowardsLowerX(here, beyond, distance), TowardsUpperX(here, beyond, distance),
+                               TowardsLowerY(here, beyond, distance), TowardsUpperY(here, beyond, distance)};
+            ForEachTriple({0, 0, 0}, {15, 15, 3}, [&](const Triple& voxel) {
+                std::array<std::int64_t, 2> place{voxel[0], voxel[1]};
+                std::int64_t& moved = place[voxel[2] < 2 ? 0 : 1];
+                moved += voxel[2] % 2 == 0 ? -distance : distance;
+                const bool isHere = 0 <= moved && moved < 16;
+                moved = (moved + 16) % 16;
+                ASSERT_EQ(seen[voxel[2]].Value({voxel[0], voxel[1]}), (isHere ? here : beyond).Value(place));
+            });
+        }
+    }
+}
+
+TEST(AtLeast, CountsVoxelByVoxel)
+{
+    const Plate a = Picture(".#.#.#.#.#.#.#.#"); // column x holds the four bits of x
+    const Plate b = Picture("..##..##..##..##");
+    const Plate c = Picture("....####....####");
+    const Plate d = Picture("........########");
+    const std::array<std::int64_t, 9> counts{std::numeric_limits<std::int64_t>::min(), -1, 0, 1, 2, 3, 4, 5,
+                                             std::numeric_limits<std::int64_t>::max()};
+    for (const std::int64_t count : counts) {
+        for (std::int64_t x = 0; x < 16; ++x) {
+            EXPECT_EQ(AtLeast(count, a, b, c, d).Value({x, 0}), std::popcount(static_cast<unsigned>(x)) >= count);
+            EXPECT_EQ(AtLeast(count, c, d).Value({x, 0}), std::popcount(static_cast<unsigned>(x / 4)) >= count);
+        }
+    }
+}
+
+// A plate whose neighbours at the same height are empty.
+HorizontalNeighbours Alone(const Plate& here) { return {here, {}, {}, {}, {}}; }
+
+TEST(GrowWhere, FillsVoxelsWithEnoughNeighbours)
+{
+    const Plate corner = Picture("....... .##.... .#..... .#...#. .......");
+    EXPECT_EQ(GrowWhere(corner, Alone(corner), 1), Picture(".##.... ####... ###..#. ###.### .#...#."));
+    EXPECT_EQ(GrowWhere(corner, Alone(corner), 2), Picture("....... .##.... .##.... .#...#. ......."));
+    EXPECT_EQ(GrowWhere(corner, Alone(corner), 3), corner);
+
+    const Plate here = Picture("...... .##... ......");
+    const Plate below = Picture("#####.");
+    const Plate above = Picture("...... ...... .##...");
+    EXPECT_EQ(GrowWhere(here, Alone(here), below, above, {1, 1}), Picture(".##... .##... .##..."));
+    EXPECT_EQ(GrowWhere(here, Alone(here), below, above, {0, 1}), Picture("#####. .##... .##..."));
+    EXPECT_EQ(GrowWhere(here, Alone(here), below, above, {0, 2}), here);
+    EXPECT_EQ(GrowWhere(here, Alone(here), below, below, {1, 2}), Picture(".##... .##... ......"));
+}
+
+TEST(ShrinkWhere, EmptiesVoxelsWithEnoughEmptyNeighbours)
+{
+    const Plate block = Picture("...... .####. .####. .###..");
+    EXPECT_EQ(ShrinkWhere(block, Alone(block), 1), Picture("...... ...... ..##.. ......"));
+    EXPECT_EQ(ShrinkWhere(block, Alone(block), 2), Picture("...... ..##.. .###.. ..#..."));
+    EXPECT_EQ(ShrinkWhere(block, Alone(block), 3), block);
+
+    const Plate lower = Picture("...... .####. .####.");
+    EXPECT_EQ(ShrinkWhere(block, Alone(block), lower, {}, {1, 2}), Picture("...... .####. .####. ......"));
+    EXPECT_EQ(ShrinkWhere(block, Alone(block), lower, {}, {1, 1}), Picture("...... ...... ..##.. ......"));
+    EXPECT_EQ(ShrinkWhere(block, Alone(block), lower, FilledPlate(), {0, 1}), Picture("...... .####. .####. ......"));
+}
+
+TEST(HorizontalNeighbours, AreTakenFromThePlatesBeside)
+{
+    const Plate lastColumn = Box({15, 2}, {15, 2});
+    const Plate firstColumn = Box({0, 3}, {0, 3});
+    const Plate lastRow = Box({4, 15}, {4, 15});
+    const Plate firstRow = Box({5, 0}, {5, 0});
+    const HorizontalNeighbours beside({}, lastColumn, firstColumn, lastRow, firstRow);
+    EXPECT_EQ(beside.Filled(1), Box({0, 2}, {0, 2}) | Box({15, 3}, {15, 3}) | Box({4, 0}, {4, 0}) | Box({5, 15}, {5, 15}));
+    EXPECT_EQ(beside.Empty(4), ~beside.Filled(1));
+}
+
+// A level on which a pass runs, and what it must become.
+struct PassCase
+{
+    std::uint64_t seed;
+    ReferenceModel source;
+    ReferenceModel guide; // on the same extents
+    bool isGuided;
+    InstructionSet instructionSet;
+};
+
+// Runs pass(grid, restraint) and compares the grid's voxels with those where isFilled(voxel) holds and the guide is not.
+template <class RunPass, class IsFilled> void ExpectPass(const PassCase& test, const RunPass& runPass, const IsFilled& isFilled)
+{
+    const auto clear = [](const Plate& plate, const Plate& guide) { return AndNot(plate, guide); };
+    const ReferenceModel expected =
+        test.source.Where([&](const Triple& voxel) { return isFilled(voxel) && !(test.isGuided && test.guide.Value(voxel)); });
+    const VoxelModel<bool> model = MakeModel(test.source);
+    const VoxelModel<bool> guide = MakeModel(test.guide);
+    LevelGrid grid(model, model.ExtentsRef(model.FinestLOD()));
+    const LevelGrid guideGrid(guide, guide.ExtentsRef(guide.FinestLOD()));
+    const bool isChanged = runPass(grid, Restraint<decltype(clear)>{test.isGuided ? &guideGrid : nullptr, clear});
+    EXPECT_EQ(isChanged, !Differences(test.source, expected).empty()) << "seed " << test.seed;
+    EXPECT_EQ(Differences(ReferenceModel(grid.TakeModel(), model.FinestLOD()), expected), "") << "seed " << test.seed;
+}
+
+template <class Test> void ForEachPassCase(std::uint64_t firstSeed, std::uint64_t count, const Test& test)
+{
+    for (std::uint64_t seed = firstSeed; seed < firstSeed + count; ++seed) {
+        Random random(seed);
+        const ReferenceModel first = MakeFirst(random);
+        const ReferenceModel source = first.AtLevel(first.FinestLOD());
+        const ReferenceModel guide = RandomContent(random, source.ExtentsRef(), source.FinestLOD(), source.FinestLOD());
+        for (const InstructionSet instructionSet : {InstructionSet::Portable, FastestInstructionSet()}) {
+            test(random, PassCase{seed, source, guide, random.OneIn(2), instructionSet});
+        }
+    }
+}
+
+TEST(NeighbourhoodPass, SeesAlongEveryAxisAtEveryDistance)
+{
+    ForEachPassCase(1, 120, [](Random& random, const PassCase& test) {
+        for (const Axis axis : AllAxes) {
+            const Side side = random.OneIn(2) ? Side::Lower : Side::Upper;
+            const std::int64_t distance = random.OneIn(3) ? 1 : random.Between(1, axis == Axis::Z ? 64 : 16);
+            Triple step{};
+            step[static_cast<std::size_t>(axis)] = side == Side::Lower ? -distance : distance;
+            ExpectPass(
+                test,
+                [&](LevelGrid& grid, const auto& restraint) {
+                    const auto rule = [](const Plate& here, const Plate& seen) { return AndNot(here | seen, here & seen); };
+                    return PassAlong(grid, {axis, side, distance}, rule, restraint, test.instructionSet);
+                },
+                [&](const Triple& voxel) { return test.source.Value(voxel) != test.source.Value(Plus(voxel, step)); });
+        }
+    });
+}
+
+TEST(NeighbourhoodPass, CountsTheSixNeighbours)
+{
+    ForEachPassCase(201, 120, [](Random& random, const PassCase& test) {
+        const std::int64_t horizontal = random.Between(1, 4);
+        const std::int64_t vertical = random.Between(0, 2);
+        ExpectPass(
+            test,
+            [&](LevelGrid& grid, const auto& restraint) {
+                const auto rule = [&](const Plate&, const HorizontalNeighbours& beside) { return beside.Filled(horizontal); };
+                return PassBeside(grid, rule, restraint, test.instructionSet);
+            },
+            [&](const Triple& voxel) { return CountBeside(test.source, voxel) >= horizontal; });
+        ExpectPass(
+            test,
+            [&](LevelGrid& grid, const auto& restraint) {
+                const auto rule = [&](const Plate& here, const HorizontalNeighbours& beside, const Plate& below,
+                                      const Plate& above) {
+                    return GrowWhere(here, beside, below, above, {horizontal, vertical});
+                };
+                return PassAround(grid, rule, restraint, test.instructionSet);
+            },
+            [&](const Triple& voxel) {
+                return test.source.Value(voxel) ||
+                       (CountBeside(test.source, voxel) >= horizontal && CountStacked(test.source, voxel) >= vertical);
+            });
+    });
+}
+
+} // namespace
+} // namespace brix

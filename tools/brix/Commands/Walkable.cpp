@@ -1,0 +1,140 @@
+// brix walkable: where a person can stand and walk, drawn storey by storey.
+#include "Commands.h"
+
+#include "../Grid.h"
+#include "../Report.h"
+#include "../SlicePicture.h"
+#include "../TriangleFiles.h"
+
+#include <brix/operations/BasicOperations.h>
+#include <brix/operations/FillOperations.h>
+#include <brix/operations/SurfaceOperations.h>
+#include <brix/travel/PathModel.h>
+
+#include <cmath>
+#include <utility>
+
+namespace brix::tools {
+namespace {
+
+using Voxels = VoxelModel<bool>;
+
+constexpr Colour Floor{122, 184, 122};
+constexpr Colour Raised{240, 165, 75};
+constexpr Colour Tight{214, 120, 120};
+constexpr Colour Things{176, 180, 190};
+
+struct Options
+{
+    GridOptions grid;
+    std::filesystem::path output;
+    std::vector<double> floors;
+    double diameter = 0.5;
+    double height = 1.8;
+    std::int64_t scale = 4;
+};
+
+// What the picture of a storey is made of: solid matter, where the person can stand, and where one could who is a voxel wide.
+struct Walk
+{
+    Voxels solid;
+    Voxels traversable;
+    Voxels narrow;
+};
+
+// Heights of voxels, inclusive.
+struct Band
+{
+    std::int64_t lower;
+    std::int64_t upper;
+};
+
+Voxels Between(const Voxels& voxels, const Band& band)
+{
+    const Extents& extents = voxels.ExtentsRef(voxels.FinestLOD());
+    const Triple lower{extents.LowerIndices()[0], extents.LowerIndices()[1], band.lower};
+    const Triple upper{extents.UpperIndices()[0], extents.UpperIndices()[1], band.upper};
+    return Resize(voxels, Extents(extents.AxesRef(), lower, upper, voxels.FinestLOD()));
+}
+
+// All voxels of a band of heights, seen in a layer below it.
+Voxels SeenInLayer(const Voxels& voxels, const Band& band, std::int64_t layer)
+{
+    const Voxels downToLayer = Between(Between(voxels, band), {layer, band.upper});
+    return ExpandAlongZ(downToLayer, static_cast<int>(band.upper - layer), 0, std::nullopt, false);
+}
+
+std::int64_t ToVoxels(double length, double voxel, const char* what)
+{
+    const double voxels = std::ceil(length / voxel - 1e-9);
+    if (!(voxels >= 1) || voxels > 1e6)
+        throw UsageError(std::string("The ") + what + " of the person must be a positive length of at most a million voxels.");
+    return static_cast<std::int64_t>(voxels);
+}
+
+// Walls are what reaches the height of the cut, things all that is lower.
+Picture DrawStorey(const Walk& walk, double floor, const Options& options)
+{
+    const Axes& axes = walk.solid.AxesRef();
+    const std::int64_t lod = walk.solid.FinestLOD();
+    const auto layerAt = [&](double z) { return axes.ContainingVoxel(axes.FromWorldCoordinates({0, 0, z}), lod)[2]; };
+    const std::int64_t base = layerAt(floor);
+    const std::int64_t cut = layerAt(floor + options.height * 0.7);
+    const std::int64_t top = layerAt(floor + options.height);
+    const std::int64_t layer = base - 1;
+    const Voxels things = SeenInLayer(walk.solid, {base, cut}, layer);
+    const Voxels tight = SeenInLayer(walk.narrow, {layer, top}, layer);
+    const Voxels raised = SeenInLayer(walk.traversable, {layer, top}, layer);
+    const Voxels level = SeenInLayer(walk.traversable, {layer, base + 1}, layer);
+    const Voxels walls = SeenInLayer(walk.solid, {cut, cut}, layer);
+    return DrawSlice({{things, Things}, {tight, Tight}, {raised, Raised}, {level, Floor}, {walls, Ink}}, lod, {Axis::Z, layer},
+                     options.scale);
+}
+
+void RunWalkable(const Options& options)
+{
+    const Axes axes = MakeAxes(options.grid);
+    const std::int64_t diameter = ToVoxels(options.diameter, axes.WorldVoxelWidth(options.grid.lod), "diameter");
+    const std::int64_t height = ToVoxels(options.height, axes.WorldVoxelHeight(), "height");
+    RequireOutputFolder(options.output);
+
+    // Triangles are skins: what they enclose, the inside of walls, is solid, too.
+    Voxels solid = FillEnclosedRegions(VoxelizeInput(options.grid));
+    const Stopwatch watch;
+    Voxels traversable = PathModel(solid, options.grid.lod, diameter, height, false).TraversableVoxels();
+    PrintStep("walkable", std::to_string(CountFilled(traversable, options.grid.lod)) + " voxels for a person of " +
+                              std::to_string(diameter) + " x " + std::to_string(height) + " voxels " + watch.Text());
+    Voxels narrow = PathModel(solid, options.grid.lod, 1, height, false).TraversableVoxels();
+    const Walk walk{std::move(solid), std::move(traversable), std::move(narrow)};
+    std::vector<Picture> pictures;
+    for (const double floor : options.floors) pictures.push_back(DrawStorey(walk, floor, options));
+    const Picture picture = SideBySide(pictures, 24);
+    picture.SavePng(options.output);
+    PrintStep("picture", options.output.string() + ": " + std::to_string(picture.Width()) + " x " +
+                             std::to_string(picture.Height()) + " pixels; green: the floor, orange: stairs and other heights, " +
+                             "red: too tight, grey: things, black: walls");
+}
+
+} // namespace
+
+void AddWalkableCommand(CLI::App& program)
+{
+    const auto options = std::make_shared<Options>();
+    CLI::App& command = *program.add_subcommand("walkable", "Draw where a person can stand and walk in an STL file");
+    AddGridOptions(command, options->grid);
+    command.add_option("-o,--output", options->output, "PNG file to write")->required()->type_name("OUT.png");
+    command.add_option("--floor", options->floors, "Height of a storey's floor, in the units of the file; repeatable")
+        ->required()
+        ->allow_extra_args(false)
+        ->type_name("Z");
+    command.add_option("--diameter", options->diameter, "Width of the person")->capture_default_str()->type_name("LENGTH");
+    command.add_option("--height", options->height, "Height of the person")->capture_default_str()->type_name("LENGTH");
+    command.add_option("--scale", options->scale, "Pixels for the edge of a voxel")
+        ->check(CLI::Range(1, 64))
+        ->capture_default_str();
+    command.footer("A person climbs steps of one voxel: choose voxels as high as a step, with --vertical-lod.\n"
+                   "Example: brix walkable house.stl -w 3.2 --lod 5 --vertical-lod 4 --floor 0 --floor 3 -o walkable.png");
+    command.callback([options] { RunWalkable(*options); });
+}
+
+} // namespace brix::tools

@@ -1,0 +1,37 @@
+// What the commands write, as the command line names it: levels of a model to STL files, and slices to be drawn.
+#pragma once
+
+#include "Grid.h"
+#include "SlicePicture.h"
+
+#include <string>
+
+namespace brix::tools {
+
+/// A place along an axis of the grid, in the units of the file.
+struct SlicePosition
+{
+    Axis axis;
+    double coordinate;
+};
+
+/// Reads "z=0.7". Throws UsageError for anything else.
+SlicePosition ParseSlicePosition(const std::string& text);
+
+/// The slice of a level at a place. Throws std::runtime_error when the place lies outside the model.
+Slice FindSlice(const VoxelModel<bool>& model, std::int64_t lod, const SlicePosition& position, const GridOptions& grid);
+
+/// A level and the file for its voxels.
+struct LevelFile
+{
+    std::int64_t lod;
+    std::filesystem::path filePath;
+};
+
+/// Reads "voxels.stl", which stands for the finest level, or "2=coarse.stl". Throws UsageError for a level that there is not.
+LevelFile ParseLevelFile(const std::string& text, std::int64_t finestLOD);
+
+/// Writes the voxels of a level as STL and prints what was written.
+void SaveVoxels(const VoxelModel<bool>& model, const LevelFile& output, bool ascii, bool swapYZ);
+
+} // namespace brix::tools
