@@ -58,13 +58,13 @@ public:
 
     void Spread();
 
-    const StackRuns& RunsOf(const Triple& stack) const { return stacks_[Number(stack)]; }
-    const Run& RunAt(const StackRuns& stack, std::int64_t start) const { return runs_[RunNumber(stack, start)]; }
+    // Calls visit(start, run) for the runs of a stack of the grid, lowest first.
+    template <class Visit> void ForEachRun(const Triple& stack, const Visit& visit) const;
 
 private:
-    static std::size_t RunNumber(const StackRuns& stack, std::int64_t start)
+    Run& RunAt(const StackRuns& stack, std::int64_t start)
     {
-        return stack.firstRun + static_cast<std::size_t>(std::popcount(stack.starts & UpTo(start))) - 1;
+        return runs_[stack.firstRun + static_cast<std::size_t>(std::popcount(stack.starts & UpTo(start))) - 1];
     }
     std::size_t Number(const Triple& stack) const
     {
@@ -150,7 +150,7 @@ void Flood::EnterFaces()
 // Enters the open voxels of a plate in one run.
 void Flood::EnterRun(StackRuns& stack, std::int64_t start, const Plate& plate)
 {
-    Run& run = runs_[RunNumber(stack, start)];
+    Run& run = RunAt(stack, start);
     const Plate reached = run.reached | (plate & run.open);
     if (reached == run.reached) return;
     run.reached = reached;
@@ -169,10 +169,14 @@ void Flood::EnterRuns(std::size_t number, Heights heights, const Plate& plate)
 
 void Flood::Spread()
 {
-    while (!waiting_.empty()) {
-        const std::vector<std::size_t> turn = std::exchange(waiting_, {});
-        for (const std::size_t number : turn) SpreadInStack(number);
-    }
+    RunWith(FastestInstructionSet(), [&] {
+        std::vector<std::size_t> turn;
+        while (!waiting_.empty()) {
+            turn.clear();
+            std::swap(turn, waiting_);
+            for (const std::size_t number : turn) SpreadInStack(number);
+        }
+    });
 }
 
 // Up and down the stack until nothing grows, then to the four stacks beside it.
@@ -209,7 +213,7 @@ template <Side side> void Flood::SpreadStacked(std::size_t number, Growth& growt
 void Flood::SettleRun(StackRuns& stack, std::int64_t start, Growth& growth)
 {
     const Heights bit = Heights{1} << start;
-    Run& run = runs_[RunNumber(stack, start)];
+    Run& run = RunAt(stack, start);
     run.reached = SpreadInPlate(run.reached, run.open);
     if (run.reached == run.open) stack.unsettled &= ~bit;
     stack.entered &= ~bit;
@@ -232,14 +236,19 @@ void Flood::SpreadAside(std::size_t number, Heights grown)
     }
 }
 
+template <class Visit> void Flood::ForEachRun(const Triple& stack, const Visit& visit) const
+{
+    const StackRuns& runs = stacks_[Number(stack)];
+    const Run* run = &runs_[runs.firstRun];
+    for (Heights starts = runs.starts; starts != 0; starts &= starts - 1) visit(LowestOf(starts), *run++);
+}
+
 // The level's result, with every layer made of a run by a rule. The grid gives its stacks away.
 template <class Rule> VoxelModel<bool> MakeResult(LevelGrid& grid, const Flood& flood, const Rule& rule)
 {
     grid.Rewrite([&](const Triple& stack, Stack& result) {
-        const StackRuns& runs = flood.RunsOf(stack);
         StackBuilder builder;
-        for (Heights starts = runs.starts; starts != 0; starts &= starts - 1)
-            builder.Append(LowestOf(starts), rule(flood.RunAt(runs, LowestOf(starts))));
+        flood.ForEachRun(stack, [&](std::int64_t start, const Run& run) { builder.Append(start, rule(run)); });
         builder.WriteTo(result);
         if (!grid.IsInside(stack)) result.FillOutsideBox(grid.LowerOffset(stack), grid.UpperOffset(stack), false);
     });

@@ -3,69 +3,65 @@
 //   open  ##..##      reached  ......      gives  ....##
 //         #..###               ....#.             ...###       (6 x 3 of 16 x 16, # for open and for reached)
 //         #..#..               ......             ...#..
-//
-// A plate is worked on as four words of four rows: bit 16 r + x of word w is the voxel (x, 4 w + r).
 #pragma once
 
 #include "../model/VoxelPlate.h"
 
 namespace brix {
 
-/// Four rows of a plate, or what was reached in them.
-using FourRows = std::uint64_t;
-
-inline constexpr FourRows LowestColumn = 0x0001'0001'0001'0001;
-inline constexpr FourRows HighestColumn = LowestColumn << 15;
-
-/// Spreads along the rows, to both sides. Shifts by 1, 2, 4 and 8 cross runs of any length, where each half of a distance has been
-/// found open: after the shift by 2, `way` holds the voxels whose four neighbours towards the reached side can all be crossed.
+/// Spreads along the rows to both sides.
 ///
-///     open     .######.     reached  ..#.....     by 1  ..##....     by 2  ..####..     by 4  ..#####.
-constexpr FourRows SpreadAlongRows(FourRows reached, FourRows open)
+/// Towards larger x a sum does it: the lowest reached bit of a run of open bits starts a carry, which clears all further open bits of
+/// the run up to the next reached one, and from there again, to the end of the run (x to the right):
+///
+///     open  .#####.##     reached  ..#..#...     sum  .#..#.###     open and not sum, or reached  ..####...
+///
+/// Towards smaller x the reach doubles: before the step by 4, `way` holds the voxels that have four open ones above them.
+constexpr VoxelPlate<bool> SpreadInRows(const VoxelPlate<bool>& reached, const VoxelPlate<bool>& open)
 {
-    FourRows way = open & ~LowestColumn; // no bit crosses from a row into the next
+    constexpr VoxelPlate<bool> nothing{};
+    const VoxelPlate<bool> sum = MakePlate([&](std::size_t y) { return open.rows[y] + reached.rows[y]; });
+    VoxelPlate<bool> spread = AndNot(open, sum) | reached;
+    VoxelPlate<bool> way = open;
     for (int distance = 1; distance < 16; distance *= 2) {
-        reached |= way & reached << distance;
-        way &= way << distance;
+        spread = spread | (way & TowardsUpperX(spread, nothing, distance));
+        way = way & TowardsUpperX(way, nothing, distance);
     }
-    way = open & ~HighestColumn;
-    for (int distance = 1; distance < 16; distance *= 2) {
-        reached |= way & reached >> distance;
-        way &= way >> distance;
-    }
-    return reached;
+    return spread;
 }
 
-/// Spreads from row to row within the four, towards larger y or smaller y.
-constexpr FourRows SpreadUpwards(FourRows reached, FourRows open)
+/// Four rows of a plate: bit 16 r + x is the voxel x of row r. Spreads from row to row, towards larger or smaller y.
+constexpr std::uint64_t SpreadToUpperRows(std::uint64_t reached, std::uint64_t open)
 {
     reached |= open & reached << 16;
-    return reached | (open & (open << 16) & reached << 32);
+    return reached | (open & open << 16 & reached << 32);
 }
-constexpr FourRows SpreadDownwards(FourRows reached, FourRows open)
+constexpr std::uint64_t SpreadToLowerRows(std::uint64_t reached, std::uint64_t open)
 {
     reached |= open & reached >> 16;
-    return reached | (open & (open >> 16) & reached >> 32);
+    return reached | (open & open >> 16 & reached >> 32);
+}
+
+/// Spreads along the columns to both sides.
+constexpr VoxelPlate<bool> SpreadInColumns(const VoxelPlate<bool>& reachedPlate, const VoxelPlate<bool>& openPlate)
+{
+    const auto open = std::bit_cast<std::array<std::uint64_t, 4>>(openPlate.rows);
+    auto reached = std::bit_cast<std::array<std::uint64_t, 4>>(reachedPlate.rows);
+    reached[0] = SpreadToUpperRows(reached[0], open[0]);
+    for (std::size_t i = 1; i < 4; ++i) reached[i] = SpreadToUpperRows(reached[i] | (open[i] & reached[i - 1] >> 48), open[i]);
+    reached[3] = SpreadToLowerRows(reached[3], open[3]);
+    for (std::size_t i = 3; i-- > 0;) reached[i] = SpreadToLowerRows(reached[i] | (open[i] & reached[i + 1] << 48), open[i]);
+    return {std::bit_cast<std::array<std::uint16_t, 16>>(reached)};
 }
 
 /// All open voxels that are joined to the reached ones by open voxels, each beside the next. What is reached must be open.
-constexpr VoxelPlate<bool> SpreadInPlate(const VoxelPlate<bool>& reachedPlate, const VoxelPlate<bool>& openPlate)
+constexpr VoxelPlate<bool> SpreadInPlate(VoxelPlate<bool> reached, const VoxelPlate<bool>& open)
 {
-    using Words = std::array<FourRows, 4>;
-    const auto open = std::bit_cast<Words>(openPlate.rows);
-    auto reached = std::bit_cast<Words>(reachedPlate.rows);
+    constexpr VoxelPlate<bool> nothing{};
     for (;;) {
-        const Words before = reached;
-        for (std::size_t i = 0; i < 4; ++i) reached[i] = SpreadAlongRows(reached[i], open[i]);
-        for (std::size_t i = 0; i < 4; ++i) {
-            if (i > 0) reached[i] |= open[i] & reached[i - 1] >> 48;
-            reached[i] = SpreadUpwards(reached[i], open[i]);
-        }
-        for (std::size_t i = 4; i-- > 0;) {
-            if (i < 3) reached[i] |= open[i] & reached[i + 1] << 48;
-            reached[i] = SpreadDownwards(reached[i], open[i]);
-        }
-        if (reached == open || reached == before) return {std::bit_cast<std::array<std::uint16_t, 16>>(reached)};
+        reached = SpreadInColumns(SpreadInRows(reached, open), open); // no column can spread any more
+        const VoxelPlate<bool> beside = TowardsLowerX(reached, nothing) | TowardsUpperX(reached, nothing);
+        if (IsEmpty(AndNot(open & beside, reached))) return reached;
     }
 }
 

@@ -167,19 +167,18 @@ inline void SweepStep(Stretch& stretch, std::int64_t step, const RuleStep& rule,
     double* const column = stretch.plane.Column(step);
     const double threshold = stretch.threshold;
 
-    std::array<double, Lanes> values;
+    std::array<double, Lanes> values; // lanes read what others will overwrite
     for (std::size_t y = 0; y < Lanes; ++y) {
         const double a = (LaneBits[y] & enteringLane) != 0 ? enteringX : last[y];
         const double b = *(last + y - 1);
         const double c = column[y];
-        const double value = ValueOfEmptyVoxel(a, b, c, rule.Mix(y, a, b, c));
-        values[y] = (filled[y] & stepBit) != 0 ? 0.0 : value;
-    }
-    for (std::size_t y = 0; y < Lanes; ++y) {
+        const double ifEmpty = ValueOfEmptyVoxel(a, b, c, rule.Mix(y, a, b, c));
+        const double value = (filled[y] & stepBit) != 0 ? 0.0 : ifEmpty;
         const bool isActive = active == ActiveLanes::All || (lanes & LaneBits[y]) != 0;
-        visible[y] |= isActive && values[y] >= threshold ? stepBit : 0;
-        column[y] = isActive ? values[y] : column[y];
+        visible[y] |= isActive && value >= threshold ? stepBit : 0;
+        values[y] = isActive ? value : c;
     }
+    for (std::size_t y = 0; y < Lanes; ++y) column[y] = values[y];
 }
 
 template <class Rule> inline void SweepPlates(Stretch& stretch, const Rule& rule)
@@ -192,8 +191,8 @@ template <class Rule> inline void SweepPlates(Stretch& stretch, const Rule& rule
             for (std::int64_t x = 0; x < Lanes; ++x) stretch.plane.Column(x - 1)[-1] = stretch.alongY[step + x];
         }
         const double enteringX = isEntering ? stretch.alongX[step] : 0.0;
-        const std::uint64_t lanes = isEntering ? (step < Lanes ? (std::uint64_t{2} << step) - 1 : allLanes)
-                                               : allLanes << (step - length + 1) & allLanes;
+        const std::uint64_t lanes =
+            isEntering ? (step < Lanes ? (std::uint64_t{2} << step) - 1 : allLanes) : allLanes << (step - length + 1) & allLanes;
         if (lanes == allLanes)
             SweepStep<ActiveLanes::All>(stretch, step, rule.At(step), enteringX, lanes);
         else

@@ -38,7 +38,7 @@ WrittenModel RandomWrittenModel(std::uint64_t seed)
 
 TEST(PropagateLevel, EqualsTheRuleVoxelByVoxelFromEveryLevel)
 {
-    for (std::uint64_t seed = 1; seed <= 300; ++seed) {
+    for (std::uint64_t seed = 1; seed <= 200; ++seed) {
         WrittenModel written = RandomWrittenModel(seed);
         PropagateLevel(written.model, written.reference.VoxelLOD());
         EXPECT_EQ(Differences(written.model, written.reference), "") << "seed " << seed;
@@ -47,20 +47,18 @@ TEST(PropagateLevel, EqualsTheRuleVoxelByVoxelFromEveryLevel)
 
 TEST(PropagateLevel, GivesTheSameVoxelsWithEveryInstructionSet)
 {
-    for (const InstructionSet instructionSet : {InstructionSet::Portable, FastestInstructionSet()}) {
-        for (std::uint64_t seed = 301; seed <= 400; ++seed) {
-            WrittenModel written = RandomWrittenModel(seed);
-            VoxelModel<bool>& model = written.model;
-            ForEachTriple(model.LowerChunkIndices(), model.UpperChunkIndices(), [&](const Triple& chunk) {
-                PropagateChunk(model.ChunkRef(chunk), written.reference.VoxelLOD(), model.FinestLOD(), instructionSet);
-            });
-            EXPECT_EQ(Differences(model, written.reference), "")
-                << "seed " << seed << (instructionSet == InstructionSet::Portable ? ", portable" : ", fastest");
-        }
+    for (std::uint64_t seed = 201; seed <= 300; ++seed) {
+        WrittenModel written = RandomWrittenModel(seed);
+        VoxelModel<bool>& model = written.model;
+        const InstructionSet instructionSet = seed % 2 == 0 ? InstructionSet::Portable : FastestInstructionSet();
+        ForEachTriple(model.LowerChunkIndices(), model.UpperChunkIndices(), [&](const Triple& chunk) {
+            PropagateChunk(model.ChunkRef(chunk), written.reference.VoxelLOD(), model.FinestLOD(), instructionSet);
+        });
+        EXPECT_EQ(Differences(model, written.reference), "") << "seed " << seed;
     }
 }
 
-// The filled corners of a model of 16 x 16 voxels at level 0 that is 64 high, at level 1.
+// What a model of 16 x 16 voxels at level 0 and 64 heights holds at level 1.
 std::vector<Triple> VoxelsAtLevelOne(const std::vector<Triple>& filledAtLevelZero)
 {
     ReferenceModel reference(Extents(Axes(1, {0, 0, 0}, 0, 0), {0, 0, 0}, {15, 15, 63}, 0), 1, 0);

@@ -65,12 +65,42 @@ TEST(VoxelPlate, CombinesVoxelByVoxel)
         ASSERT_EQ(AndNot(a, b), where([](bool first, bool second) { return first && !second; }));
         ASSERT_EQ(~a, where([](bool first, bool) { return !first; }));
 
+        for (std::size_t line = 0; line < 16; ++line) {
+            ASSERT_EQ(a.Row(line), a.rows[line]);
+            const auto column = static_cast<std::int64_t>(line);
+            for (std::int64_t y = 0; y < 16; ++y) ASSERT_EQ((a.Column(line) >> y & 1) != 0, a.Value({column, y}));
+        }
         std::int64_t count = 0;
         PlateWhere([&](std::int64_t x, std::int64_t y) { return count += a.Value({x, y}) ? 1 : 0; });
         ASSERT_EQ(Count(a), count);
         ASSERT_EQ(IsEmpty(a), count == 0);
         ASSERT_EQ(IsFull(a), count == 256);
     }
+}
+
+// What the compiler computes goes other ways than what runs, which handles all rows as one vector.
+constexpr std::array<Plate, 9> Results(const Plate& a, const Plate& b)
+{
+    return {a | b,
+            a & b,
+            ~a,
+            AndNot(a, b),
+            TowardsLowerX(a, b, 3),
+            TowardsUpperX(a, b),
+            TowardsLowerY(a, b),
+            TowardsUpperY(a, b),
+            HalfResolution(a, b, b, a)};
+}
+
+TEST(VoxelPlate, GivesTheSameAtCompileTimeAndAtRunTime)
+{
+    constexpr Plate a = MakePlate([](std::size_t y) { return 0x9E37U * (y + 1) ^ 0xF00FU >> y; });
+    constexpr Plate b = MakePlate([](std::size_t y) { return 0x7F4AU * (y + 5) ^ 0x1FF8U << y % 4; });
+    constexpr std::array<Plate, 9> compiled = Results(a, b);
+    volatile std::uint16_t hidden = a.rows[0]; // so that the compiler cannot know the plate
+    Plate run = a;
+    run.rows[0] = hidden;
+    EXPECT_EQ(Results(run, b), compiled);
 }
 
 TEST(VoxelPlate, DiffersFromEveryPlateThatHasOneOtherVoxel)

@@ -99,17 +99,11 @@ TEST(SurfaceOperations, EqualTheVoxelByVoxelDefinition)
                 const Call call = RandomCall(random, repetition % Names.size(), autoAdjust);
                 EXPECT_EQ(Differences(call.Run(model, guide), call.Run(reference, referenceGuide)), "")
                     << "seed " << seed << ", " << call << ", guide: " << (isGuided ? NameOf(AllPlacements[guideKind]) : "none");
-                EXPECT_EQ(Differences(model, reference), "") << "the model has changed, seed " << seed << ", " << call;
-                EXPECT_EQ(isGuided ? Differences(*guide, *referenceGuide) : "", "") << "the guide has changed, seed " << seed;
+                EXPECT_EQ(Changes(model, reference), "") << "the model has changed, seed " << seed << ", " << call;
+                EXPECT_EQ(isGuided ? Changes(*guide, *referenceGuide) : "", "") << "the guide has changed, seed " << seed;
             }
         }
     }
-}
-
-// Where two models differ, if the second one was written at its finest level.
-std::string Differences(const VoxelModel<bool>& a, const VoxelModel<bool>& b)
-{
-    return tests::Differences(a, ReferenceModel(b, b.FinestLOD()));
 }
 
 bool IsPartOf(const VoxelModel<bool>& part, const VoxelModel<bool>& whole)
@@ -127,8 +121,8 @@ struct NestedModels
 NestedModels MakeNested(Random& random)
 {
     const std::int64_t lod = random.Between(1, 3);
-    const Extents extents(Frame, {-40, -20, -70}, {30, 25, 60}, lod);
-    const ReferenceModel scattered = ReferenceModel(extents, lod, lod).Where([&](const Triple&) { return random.OneIn(500); });
+    ReferenceModel scattered(Extents(Frame, {-24, -20, -30}, {25, 19, 69}, lod), lod, lod);
+    for (int i = 0; i < 400; ++i) scattered.Set({random.Between(-24, 25), random.Between(-20, 19), random.Between(-30, 69)});
     const VoxelModel<bool> inner = ExpandByOneVoxel(MakeModel(scattered), 1, 0, std::nullopt, false);
     return {inner, ExpandAlongZ(ExpandHorizontally(inner, 6, std::nullopt, false), 3, 0, std::nullopt, false)};
 }
@@ -161,7 +155,7 @@ TEST(SurfaceOperations, AlongAnAxisAddUp)
         const Call call{operation, lower, upper, false};
         EXPECT_EQ(Differences(call.Run(model, std::nullopt), stepped), "") << "seed " << seed << ", " << call;
         EXPECT_EQ(Differences(Call{operation, Largest, Largest, false}.Run(model, std::nullopt),
-                              Call{operation, 140, 140, false}.Run(model, std::nullopt)),
+                              Call{operation, 100, 100, false}.Run(model, std::nullopt)),
                   "")
             << "seed " << seed << ", " << call;
     }
@@ -191,7 +185,7 @@ TEST(HorizontalOperations, AreSequencesOfPassesByOneVoxel)
     EXPECT_EQ(DiscSteps(8), (std::vector{1, 1, 1, 2}));
     EXPECT_EQ(DiscSteps(11), (std::vector{1, 1, 2, 1, 1, 2, 1}));
     EXPECT_EQ(DiscSteps(12), (std::vector{1, 1, 2, 1, 1, 1, 2}));
-    for (int diameter = 1; diameter <= 40; ++diameter) {
+    for (int diameter = 1; diameter <= 24; ++diameter) {
         Random random(static_cast<std::uint64_t>(diameter));
         const VoxelModel<bool> model = MakeNested(random).outer;
         const Guide guide = random.OneIn(2) ? Guide(MakeNested(random).inner) : std::nullopt;

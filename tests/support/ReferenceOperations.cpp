@@ -1,5 +1,8 @@
 #include "ReferenceOperations.h"
 
+#include "model/ForEachStack.h"
+#include "model/StackIterator.h"
+
 #include <functional>
 
 namespace brix::tests {
@@ -302,6 +305,27 @@ ReferenceModel ReduceHorizontally(const ReferenceModel& model, int diameterOffse
                                   bool autoAdjustExtents)
 {
     return Shrink(model, DiscPasses(diameterOffset, ShrinkWhere), {1, 1, 1, 1, 0, 0}, guide, autoAdjustExtents);
+}
+
+std::string Differences(const VoxelModel<bool>& actual, const VoxelModel<bool>& expected)
+{
+    if (!(actual.AxesRef() == expected.AxesRef()) || actual.FinestLOD() != expected.FinestLOD()) return "frame or level differ";
+    for (std::int64_t lod = expected.FinestLOD(); lod >= 0; --lod) {
+        const Extents& extents = expected.ExtentsRef(lod);
+        bool isEqual = extents.LowerIndices() == actual.ExtentsRef(lod).LowerIndices() &&
+                       extents.UpperIndices() == actual.ExtentsRef(lod).UpperIndices();
+        isEqual = isEqual && AllStacks(expected, lod, [&](const VoxelStore<bool>& store, const StackIndices& ij) {
+                      const Triple voxel = Plus(store.LowerIndices(ij), store.LowerOffset(ij));
+                      return ConstStackIterator(actual, voxel, lod).VoxelStackRef() == store.VoxelStackRef(ij);
+                  });
+        if (!isEqual) return "differ: " + Differences(ReferenceModel(actual, lod), ReferenceModel(expected, lod));
+    }
+    return {};
+}
+
+std::string Changes(const VoxelModel<bool>& model, const ReferenceModel& original)
+{
+    return Differences(ReferenceModel(model, model.FinestLOD()), original.AtLevel(original.FinestLOD()));
 }
 
 } // namespace brix::tests

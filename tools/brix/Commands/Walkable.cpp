@@ -8,6 +8,7 @@
 
 #include <brix/operations/BasicOperations.h>
 #include <brix/operations/FillOperations.h>
+#include <brix/operations/SolidOperations.h>
 #include <brix/operations/SurfaceOperations.h>
 #include <brix/travel/PathModel.h>
 
@@ -31,15 +32,16 @@ struct Options
     std::vector<double> floors;
     double diameter = 0.5;
     double height = 1.8;
+    std::vector<double> start; // none: everything where one can stand
     std::int64_t scale = 4;
 };
 
-// What the picture of a storey is made of: solid matter, where the person can stand, and where one could who is a voxel wide.
+// What the picture of a storey is made of: solid matter, where the person can stand, and all ground with any room above.
 struct Walk
 {
     Voxels solid;
     Voxels traversable;
-    Voxels narrow;
+    Voxels ground;
 };
 
 // Heights of voxels, inclusive.
@@ -72,7 +74,7 @@ std::int64_t ToVoxels(double length, double voxel, const char* what)
     return static_cast<std::int64_t>(voxels);
 }
 
-// Walls are what reaches the height of the cut, things all that is lower.
+// Walls are what reaches the height of the cut, things all that is lower. Stairs are seen up to just below the next storey.
 Picture DrawStorey(const Walk& walk, double floor, const Options& options)
 {
     const Axes& axes = walk.solid.AxesRef();
@@ -80,15 +82,27 @@ Picture DrawStorey(const Walk& walk, double floor, const Options& options)
     const auto layerAt = [&](double z) { return axes.ContainingVoxel(axes.FromWorldCoordinates({0, 0, z}), lod)[2]; };
     const std::int64_t base = layerAt(floor);
     const std::int64_t cut = layerAt(floor + options.height * 0.7);
-    const std::int64_t top = layerAt(floor + options.height);
+    const std::int64_t top = layerAt(floor + options.height * 1.5);
     const std::int64_t layer = base - 1;
-    const Voxels things = SeenInLayer(walk.solid, {base, cut}, layer);
-    const Voxels tight = SeenInLayer(walk.narrow, {layer, top}, layer);
+    const Voxels tight = SeenInLayer(walk.ground, {layer, base + 1}, layer);
+    const Voxels things = SeenInLayer(walk.solid, {base + 1, cut}, layer);
+    const Voxels walls = SeenInLayer(walk.solid, {cut, cut}, layer);
     const Voxels raised = SeenInLayer(walk.traversable, {layer, top}, layer);
     const Voxels level = SeenInLayer(walk.traversable, {layer, base + 1}, layer);
-    const Voxels walls = SeenInLayer(walk.solid, {cut, cut}, layer);
-    return DrawSlice({{things, Things}, {tight, Tight}, {raised, Raised}, {level, Floor}, {walls, Ink}}, lod, {Axis::Z, layer},
+    return DrawSlice({{tight, Tight}, {things, Things}, {walls, Ink}, {raised, Raised}, {level, Floor}}, lod, {Axis::Z, layer},
                      options.scale);
+}
+
+// What can be reached from a point: a step leads to an adjacent column, at most one voxel up or down, so the places where one can
+// stand, made a voxel thicker below and above, hang together wherever one can walk.
+Voxels Reachable(const Voxels& traversable, const std::array<double, 3>& start)
+{
+    const std::int64_t lod = traversable.FinestLOD();
+    const Voxels barriers = Invert(ExpandAlongZ(traversable, 1, 1, std::nullopt, false));
+    const Voxels filled = FillFromPoint(barriers, traversable.AxesRef().FromWorldCoordinates(start));
+    const Voxels reached = Subtract(filled, barriers, lod, false);
+    if (IsEmpty(reached, lod)) throw std::runtime_error("Nobody can stand at the point that --from gives.");
+    return Intersect({&traversable, &reached}, lod, false);
 }
 
 void RunWalkable(const Options& options)
@@ -104,15 +118,19 @@ void RunWalkable(const Options& options)
     Voxels traversable = PathModel(solid, options.grid.lod, diameter, height, false).TraversableVoxels();
     PrintStep("walkable", std::to_string(CountFilled(traversable, options.grid.lod)) + " voxels for a person of " +
                               std::to_string(diameter) + " x " + std::to_string(height) + " voxels " + watch.Text());
-    Voxels narrow = PathModel(solid, options.grid.lod, 1, height, false).TraversableVoxels();
-    const Walk walk{std::move(solid), std::move(traversable), std::move(narrow)};
+    if (!options.start.empty()) {
+        traversable = Reachable(traversable, {options.start[0], options.start[1], options.start[2]});
+        PrintStep("reachable", std::to_string(CountFilled(traversable, options.grid.lod)) + " of them from the given point");
+    }
+    Voxels ground = PathModel(solid, options.grid.lod, 1, 2, false).TraversableVoxels();
+    const Walk walk{std::move(solid), std::move(traversable), std::move(ground)};
     std::vector<Picture> pictures;
     for (const double floor : options.floors) pictures.push_back(DrawStorey(walk, floor, options));
     const Picture picture = SideBySide(pictures, 24);
     picture.SavePng(options.output);
     PrintStep("picture", options.output.string() + ": " + std::to_string(picture.Width()) + " x " +
                              std::to_string(picture.Height()) + " pixels; green: the floor, orange: stairs and other heights, " +
-                             "red: too tight, grey: things, black: walls");
+                             "red: no room, grey: things, black: walls");
 }
 
 } // namespace
@@ -127,6 +145,9 @@ void AddWalkableCommand(CLI::App& program)
         ->required()
         ->allow_extra_args(false)
         ->type_name("Z");
+    command.add_option("--from", options->start, "Show only what can be reached from this point on the ground [all]")
+        ->expected(3)
+        ->type_name("X Y Z");
     command.add_option("--diameter", options->diameter, "Width of the person")->capture_default_str()->type_name("LENGTH");
     command.add_option("--height", options->height, "Height of the person")->capture_default_str()->type_name("LENGTH");
     command.add_option("--scale", options->scale, "Pixels for the edge of a voxel")

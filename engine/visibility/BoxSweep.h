@@ -1,0 +1,70 @@
+// A sweep through a box of voxels: from one corner stack by stack, z innermost, so that all that enters a stack is known before it.
+#pragma once
+
+#include "../model/StackIterator.h"
+#include "SightMask.h"
+#include "StackView.h"
+
+#include <optional>
+
+namespace brix::sight {
+
+struct BoxSweep
+{
+    Triple lower; // the voxels that are swept: sight enters the box fully from every side that it comes from
+    Triple upper;
+    SweepOrder order;
+    const SightMask* mask = nullptr; // what may be marked; everything, if there is none
+    std::optional<Triple> eye{};     // a voxel that counts as empty
+
+    Triple StackCount() const { return Plus(Minus(StackOf(upper), StackOf(lower)), {1, 1, 1}); }
+
+    static Triple StackOf(const Triple& voxel)
+    {
+        return {FloorDivide(voxel[0], 16), FloorDivide(voxel[1], 16), FloorDivide(voxel[2], 64)};
+    }
+
+    /// The lower corner of the stack that the sweep reaches after so many steps along x, y and z.
+    Triple CornerAt(const Triple& steps) const
+    {
+        const Triple first = StackOf(lower);
+        const Triple last = StackOf(upper);
+        const auto along = [&](std::size_t i) { return order[i] == Side::Upper ? first[i] + steps[i] : last[i] - steps[i]; };
+        return {16 * along(0), 16 * along(1), 64 * along(2)};
+    }
+};
+
+/// Adds what is visible in one stack, as the sweep sees it, to the model. `corner` is the stack's lower corner.
+void MarkVisible(VoxelModel<bool>& result, std::int64_t lod, const BoxSweep& sweep, const Triple& corner,
+                 const StackBuilder& seen);
+
+/// Passes a carrier through the stacks of the box and marks in `result` what is visible. Both models must hold the box at `lod`, and
+/// have the same extents.
+template <class Carrier>
+void SweepBox(VoxelModel<bool>& result, const VoxelModel<bool>& model, std::int64_t lod, const BoxSweep& sweep, Carrier carrier)
+{
+    const Triple count = sweep.StackCount();
+    for (std::int64_t j = 0; j < count[1]; ++j) {
+        carrier.EnterRow();
+        for (std::int64_t i = 0; i < count[0]; ++i) {
+            carrier.EnterColumn(i, sweep.CornerAt({i, j, 0}));
+            for (std::int64_t k = 0; k < count[2]; ++k) {
+                const Triple corner = sweep.CornerAt({i, j, k});
+                const Triple lower = Highest(sweep.lower, corner);
+                const Triple upper = Lowest(sweep.upper, Plus(corner, {15, 15, 63}));
+                if (sweep.mask != nullptr && !sweep.mask->IsNeeded(lower, upper)) continue;
+
+                StackView view(ConstStackIterator(model, corner, lod).VoxelStackRef(), Minus(lower, corner), Minus(upper, corner),
+                               sweep.order);
+                if (sweep.eye && IsWithin(*sweep.eye, lower, upper)) view.Clear(Minus(*sweep.eye, corner));
+                StackBuilder seen;
+                if (view.Begin() > 0) seen.Append(0, {});
+                carrier.Pass(view, k, corner, seen);
+                if (view.End() < VoxelStack<bool>::Height) seen.Append(view.End(), {});
+                MarkVisible(result, lod, sweep, corner, seen);
+            }
+        }
+    }
+}
+
+} // namespace brix::sight
