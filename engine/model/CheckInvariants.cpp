@@ -68,10 +68,10 @@ bool FineAgrees(const Store& fine, const StackIndices& ij, const Triple& offset,
     return IsFilled(fine.VoxelStackRef(ij), offset) == expected;
 }
 
-// The heights at which a stack of `store`, one that it follows from, or the extents begin; between them, nothing changes.
-std::bitset<Stack::Height + 1> ChangingHeights(const Store& store, const StackIndices& ij, const Store& source)
+// The heights at which a stack of `store`, or one that it follows from, begins a layer; between them, nothing changes.
+std::bitset<Stack::Height> ChangingHeights(const Store& store, const StackIndices& ij, const Store& source)
 {
-    std::bitset<Stack::Height + 1> heights;
+    std::bitset<Stack::Height> heights;
     const auto add = [&](const Stack& stack) {
         for (const std::uint8_t offset : stack.LayerOffsets()) heights.set(offset);
     };
@@ -83,8 +83,6 @@ std::bitset<Stack::Height + 1> ChangingHeights(const Store& store, const StackIn
             add(source.VoxelStackRef({2 * ij[0] + child % 2, 2 * ij[1] + child / 2}));
         }
     }
-    heights.set(static_cast<std::size_t>(store.LowerOffset(ij)[2]));
-    heights.set(static_cast<std::size_t>(store.UpperOffset(ij)[2] + 1));
     return heights;
 }
 

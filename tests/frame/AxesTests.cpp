@@ -62,7 +62,8 @@ TEST(Axes, RoundPointsOnVoxelBordersByTheOneOrderOfSteps)
 {
     const Axes axes(1.1, {0, 0, 0}, 0, 0);
     const std::vector<std::pair<double, std::int64_t>> cases{
-        {-2.0625, -75001}, {-1.959375, -71251}, {-1.9250000000000003, -70001}, {-1.7875, -65001}, {-1.753125, -63751}};
+        {-2.0625, -75001}, {-1.959375, -71251}, {-1.9250000000000003, -70001},
+        {-1.7875, -65001}, {-1.753125, -63751}, {-137.46562500000002, -4998750}};
     for (const auto& [world, unit] : cases) {
         EXPECT_EQ(axes.FromWorldCoordinates({world, world, world}), (Triple{unit, unit, unit}));
     }

@@ -102,7 +102,7 @@ TEST(Iterators, TellStacksFromVoxelsAtTheEdgeOfTheExtents)
     for (const std::int64_t extreme : {Lowest64, Highest64}) {
         EXPECT_FALSE(StackIterator(model, {extreme, 0, 0}, 2).IsValid());
         EXPECT_FALSE(model.FindVoxel({0, extreme, extreme}, 0).IsValid());
-        VoxelIterator voxel = model.FindVoxel({0, 0, 0}, 1);
+        VoxelIterator voxel = model.FindVoxel({-2, -2, 1}, 2);
         voxel += {extreme, extreme, extreme};
         EXPECT_FALSE(voxel.IsValid());
     }
