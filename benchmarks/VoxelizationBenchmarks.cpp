@@ -17,7 +17,7 @@ std::int64_t CountFiled(const TriangleModel& model)
 {
     std::int64_t count = 0;
     ForEachTriple(model.LowerChunkIndices(), model.UpperChunkIndices(),
-                  [&](const Triple& chunk) { count += static_cast<std::int64_t>(model.ChunkRef(chunk).TrianglesRef().size()); });
+                  [&](const Triple& chunk) { count += static_cast<std::int64_t>(model.ChunkRef(chunk).Triangles().size()); });
     return count;
 }
 

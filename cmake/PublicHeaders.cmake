@@ -7,9 +7,27 @@ set(BRIX_INTERNAL_HEADERS
     model/ForEachStack.h
     model/InstructionSet.h
     model/PropagateChunk.h
+    operations/LevelGrid.h
+    operations/Neighbourhood.h
+    operations/NeighbourhoodPass.h
+    operations/PlateFlood.h
+    operations/RebuildModel.h
+    operations/SurfacePasses.h
     triangles/BoxesOfStack.h
     triangles/ByteReader.h
+    triangles/Lanes.h
+    triangles/PackWorldTriangles.h
+    triangles/PackedTriangles.h
     triangles/StlFormats.h
     triangles/TextNumbers.h
+    triangles/TriangleConditions.h
     triangles/TrianglePieces.h
-    triangles/TriangleRaster.h)
+    triangles/TriangleRaster.h
+    visibility/AxisCarrier.h
+    visibility/BoxSweep.h
+    visibility/Sight.h
+    visibility/SightMask.h
+    visibility/SightSphere.h
+    visibility/StackView.h
+    visibility/ValueCarrier.h
+    visibility/VisibilitySweep.h)

@@ -30,7 +30,11 @@
 #include "brix/triangles/Voxelization.h"
 
 #include "brix/operations/BasicOperations.h"
+#include "brix/operations/FillOperations.h"
+#include "brix/operations/ProximityOperations.h"
+#include "brix/operations/SliceRows.h"
 #include "brix/operations/SolidOperations.h"
 #include "brix/operations/SurfaceOperations.h"
 
 #include "brix/travel/PathModel.h"
+#include "brix/visibility/Visibility.h"

@@ -10,18 +10,14 @@ namespace {
 
 constexpr double RadiansPerDegree = 0.017453292519943295;
 
-// World points are moved up by this many level-0 voxels before truncation, which makes truncation a floor for all of them that
-// matter; the same distance in base units is taken off afterwards.
-constexpr double TruncationBias = 70000.0;
-constexpr std::int64_t TruncationBiasUnits = 2800000000;
-
 // Every double in here converts to a 64-bit integer, and taking the bias off cannot overflow. NaN becomes the lower bound.
 std::int64_t TruncateBiased(double biasedUnits)
 {
     constexpr double limit = static_cast<double>(MaxCoordinate);
-    if (!(biasedUnits > -limit)) return -MaxCoordinate;
-    if (biasedUnits >= limit) return MaxCoordinate;
-    return NearestCoordinate(static_cast<std::int64_t>(biasedUnits) - TruncationBiasUnits);
+    const double atLeast = biasedUnits > -limit ? biasedUnits : -limit; // NaN is not greater
+    const double within = atLeast < limit ? atLeast : limit;
+    const std::int64_t units = static_cast<std::int64_t>(within) - Axes::TruncationBiasUnits;
+    return within == limit ? MaxCoordinate : std::max(units, -MaxCoordinate);
 }
 
 // The lower corner of voxel `index` along an axis, without overflow for any index.
@@ -73,13 +69,13 @@ std::array<double, 3> Axes::ToWorldCoordinates(const Triple& coords) const
 
 Triple Axes::FromWorldCoordinates(const std::array<double, 3>& worldCoords) const
 {
-    const double offset = TruncationBias * worldVoxelSpacing0_;
-    const double dx = worldCoords[0] - worldVoxelOrigin_[0];
-    const double dy = worldCoords[1] - worldVoxelOrigin_[1];
-    const double dz = worldCoords[2] - worldVoxelOrigin_[2];
-    return {TruncateBiased((cosRotation_ * dx + sinRotation_ * dy + offset) * unitsPerWorld_),
-            TruncateBiased((-sinRotation_ * dx + cosRotation_ * dy + offset) * unitsPerWorld_),
-            TruncateBiased((dz + offset) * unitsPerWorld_)};
+    const Conversion by = WorldConversion();
+    const double dx = worldCoords[0] - by.origin[0];
+    const double dy = worldCoords[1] - by.origin[1];
+    const double dz = worldCoords[2] - by.origin[2];
+    return {TruncateBiased((by.cos * dx + by.sin * dy + by.bias) * by.unitsPerWorld),
+            TruncateBiased((-by.sin * dx + by.cos * dy + by.bias) * by.unitsPerWorld),
+            TruncateBiased((dz + by.bias) * by.unitsPerWorld)};
 }
 
 Triple Axes::ContainingVoxel(const Triple& coords, std::int64_t voxelLOD) const

@@ -43,6 +43,28 @@ public:
     /// all valid Extents, which report them.
     Triple FromWorldCoordinates(const std::array<double, 3>& worldCoords) const;
 
+    /// What FromWorldCoordinates computes with, for code that converts many points at once: with d = point - origin,
+    ///   u = trunc((cos * d.x + sin * d.y + bias) * unitsPerWorld) - TruncationBiasUnits
+    ///   v = trunc((-sin * d.x + cos * d.y + bias) * unitsPerWorld) - TruncationBiasUnits
+    ///   w = trunc((d.z + bias) * unitsPerWorld) - TruncationBiasUnits
+    struct Conversion
+    {
+        std::array<double, 3> origin;
+        double sin;
+        double cos;
+        double bias;
+        double unitsPerWorld;
+    };
+    Conversion WorldConversion() const
+    {
+        return {worldVoxelOrigin_, sinRotation_, cosRotation_, TruncationBias * worldVoxelSpacing0_, unitsPerWorld_};
+    }
+
+    /// World points are moved up by this many level-0 voxels before truncation, which makes truncation a floor for all of them that
+    /// matter; the same distance in base units is taken off afterwards.
+    static constexpr double TruncationBias = 70000.0;
+    static constexpr std::int64_t TruncationBiasUnits = 2800000000;
+
     /// Indices at a level of the voxel that holds a base-unit point: floor(coordinate / voxel size). The level acts on x and y.
     Triple ContainingVoxel(const Triple& coords, std::int64_t voxelLOD) const;
 

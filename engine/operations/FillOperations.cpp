@@ -202,7 +202,8 @@ template <Side side> void Flood::SpreadStacked(std::size_t number, Growth& growt
         pending &= ~(Heights{1} << start);
         const Plate& reached = RunAt(stack, start).reached;
         if (const Heights others = stack.starts & beyond(start); others == 0)
-            EnterRuns(side == Side::Upper ? number + perLayer_ : number - perLayer_, side == Side::Upper ? UpTo(0) : From(63), reached);
+            EnterRuns(side == Side::Upper ? number + perLayer_ : number - perLayer_, side == Side::Upper ? UpTo(0) : From(63),
+                      reached);
         else if (const std::int64_t neighbour = next(others); (stack.unsettled >> neighbour & 1) != 0)
             EnterRun(stack, neighbour, reached);
         runs = (stack.entered | pending) & beyond(start);
@@ -261,7 +262,8 @@ Plate FilledOrReached(const Run& run) { return ~run.open | run.reached; }
 Plate NotReached(const Run& run) { return ~run.reached; }
 
 // Floods the finest level of a model from where enter(flood) lets it in.
-template <class Enter, class Rule> VoxelModel<bool> FillByFlood(const VoxelModel<bool>& model, const Enter& enter, const Rule& rule)
+template <class Enter, class Rule>
+VoxelModel<bool> FillByFlood(const VoxelModel<bool>& model, const Enter& enter, const Rule& rule)
 {
     LevelGrid grid(model, model.ExtentsRef(model.FinestLOD()));
     Flood flood(grid);
@@ -277,17 +279,20 @@ VoxelModel<bool> FillFromPoint(const VoxelModel<bool>& voxelModel, const std::ar
     const Triple voxel = voxelModel.AxesRef().ContainingVoxel(pointCoords, voxelModel.FinestLOD());
     const ConstVoxelIterator start = voxelModel.FindVoxel(voxel, voxelModel.FinestLOD());
     if (!start.IsValid() || start.Value()) return voxelModel;
-    return FillByFlood(voxelModel, [&](Flood& flood) { flood.EnterVoxel(voxel); }, FilledOrReached);
+    return FillByFlood(
+        voxelModel, [&](Flood& flood) { flood.EnterVoxel(voxel); }, FilledOrReached);
 }
 
 VoxelModel<bool> FillExposedRegions(const VoxelModel<bool>& voxelModel)
 {
-    return FillByFlood(voxelModel, [](Flood& flood) { flood.EnterFaces(); }, FilledOrReached);
+    return FillByFlood(
+        voxelModel, [](Flood& flood) { flood.EnterFaces(); }, FilledOrReached);
 }
 
 VoxelModel<bool> FillEnclosedRegions(const VoxelModel<bool>& voxelModel)
 {
-    return FillByFlood(voxelModel, [](Flood& flood) { flood.EnterFaces(); }, NotReached);
+    return FillByFlood(
+        voxelModel, [](Flood& flood) { flood.EnterFaces(); }, NotReached);
 }
 
 } // namespace brix

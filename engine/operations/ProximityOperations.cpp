@@ -13,7 +13,8 @@ namespace {
 // Beyond every distance between a voxel of a model and the voxel of any 64-bit point, and small enough to be added to both.
 constexpr std::int64_t FarAway = std::int64_t{1} << 60;
 
-template <Axis axis> inline constexpr std::int64_t StackLength = axis == Axis::Z ? VoxelStack<bool>::Height : VoxelStack<bool>::Side;
+template <Axis axis>
+inline constexpr std::int64_t StackLength = axis == Axis::Z ? VoxelStack<bool>::Height : VoxelStack<bool>::Side;
 
 // The voxels of a stack on the line along an axis through one of its voxels; bit i is the voxel with offset i on that axis.
 template <Axis axis> std::uint64_t LineOfStack(const VoxelStack<bool>& stack, const Triple& offset)
@@ -27,7 +28,8 @@ template <Axis axis> std::uint64_t LineOfStack(const VoxelStack<bool>& stack, co
         return line;
     } else {
         const VoxelPlate<bool>& plate = stack.LayerVoxelPlateRef(stack.LayerID(offset[2]));
-        return axis == Axis::X ? plate.Row(static_cast<std::size_t>(offset[1])) : plate.Column(static_cast<std::size_t>(offset[0]));
+        return axis == Axis::X ? plate.Row(static_cast<std::size_t>(offset[1]))
+                               : plate.Column(static_cast<std::size_t>(offset[0]));
     }
 }
 
@@ -54,19 +56,18 @@ std::optional<std::int64_t> FirstFilled(const VoxelModel<bool>& model, Triple vo
     return std::nullopt;
 }
 
-// The index along an axis of the filled voxel nearest to a coordinate, among those of the line through `voxel` with indices
-// lower..upper. The search goes both ways from the voxel of the coordinate or, when that is not one of them, the nearest to it.
+// The index along an axis of the filled voxel whose centre is nearest to a coordinate of the voxel `voxel`, the lower one of two;
+// among those of the line through that voxel with the indices lower..upper, of which it is one.
 template <Axis axis>
-std::optional<std::int64_t> NearestOnLine(const VoxelModel<bool>& model, Triple voxel, std::int64_t coordinate, std::int64_t lower,
-                                          std::int64_t upper)
+std::optional<std::int64_t> NearestOnLine(const VoxelModel<bool>& model, const Triple& voxel, std::int64_t coordinate,
+                                          std::int64_t lower, std::int64_t upper)
 {
     constexpr auto along = static_cast<std::size_t>(axis);
-    if (lower > upper) return std::nullopt;
-    voxel[along] = std::clamp(voxel[along], lower, upper);
-    const auto below = FirstFilled<axis, Side::Lower>(model, voxel, lower);
+    Triple voxelBelow = voxel;
+    --voxelBelow[along];
+    const auto below = FirstFilled<axis, Side::Lower>(model, voxelBelow, lower);
     const auto above = FirstFilled<axis, Side::Upper>(model, voxel, upper);
     if (!below || !above) return below ? below : above;
-    if (*below == *above) return below; // also where the coordinate is too far away for distances
     const std::int64_t size = model.AxesRef().VoxelSize(model.FinestLOD())[along];
     const std::int64_t distanceBelow = coordinate - (*below * size + size / 2);
     const std::int64_t distanceAbove = *above * size + size / 2 - coordinate;
@@ -87,6 +88,12 @@ ConstVoxelIterator NearestFilledAlong(const VoxelModel<bool>& model, const Tripl
     Triple voxel = model.AxesRef().ContainingVoxel(point, lod);
     const std::int64_t lower = std::max(voxel[along] - std::min(lowerOffset, FarAway), extents.LowerIndices()[along]);
     const std::int64_t upper = std::min(voxel[along] + std::min(upperOffset, FarAway), extents.UpperIndices()[along]);
+    if (lower > upper) return ConstVoxelIterator(model, lod);
+
+    // From a point outside the extents the search starts in the first voxel that it meets, and finds nothing on the other side.
+    voxel[along] = std::clamp(voxel[along], lower, upper);
+    const ConstVoxelIterator start = model.FindVoxel(voxel, lod);
+    if (!start.IsValid() || start.Value()) return start;
     const auto nearest = NearestOnLine<axis>(model, voxel, point[along], lower, upper);
     if (!nearest) return ConstVoxelIterator(model, lod);
     voxel[along] = *nearest;
@@ -98,8 +105,7 @@ ConstVoxelIterator NearestFilledAlong(const VoxelModel<bool>& model, const Tripl
 // a step from diameter 4 on and one more from 11, 15, 19, ... on. (The one for diameter 2 finds no corner to fill.)
 struct Octagon
 {
-    explicit Octagon(std::int64_t diameter)
-        : reach((diameter - 1) / 2), sum(reach + (diameter < 4 ? 0 : 1 + (diameter - 7) / 4))
+    explicit Octagon(std::int64_t diameter) : reach((diameter - 1) / 2), sum(reach + (diameter < 4 ? 0 : 1 + (diameter - 7) / 4))
     {}
 
     std::int64_t HalfWidth(std::int64_t dy) const { return std::min(reach, sum - std::abs(dy)); }

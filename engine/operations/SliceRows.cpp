@@ -22,7 +22,8 @@ template <Axis fixed, class Visit> void ForEachSliceWord(const VoxelStack<bool>&
     } else {
         for (std::int32_t layer = 0; layer < stack.LayerCount(); ++layer) {
             const VoxelPlate<bool>& plate = stack.LayerVoxelPlateRef(layer);
-            visit(stack.LowerOffset(layer), stack.UpperOffset(layer), fixed == Axis::X ? plate.Column(offset) : plate.Row(offset));
+            visit(stack.LowerOffset(layer), stack.UpperOffset(layer),
+                  fixed == Axis::X ? plate.Column(offset) : plate.Row(offset));
         }
     }
 }
@@ -57,8 +58,7 @@ Rows RowsAtSlice(const VoxelModel<bool>& model, std::int64_t sliceIndex, std::in
     RequireLevelOf(model.FinestLOD(), "The level of detail for row data retrieval", lod);
     const Extents& extents = model.ExtentsRef(lod);
     const Triple size = Plus(Minus(extents.UpperIndices(), extents.LowerIndices()), {1, 1, 1});
-    Rows rows(static_cast<std::size_t>(size[RowAxis<fixed>]),
-              std::vector<bool>(static_cast<std::size_t>(size[BitAxis<fixed>])));
+    Rows rows(static_cast<std::size_t>(size[RowAxis<fixed>]), std::vector<bool>(static_cast<std::size_t>(size[BitAxis<fixed>])));
 
     Triple voxel = extents.LowerIndices();
     voxel[SliceAxis<fixed>] = sliceIndex;
@@ -67,9 +67,9 @@ Rows RowsAtSlice(const VoxelModel<bool>& model, std::int64_t sliceIndex, std::in
     Triple upperChunk = model.UpperChunkIndices();
     lowerChunk[SliceAxis<fixed>] = upperChunk[SliceAxis<fixed>] = ChunkOfVoxel(voxel, lod)[SliceAxis<fixed>];
     ForEachTriple(lowerChunk, upperChunk, [&](const Triple& chunk) {
-        ForEachStackOfStore(
-            model.ChunkRef(chunk).VoxelStoreRef(lod),
-            [&](const VoxelStore<bool>& store, const StackIndices& ij) { AddStack<fixed>(rows, store, ij, sliceIndex); });
+        ForEachStackOfStore(model.ChunkRef(chunk).VoxelStoreRef(lod), [&](const VoxelStore<bool>& store, const StackIndices& ij) {
+            AddStack<fixed>(rows, store, ij, sliceIndex);
+        });
     });
 
     if (reverseRowOrder) std::reverse(rows.begin(), rows.end());

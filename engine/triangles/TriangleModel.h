@@ -15,6 +15,12 @@ constexpr LatticeTriangle NearestTriangle(LatticeTriangle triangle)
     return triangle;
 }
 
+/// The corners x, y, z, x, y, z, x, y, z of a triangle in base units, half as large as a LatticeTriangle. It spans at most half a
+/// chunk's width, as all triangles do that are filed, and its coordinates lie within +-MaxPackedCoordinate: the grid ends at
+/// 1000320000, half a chunk beyond which a filed triangle may reach, and the difference of two coordinates fits 32 bits.
+using PackedTriangle = std::array<std::int32_t, 9>;
+inline constexpr std::int32_t MaxPackedCoordinate = 1001000000;
+
 /// The triangles that concern one chunk.
 class TriangleChunk
 {
@@ -23,13 +29,41 @@ public:
 
     /// Appends a triangle (base units) as it stands, whether it concerns the chunk or not. Corners farther than MaxCoordinate from
     /// the origin are moved to that bound.
-    void AddTriangle(const LatticeTriangle& triangle) { triangles_.push_back(NearestTriangle(triangle)); }
+    void AddTriangle(const LatticeTriangle& triangle);
 
-    const std::vector<LatticeTriangle>& TrianglesRef() const { return triangles_; }
+    void AddTriangle(const PackedTriangle& triangle)
+    {
+        if (blocks_.empty() || blocks_.back().size() == BlockSize) AddBlock();
+        blocks_.back().push_back(triangle);
+    }
+
+    bool IsEmpty() const { return blocks_.empty() && large_.empty(); }
+
+    /// Calls visit(triangle) for every triangle that is packed, in the order of their addition, then visitLarge(triangle) for the
+    /// others, which span or lie too far for that; filing makes none.
+    template <class Visit, class VisitLarge> void ForEachTriangle(const Visit& visit, const VisitLarge& visitLarge) const;
+
+    /// A copy of all triangles, in the order of ForEachTriangle.
+    std::vector<LatticeTriangle> Triangles() const;
 
 private:
-    std::vector<LatticeTriangle> triangles_;
+    // A block takes 36 KiB. A list of triangles that grew as a whole would be copied again and again.
+    static constexpr std::size_t BlockSize = 1024;
+
+    void AddBlock();
+
+    std::vector<std::vector<PackedTriangle>> blocks_;
+    std::vector<LatticeTriangle> large_;
 };
+
+template <class Visit, class VisitLarge>
+void TriangleChunk::ForEachTriangle(const Visit& visit, const VisitLarge& visitLarge) const
+{
+    for (const std::vector<PackedTriangle>& block : blocks_) {
+        for (const PackedTriangle& triangle : block) visit(triangle);
+    }
+    for (const LatticeTriangle& triangle : large_) visitLarge(triangle);
+}
 
 class TriangleModel : public Model<TriangleChunk>
 {
@@ -45,6 +79,9 @@ public:
     /// is cut into four at the midpoints of its edges first, as often as needed. What lies outside the grid is dropped. Corners
     /// farther than MaxCoordinate from the origin are moved to that bound. Cost: bounded by the grid, not by the triangle.
     void AddTriangle(const LatticeTriangle& triangle);
+
+private:
+    class Filing;
 };
 
 } // namespace brix

@@ -1,380 +1,272 @@
 #include "TriangleRaster.h"
 
+#include <numeric>
+
 namespace brix {
+
 namespace {
 
 using Plate = VoxelPlate<bool>;
 using Stack = VoxelStack<bool>;
-using Row = std::uint16_t;
 
-// A window is 16 columns wide in x and y and may have any number of heights.
-constexpr std::int64_t WindowSide = 16;
+constexpr std::int32_t PlateSide = 16;
+constexpr std::int32_t HalfSide = 8;
 
-// floor(value / divisor), exact where it lies within +-limit and otherwise at or beyond the limit on the same side. The estimate in
-// doubles is off by less than one; the remainder, in integers, tells which way.
-template <std::int64_t limit> std::int64_t FloorWithin(std::int64_t value, std::int64_t divisor, double reciprocal)
+Plate* WritablePlates(Stack& stack)
 {
-    constexpr auto bound = static_cast<double>(limit + 1);
-    const double estimate = std::min(std::max(static_cast<double>(value) * reciprocal, -bound), bound);
-    const std::int64_t quotient = static_cast<std::int64_t>(estimate + (bound + 1)) - (limit + 2); // truncates a positive number
-    const std::int64_t remainder = value - quotient * divisor;
-    return quotient - (remainder < 0 ? 1 : 0) + (remainder >= divisor ? 1 : 0);
+    if (!stack.IsFullyDecompressed()) stack.Decompress();
+    return &stack.LayerVoxelPlateRef(0);
 }
 
-// Bits lower..upper of a row, for lower in 0..16 and upper in -1..15.
-Row Bits(std::int32_t lower, std::int32_t upper) { return static_cast<Row>((0xFFFFU << lower) & (0xFFFFU >> (15 - upper))); }
+// Half a plate: eight rows, the lowest in the lowest bits.
+__extension__ typedef unsigned __int128 EightRows;
+typedef std::uint16_t RowLanes __attribute__((vector_size(16)));
+static_assert(std::endian::native == std::endian::little && sizeof(Plate) == 2 * sizeof(EightRows));
 
-// By value: with the references of std::min and std::max the loops below are not turned into vector instructions.
-double LesserOf(double a, double b) { return a < b ? a : b; }
-double GreaterOf(double a, double b) { return a > b ? a : b; }
+// Plates are written by halves as they lie in memory. Eight rows from anywhere would be faster to write, but much slower to read
+// soon after what was written at another offset, and neighbouring triangles do that all the time.
+void FillHalf(std::byte* half, std::int32_t z, EightRows rows)
+{
+    std::byte* const atHeight = half + z * static_cast<std::ptrdiff_t>(sizeof(Plate));
+    EightRows stored;
+    std::memcpy(&stored, atHeight, sizeof stored);
+    stored |= rows;
+    std::memcpy(atHeight, &stored, sizeof stored);
+}
 
-// The inner sides of a triangle's edges in one projection, moved outwards by a voxel. The voxels i of row j are on the inner side of
-// an edge where perVoxel * i + perRow * j + base >= 0. All numbers are integers far below 2^53, so that doubles hold them exactly and
-// four rows are worked on at once.
-class EdgeRows
+// Fills eight rows that begin with row y of the first half.
+void FillHalves(const PlateHalves& halves, std::int32_t y, std::int32_t z, const RowLanes& lanes)
+{
+    const auto rows = std::bit_cast<EightRows>(lanes);
+    FillHalf(halves[0], z, rows << PlateSide * y);
+    if (halves[1] != nullptr) FillHalf(halves[1], z, rows >> PlateSide * (HalfSide - y));
+}
+
+// Fills voxels of a tile at height z: bit i of lane j is its voxel (i, j).
+void FillRows(const RasterTile& tile, std::int32_t z, const Lanes& rows)
+{
+    typedef std::uint16_t BothStacks __attribute__((vector_size(32)));
+    const std::int32_t y = tile.y & (HalfSide - 1);
+    const auto both = reinterpret_cast<BothStacks>(rows << static_cast<std::uint32_t>(tile.x & (PlateSide - 1)));
+    FillHalves(tile.halves, y, z, __builtin_shufflevector(both, both, 0, 2, 4, 6, 8, 10, 12, 14));
+    if (tile.halvesOfNextX[0] == nullptr) return;
+    FillHalves(tile.halvesOfNextX, y, z, __builtin_shufflevector(both, both, 1, 3, 5, 7, 9, 11, 13, 15));
+}
+
+// Fills what a triangle touches of a tile. Rows of columns are found from the last column back; `PlaneRows` is the plane's numbers.
+template <class PlaneRows, ThickAlong thick> class TileFilling
 {
 public:
-    EdgeRows() = default;
+    TileFilling(const Conditions<thick>& conditions, const RasterBox& box, const RasterTile& tile)
+        : conditions_(conditions),
+          box_(box),
+          tile_(tile),
+          groups_(Groups(tile.columns)),
+          firstX_(tile.x - box.lower[0]),
+          lastX_(firstX_ + groups_ * GroupSize - 1),
+          y_(tile.y - box.lower[1])
+    {}
 
-    // Projects on the axes a (along rows) and b (across them). The edges turn about the triangle with the sign of its normal's
-    // component across the projection; `isReversed` says that it turns the other way.
-    EdgeRows(const LatticeTriangle& corners, std::size_t a, std::size_t b, bool isReversed, const Triple& size)
+    void Run() const
     {
-        const std::int64_t sign = isReversed ? -1 : 1;
-        for (std::size_t edge = 0; edge < 3; ++edge) {
-            const Triple& from = corners[edge];
-            const Triple& to = corners[(edge + 1) % 3];
-            const std::int64_t normalA = (from[b] - to[b]) * sign;
-            const std::int64_t normalB = (to[a] - from[a]) * sign;
-            const std::int64_t reach =
-                std::max<std::int64_t>(normalA, 0) * size[a] + std::max<std::int64_t>(normalB, 0) * size[b];
-            Set(edge, static_cast<double>(normalA * size[a]), static_cast<double>(normalB * size[b]),
-                static_cast<double>(reach - normalA * from[a] - normalB * from[b]));
+        Lanes rows = tile_.rows;
+        if constexpr (Conditions<thick>::HasXY) {
+            Lanes outside;
+            ProjectionLanes(conditions_.xy, lastX_, y_).OutsideUpToHere(groups_, outside);
+            rows &= ~outside;
         }
-    }
+        if constexpr (thick == ThickAlong::XY) return FillRows(tile_, box_.lowerFilled[2], rows);
 
-    // rows[k] becomes the voxels 0..lastVoxel of row firstRow + k that are on the inner side of all edges, voxel 0 being voxel
-    // firstVoxel of the projection. Writes `count` rows, rounded up to a multiple of four, at most 64.
-    void Write(Row* rows, std::int64_t count, std::int64_t firstVoxel, std::int64_t firstRow, std::int64_t lastVoxel) const
-    {
-        Bounds bounds;
-        const std::size_t padded = (static_cast<std::size_t>(count) + 3) & ~std::size_t{3};
-        for (std::size_t k = 0; k < padded; ++k) {
-            bounds.lower[k] = 0;
-            bounds.upper[k] = static_cast<double>(lastVoxel);
-        }
-        for (std::size_t edge = 0; edge < 3; ++edge) {
-            const double value = base_[edge] + perVoxel_[edge] * static_cast<double>(firstVoxel) +
-                                 perRow_[edge] * static_cast<double>(firstRow);
-            Narrow(edge, value, bounds, padded);
-        }
-        for (std::size_t k = 0; k < padded; ++k) {
-            rows[k] = Bits(static_cast<std::int32_t>(LesserOf(bounds.lower[k], 16.0)),
-                           static_cast<std::int32_t>(GreaterOf(bounds.upper[k], -1.0)));
-        }
+        for (std::int32_t z = box_.lowerFilled[2]; z <= box_.upperFilled[2]; z += LaneCount)
+            FillHeights(rows, z, std::min(z + LaneCount - 1, box_.upperFilled[2]));
     }
 
 private:
-    struct Bounds
+    // Only in large boxes are there tiles that the plane misses.
+    bool PlaneReaches(std::int32_t z, std::int32_t lastZ) const
     {
-        Bounds() {} // written before they are read
-        std::array<double, Stack::Height> lower;
-        std::array<double, Stack::Height> upper;
-    };
-
-    void Set(std::size_t edge, double perVoxel, double perRow, double base)
-    {
-        perVoxel_[edge] = perVoxel;
-        perRow_[edge] = perRow;
-        base_[edge] = base;
-        divisor_[edge] = std::abs(perVoxel);
-        reciprocal_[edge] = 1.0 / divisor_[edge];
-        lowerFactor_[edge] = perVoxel > 0 ? -1.0 : 0.0;
-        upperFactor_[edge] = perVoxel > 0 ? 0.0 : 1.0;
-        upperOffset_[edge] = perVoxel > 0 ? 15.0 : 0.0;
-        if (perVoxel != 0) return;
-        base_[edge] +=
-            0.5; // all of a row or nothing: 0.5 and more becomes an upper bound beyond the row, -0.5 and less one before it
-        reciprocal_[edge] = 64.0;
+        if constexpr (!std::is_same_v<PlaneRows, WidePlaneLanes>) return true;
+        return conditions_.plane.Reaches({firstX_, y_, z}, {firstX_ + tile_.columns - 1, y_ + LaneCount - 1, lastZ});
     }
 
-    // Narrows the bounds of `count` rows, the first of which has `value` at its voxel 0: i >= -value / divisor or i <= value /
-    // divisor. The quotient is rounded by way of a sum whose last bit is one; the remainder then makes it a floor.
-    void Narrow(std::size_t edge, double value, Bounds& bounds, std::size_t count) const
+    // Fills up to eight heights, given the rows that the xy projection leaves.
+    void FillHeights(const Lanes& rowsOfXY, std::int32_t lowerZ, std::int32_t upperZ) const
     {
-        constexpr double lastBitIsOne = 6755399441055744.0; // 1.5 * 2^52
-        const double perRow = perRow_[edge];
-        const double divisor = divisor_[edge];
-        const double reciprocal = reciprocal_[edge];
-        const double lowerFactor = lowerFactor_[edge];
-        const double upperFactor = upperFactor_[edge];
-        const double upperOffset = upperOffset_[edge];
-        for (std::size_t k = 0; k < count; ++k) {
-            const double ofRow = value + perRow * static_cast<double>(static_cast<std::int32_t>(k));
-            const double estimate = LesserOf(GreaterOf(ofRow * reciprocal, -17.0), 17.0);
-            const double rounded = (estimate + lastBitIsOne) - lastBitIsOne;
-            const double remainder = ofRow - rounded * divisor;
-            const double bound = rounded - (remainder < 0 ? 1.0 : 0.0) + (remainder >= divisor ? 1.0 : 0.0);
-            bounds.lower[k] = GreaterOf(bounds.lower[k], bound * lowerFactor);
-            bounds.upper[k] = LesserOf(bounds.upper[k], bound * upperFactor + upperOffset);
+        const std::int32_t z = lowerZ - box_.lower[2];
+        if (!PlaneReaches(z, upperZ - box_.lower[2])) return;
+
+        std::array<std::uint32_t, LaneCount> outsideXZ;
+        ProjectionLanes zy;
+        PlaneRows plane;
+        if constexpr (Conditions<thick>::HasXZ) {
+            Lanes outside;
+            ProjectionLanes(conditions_.xz, lastX_, z).OutsideUpToHere(groups_, outside);
+            std::memcpy(&outsideXZ, &outside, sizeof outside);
+        }
+        if constexpr (Conditions<thick>::HasYZ) zy = ProjectionLanes(conditions_.zy, z, y_);
+        if constexpr (Conditions<thick>::HasPlane) plane = PlaneRows(conditions_.plane, {lastX_, y_, z});
+
+        for (std::int32_t height = lowerZ; height <= upperZ; ++height) {
+            Lanes rows = rowsOfXY;
+            Lanes outside;
+            if constexpr (Conditions<thick>::HasXZ) rows &= ~outsideXZ[static_cast<std::size_t>(height - lowerZ)];
+            if constexpr (Conditions<thick>::HasYZ) {
+                zy.Outside(outside);
+                zy.ToNext();
+                rows &= ~outside;
+            }
+            if constexpr (Conditions<thick>::HasPlane) {
+                plane.BesideUpToHere(groups_, outside);
+                plane.ToNextHeight();
+                rows &= ~outside;
+            }
+            FillRows(tile_, height, rows);
         }
     }
 
-    std::array<double, 3> perVoxel_;
-    std::array<double, 3> perRow_;
-    std::array<double, 3> base_;
-    std::array<double, 3> divisor_;
-    std::array<double, 3> reciprocal_;
-    std::array<double, 3> lowerFactor_; // a lower bound is -bound, or 0 where the edge bounds rows above
-    std::array<double, 3> upperFactor_; // an upper bound is bound, or 15 where the edge bounds rows below
-    std::array<double, 3> upperOffset_;
+    const Conditions<thick>& conditions_;
+    const RasterBox& box_;
+    const RasterTile& tile_;
+    std::int32_t groups_;
+    std::int32_t firstX_; // of the tile and the end of its last group, counted from the box's corner
+    std::int32_t lastX_;
+    std::int32_t y_;
 };
-
-// The triangle's plane. A voxel at index p touches it when normal * p reaches both: highest >= 0 and lowest <= 0, the values of the
-// plane's equation at the voxel's corners farthest above and below.
-class PlaneRows
-{
-public:
-    PlaneRows() = default;
-
-    PlaneRows(const LatticeTriangle& corners, const Triple& normal, const Triple& size)
-    {
-        for (std::size_t i = 0; i < 3; ++i) {
-            step_[i] = normal[i] * size[i];
-            highest_ += std::max<std::int64_t>(step_[i], 0) - normal[i] * corners[0][i];
-            lowest_ += std::min<std::int64_t>(step_[i], 0) - normal[i] * corners[0][i];
-        }
-        divisor_ = std::abs(step_[0]);
-        reciprocal_ = 1.0 / static_cast<double>(divisor_);
-    }
-
-    // Whether any voxel of the box lower..upper can touch the plane.
-    bool Reaches(const Triple& lower, const Triple& upper) const
-    {
-        std::int64_t most = highest_;
-        std::int64_t least = lowest_;
-        for (std::size_t i = 0; i < 3; ++i) {
-            most += step_[i] * (step_[i] > 0 ? upper[i] : lower[i]);
-            least += step_[i] * (step_[i] > 0 ? lower[i] : upper[i]);
-        }
-        return most >= 0 && least <= 0;
-    }
-
-    // The voxels of a row that touch the plane, voxel 0 being `voxel`; `candidates` are some adjacent voxels of the row.
-    Row Keep(Row candidates, const Triple& voxel) const
-    {
-        const std::int64_t value = step_[0] * voxel[0] + step_[1] * voxel[1] + step_[2] * voxel[2];
-        const std::int64_t atFirst = value + step_[0] * std::countr_zero(candidates);
-        const std::int64_t atLast = value + step_[0] * (std::bit_width(candidates) - 1);
-        if (std::min(atFirst, atLast) + highest_ >= 0 && std::max(atFirst, atLast) + lowest_ <= 0) return candidates;
-        return candidates & RowAt(value);
-    }
-
-private:
-    // In the direction in which the normal grows, the first voxel is the one that reaches the plane from below.
-    Row RowAt(std::int64_t value) const
-    {
-        if (step_[0] == 0) return value + highest_ >= 0 && value + lowest_ <= 0 ? Row{0xFFFF} : Row{0};
-        const bool isGrowing = step_[0] > 0;
-        const std::int64_t untilLower = isGrowing ? value + highest_ : -(value + lowest_);
-        const std::int64_t untilUpper = isGrowing ? -(value + lowest_) : value + highest_;
-        const std::int64_t lower = -FloorWithin<17>(untilLower, divisor_, reciprocal_);
-        const std::int64_t upper = FloorWithin<17>(untilUpper, divisor_, reciprocal_);
-        return Bits(static_cast<std::int32_t>(std::clamp<std::int64_t>(lower, 0, 16)),
-                    static_cast<std::int32_t>(std::clamp<std::int64_t>(upper, -1, 15)));
-    }
-
-    Triple step_{};
-    std::int64_t highest_ = 0;
-    std::int64_t lowest_ = 0;
-    std::int64_t divisor_;
-    double reciprocal_;
-};
-
-Triple Normal(const LatticeTriangle& corners)
-{
-    const Triple e0 = Minus(corners[1], corners[0]);
-    const Triple e1 = Minus(corners[2], corners[0]);
-    return {e0[1] * e1[2] - e0[2] * e1[1], e0[2] * e1[0] - e0[0] * e1[2], e0[0] * e1[1] - e0[1] * e1[0]};
-}
 
 } // namespace
 
-// What a triangle asks of a voxel. Where its box is one voxel thick along an axis, the conditions that involve that axis hold for all
-// voxels of the box and are left out; many triangles of a fine mesh are small enough for that.
-struct TriangleRaster::Conditions
-{
-    // Corners in base units from the lower corner of the box of voxels lowerVoxel..upperVoxel, which is not clipped yet.
-    Conditions(const LatticeTriangle& corners, const Triple& lowerVoxel_, const Triple& upperVoxel, const Triple& size)
-        : lowerVoxel(lowerVoxel_)
-    {
-        const bool spansX = lowerVoxel[0] < upperVoxel[0];
-        const bool spansY = lowerVoxel[1] < upperVoxel[1];
-        const bool spansZ = lowerVoxel[2] < upperVoxel[2];
-        hasXY = spansX && spansY;
-        hasYZ = spansY && spansZ;
-        hasXZ = spansX && spansZ;
-        hasPlane = hasXY && hasYZ;
-        const Triple normal = Normal(corners);
-        if (hasXY) xy = EdgeRows(corners, 0, 1, normal[2] < 0, size);
-        if (hasYZ) yz = EdgeRows(corners, 1, 2, normal[0] < 0, size);
-        if (hasXZ) xz = EdgeRows(corners, 0, 2, normal[1] >= 0, size); // z, x is the cyclic order
-        if (hasPlane) plane = PlaneRows(corners, normal, size);
-    }
-
-    Triple lowerVoxel;
-    bool hasXY;
-    bool hasYZ;
-    bool hasXZ;
-    bool hasPlane;
-    EdgeRows xy; // rows along x, by y
-    EdgeRows yz; // rows along y, by z
-    EdgeRows xz; // rows along x, by z
-    PlaneRows plane;
-};
-
-// The plates of the up to four stacks that a window lies in.
-class TriangleRaster::Window
-{
-public:
-    Window(VoxelStore<bool>& store, const Triple& lower)
-        : store_(store),
-          stack_{lower[0] / WindowSide, lower[1] / WindowSide},
-          shift_(lower[0] % WindowSide),
-          firstY_(lower[1] % WindowSide)
-    {}
-
-    // Fills voxels of row y of the window, at height z of the chunk.
-    void Fill(std::int64_t y, std::int64_t z, Row row)
-    {
-        const std::uint32_t bits = std::uint32_t{row} << shift_;
-        const std::int64_t upperY = (firstY_ + y) / WindowSide;
-        FillStack(0, upperY, (firstY_ + y) % WindowSide, z, static_cast<Row>(bits));
-        FillStack(1, upperY, (firstY_ + y) % WindowSide, z, static_cast<Row>(bits >> WindowSide));
-    }
-
-private:
-    void FillStack(std::int64_t upperX, std::int64_t upperY, std::int64_t y, std::int64_t z, Row row)
-    {
-        if (row == 0) return;
-        Plate*& plates = plates_[static_cast<std::size_t>(2 * upperY + upperX)];
-        if (plates == nullptr) plates = WritablePlates({stack_[0] + upperX, stack_[1] + upperY});
-        plates[z].rows[static_cast<std::size_t>(y)] |= row;
-    }
-
-    Plate* WritablePlates(const StackIndices& ij)
-    {
-        Stack& stack = store_.VoxelStackRef(ij);
-        if (!stack.IsFullyDecompressed()) stack.Decompress();
-        return &stack.LayerVoxelPlateRef(0);
-    }
-
-    VoxelStore<bool>& store_;
-    StackIndices stack_;
-    std::int64_t shift_;
-    std::int64_t firstY_;
-    std::array<Plate*, 4> plates_{};
-};
-
-TriangleRaster::TriangleRaster(VoxelStore<bool>& store, const Triple& voxelSize) : store_(store), size_(voxelSize)
+TriangleRaster::TriangleRaster(VoxelStore<bool>& store, const Triple& voxelSize)
+    : store_(store),
+      size_{},
+      perSize_{},
+      origin_{},
+      lowerInExtents_{},
+      upperInExtents_{},
+      stacksPerRow_(static_cast<std::uint32_t>(store.StacksPerRow())),
+      plates_(stacksPerRow_ * stacksPerRow_)
 {
     const Triple corner = store.LowerIndices();
     const std::int64_t width = Stack::Side * store.StacksPerRow();
-    const Triple voxels{width, width, Stack::Height};
-    for (std::size_t i = 0; i < 3; ++i) {
-        origin_[i] = corner[i] * size_[i];
-        end_[i] = origin_[i] + voxels[i] * size_[i];
-        reciprocalSize_[i] = 1.0 / static_cast<double>(size_[i]);
+    const Triple lastVoxel{width - 1, width - 1, Stack::Height - 1};
+    const Triple lower = Highest(Minus(store.ExtentsRef().LowerIndices(), corner), {0, 0, 0});
+    const Triple upper = Lowest(Minus(store.ExtentsRef().UpperIndices(), corner), lastVoxel);
+    const std::int64_t unit = std::gcd(voxelSize[0], voxelSize[2]);
+    sizes_ = {Quad{}, static_cast<std::int32_t>(unit), 1.0 / static_cast<double>(unit)};
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+        const auto i = static_cast<int>(axis);
+        size_[i] = static_cast<std::int32_t>(voxelSize[axis]);
+        perSize_[i] = 1.0 / static_cast<double>(voxelSize[axis]);
+        sizes_.inUnits[i] = static_cast<std::int32_t>(voxelSize[axis] / unit);
+        origin_[i] = static_cast<std::int32_t>(corner[axis] * voxelSize[axis]);
+        lowerInExtents_[i] = static_cast<std::int32_t>(lower[axis]);
+        upperInExtents_[i] = static_cast<std::int32_t>(upper[axis]);
     }
-    lowerInExtents_ = Highest(Minus(store.ExtentsRef().LowerIndices(), corner), {0, 0, 0});
-    upperInExtents_ = Lowest(Minus(store.ExtentsRef().UpperIndices(), corner), Minus(voxels, {1, 1, 1}));
+    mostVoxelsOfNarrowPlane_ = PlaneLanes::MostVoxels(sizes_);
 }
 
-void TriangleRaster::Fill(const std::vector<LatticeTriangle>& triangles, InstructionSet instructionSet)
+void TriangleRaster::Fill(const TriangleChunk& triangles, InstructionSet instructionSet)
 {
     RunWith(instructionSet, [&] {
-        for (const LatticeTriangle& triangle : triangles) Fill(triangle);
+        triangles.ForEachTriangle([&](const PackedTriangle& triangle) { Fill(triangle); },
+                                  [&](const LatticeTriangle& triangle) { FillLarge(triangle); });
     });
 }
 
-// Triangles are filed in pieces already. Whatever else was put into a chunk is cut and dropped here, because beyond the span of a
-// piece and the neighbourhood of its chunk the numbers of the test would exceed 64 bits.
-void TriangleRaster::Fill(const LatticeTriangle& triangle)
+// Triangles are filed in pieces already. Whatever else was put into a chunk is cut here, and dropped where it misses the chunk.
+[[gnu::noinline]] void TriangleRaster::FillLarge(const LatticeTriangle& triangle)
 {
-    const TriangleBox box(triangle);
-    if (box.Span() <= MaxPieceSpan && TouchesChunk(box)) FillPiece(triangle, box);
-    else FillInPieces(triangle);
+    const auto touches = [&](const TriangleBox& box) {
+        for (std::size_t axis = 0; axis < 3; ++axis) {
+            const auto i = static_cast<int>(axis);
+            if (box.upper[axis] < origin_[i] + std::int64_t{lowerInExtents_[i]} * size_[i]) return false;
+            if (box.lower[axis] > origin_[i] + std::int64_t{upperInExtents_[i] + 1} * size_[i]) return false;
+        }
+        return true;
+    };
+    ForEachPiece(triangle, touches, [&](const LatticeTriangle& piece, const TriangleBox&) { Fill(Packed(piece)); });
 }
 
-[[gnu::noinline]] void TriangleRaster::FillInPieces(const LatticeTriangle& triangle)
+void TriangleRaster::Fill(const PackedTriangle& triangle)
 {
-    ForEachPiece(
-        triangle, [&](const TriangleBox& box) { return TouchesChunk(box); },
-        [&](const LatticeTriangle& piece, const TriangleBox& box) { FillPiece(piece, box); });
+    const PackedCorners corners(triangle, origin_);
+    RasterBox box;
+    ContainingCell(corners.lower, perSize_, box.lower);
+    ContainingCell(corners.upper, perSize_, box.upper);
+    box.lowerFilled = box.lower;
+    box.upperFilled = box.upper;
+    KeepUpper(box.lowerFilled, lowerInExtents_);
+    KeepLower(box.upperFilled, upperInExtents_);
+    if (IsAnyOf(box.lowerFilled > box.upperFilled)) return;
+
+    const Quad isThick = (box.lower < box.upper) & Quad{1, 2, 4, 0};
+    switch (isThick[0] + isThick[1] + isThick[2]) {
+    case 3:
+        return FillTouched<ThickAlong::XY>(corners, box);
+    case 5:
+        return FillTouched<ThickAlong::XZ>(corners, box);
+    case 6:
+        return FillTouched<ThickAlong::YZ>(corners, box);
+    case 7:
+        return FillTouched<ThickAlong::XYZ>(corners, box);
+    default:
+        return FillAll(box);
+    }
 }
 
-bool TriangleRaster::TouchesChunk(const TriangleBox& box) const
+void TriangleRaster::FillAll(const RasterBox& box)
 {
-    return box.lower[0] <= end_[0] && box.upper[0] >= origin_[0] && box.lower[1] <= end_[1] && box.upper[1] >= origin_[1] &&
-           box.lower[2] <= end_[2] && box.upper[2] >= origin_[2];
+    ForEachTile(box, [&](const RasterTile& tile) {
+        for (std::int32_t z = box.lowerFilled[2]; z <= box.upperFilled[2]; ++z) FillRows(tile, z, tile.rows);
+    });
 }
 
-// A piece lies within half a chunk of its chunk, which is at most 512 voxels wide.
-Triple TriangleRaster::VoxelOf(const Triple& coords) const
+template <ThickAlong thick> void TriangleRaster::FillTouched(const PackedCorners& corners, const RasterBox& box)
 {
-    Triple voxel{};
-    for (std::size_t i = 0; i < 3; ++i) voxel[i] = FloorWithin<1024>(coords[i], size_[i], reciprocalSize_[i]);
-    return voxel;
+    const Quad corner = box.lower * size_;
+    const Conditions<thick> conditions(Corners(corners.a - corner, corners.b - corner, corners.c - corner), sizes_);
+    if constexpr (thick == ThickAlong::XYZ) {
+        const Quad size = box.upper - box.lower + 1;
+        if (std::int64_t{size[0]} * size[1] * size[2] > mostVoxelsOfNarrowPlane_) {
+            return ForEachTile(box,
+                               [&](const RasterTile& tile) { TileFilling<WidePlaneLanes, thick>(conditions, box, tile).Run(); });
+        }
+    }
+    ForEachTile(box, [&](const RasterTile& tile) { TileFilling<PlaneLanes, thick>(conditions, box, tile).Run(); });
 }
 
-void TriangleRaster::FillPiece(const LatticeTriangle& piece, const TriangleBox& box)
+template <class Visit> void TriangleRaster::ForEachTile(const RasterBox& box, const Visit& visit)
 {
-    const Triple lowerVoxel = VoxelOf(Minus(box.lower, origin_));
-    const Triple upperVoxel = VoxelOf(Minus(box.upper, origin_));
-    const Triple lower = Highest(lowerVoxel, lowerInExtents_);
-    const Triple upper = Lowest(upperVoxel, upperInExtents_);
-    if (lower[0] > upper[0] || lower[1] > upper[1] || lower[2] > upper[2]) return;
-
-    const Triple corner = Plus(origin_, {lowerVoxel[0] * size_[0], lowerVoxel[1] * size_[1], lowerVoxel[2] * size_[2]});
-    const Conditions conditions({Minus(piece[0], corner), Minus(piece[1], corner), Minus(piece[2], corner)}, lowerVoxel,
-                                upperVoxel, size_);
-    for (std::int64_t y = lower[1]; y <= upper[1]; y += WindowSide) {
-        for (std::int64_t x = lower[0]; x <= upper[0]; x += WindowSide) {
-            FillWindow(conditions, {x, y, lower[2]}, Lowest(upper, {x + WindowSide - 1, y + WindowSide - 1, upper[2]}));
+    RasterTile tile;
+    const std::int32_t lastX = box.upperFilled[0];
+    const std::int32_t lastY = box.upperFilled[1];
+    for (tile.y = box.lowerFilled[1]; tile.y <= lastY; tile.y += LaneCount) {
+        const std::int32_t rows = std::min(lastY - tile.y + 1, LaneCount);
+        const auto isInBox = reinterpret_cast<Lanes>(reinterpret_cast<SignedLanes>(LaneNumbers) < rows);
+        const bool reachesNextY = (tile.y & (HalfSide - 1)) + rows > HalfSide;
+        for (tile.x = box.lowerFilled[0]; tile.x <= lastX; tile.x += PlateSide) {
+            tile.columns = std::min(lastX - tile.x + 1, PlateSide);
+            tile.rows = isInBox & ((1U << tile.columns) - 1);
+            tile.halves = HalvesOf(tile.x, tile.y, reachesNextY);
+            const bool reachesNextX = (tile.x & (PlateSide - 1)) + tile.columns > PlateSide;
+            tile.halvesOfNextX = reachesNextX ? HalvesOf(tile.x + PlateSide, tile.y, reachesNextY) : PlateHalves{};
+            visit(tile);
         }
     }
 }
 
-// Voxels lower..upper of the chunk, at most WindowSide of them along x and y.
-void TriangleRaster::FillWindow(const Conditions& conditions, const Triple& lower, const Triple& upper)
+inline PlateHalves TriangleRaster::HalvesOf(std::int32_t x, std::int32_t y, bool reachesNext)
 {
-    const Triple first = Minus(lower, conditions.lowerVoxel);
-    const Triple last = Minus(upper, lower);
-    if (conditions.hasPlane && !conditions.plane.Reaches(first, Plus(first, last))) return;
+    return {HalfOf(x, y), reachesNext ? HalfOf(x, y + HalfSide) : nullptr};
+}
 
-    const Row allX = Bits(0, static_cast<std::int32_t>(last[0]));
-    const Row allY = Bits(0, static_cast<std::int32_t>(last[1]));
-    std::array<Row, WindowSide> rowsOfXY;
-    std::array<Row, Stack::Height> rowsOfXZ;
-    std::array<Row, Stack::Height> rowsOfYZ;
-    rowsOfXY.fill(allX);
-    if (conditions.hasXY) conditions.xy.Write(rowsOfXY.data(), last[1] + 1, first[0], first[1], last[0]);
-    if (conditions.hasXZ) conditions.xz.Write(rowsOfXZ.data(), last[2] + 1, first[0], first[2], last[0]);
-    if (conditions.hasYZ) conditions.yz.Write(rowsOfYZ.data(), last[2] + 1, first[1], first[2], last[1]);
-
-    Window window(store_, lower);
-    for (std::int64_t z = 0; z <= last[2]; ++z) {
-        const Row columns = conditions.hasXZ ? rowsOfXZ[static_cast<std::size_t>(z)] : allX;
-        if (columns == 0) continue;
-        Row ys = conditions.hasYZ ? rowsOfYZ[static_cast<std::size_t>(z)] : allY;
-        for (; ys != 0; ys &= static_cast<Row>(ys - 1)) {
-            const auto y = std::countr_zero(ys);
-            Row row = rowsOfXY[static_cast<std::size_t>(y)] & columns;
-            if (row == 0) continue;
-            if (conditions.hasPlane) row = conditions.plane.Keep(row, Plus(first, {0, y, z}));
-            window.Fill(y, lower[2] + z, row);
-        }
-    }
+// The half of the plate at height 0 that has voxel (x, y).
+inline std::byte* TriangleRaster::HalfOf(std::int32_t x, std::int32_t y)
+{
+    const std::uint32_t i = static_cast<std::uint32_t>(x) / PlateSide;
+    const std::uint32_t j = static_cast<std::uint32_t>(y) / PlateSide;
+    Plate*& plates = plates_[j * stacksPerRow_ + i];
+    if (plates == nullptr) plates = WritablePlates(store_.VoxelStackRef({i, j}));
+    return reinterpret_cast<std::byte*>(&plates->rows[static_cast<std::size_t>(y & HalfSide)]);
 }
 
 } // namespace brix

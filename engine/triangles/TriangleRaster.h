@@ -5,22 +5,46 @@
 //   - the triangle's plane does not pass the box on one side,
 //   - in each of the projections xy, yz and zx the box touches the inner side of all three edges.
 //
-// Each of these conditions is linear in the voxel's indices. Along a row of voxels it holds from one index on or up to one index, so
-// a row is found by one division per condition instead of one test per voxel:
+// Each of these conditions asks for the sign of a number that is linear in the voxel's indices. Eight rows of voxels are worked on at
+// once, a row in each lane of a vector; a column of voxels, one per lane, adds a bit to each row:
 //
-//   edge 0   ..##############   x >= 2                 The rows of the three projections are found once for a window of 16 x 16
-//   edge 1   ############....   x <= 11                columns; the voxel row (y, z) is the row y of the xy projection and the row z
-//   edge 2   #########.......   x <= 8                 of the zx projection, if the yz projection has (y, z), cut by the plane's two
-//            ..#######.......                          conditions.
+//   lane 7  ..####..     for each column   rows = 2 * rows + (1 where the column's number has the wrong sign)
+//   ...     .#####..                       numbers -= step of a column
+//   lane 0  .###....
+//
+// The rows of the xy projection (lanes along y) hold at all heights, those of the xz projection (lanes along z) for all y, and the yz
+// projection takes or leaves a lane as a whole; only the plane needs a number for every voxel. Where a triangle's box is one voxel
+// thick along an axis, the conditions that involve that axis hold for all of its voxels and are left out; along two axes, the
+// triangle touches all of the box. Many triangles of a fine mesh are small enough for that.
 #pragma once
 
 #include "../model/InstructionSet.h"
 #include "../model/VoxelStore.h"
-#include "TrianglePieces.h"
+#include "TriangleConditions.h"
 
 #include <vector>
 
 namespace brix {
+
+/// The voxels of a triangle's box, counted from the chunk's corner, and the part of them that is in the extents.
+struct RasterBox
+{
+    Quad lower, upper;
+    Quad lowerFilled, upperFilled;
+};
+
+/// Where eight rows of a stack are: the halves of the plate at height 0 that they begin and end in. Null where nothing is.
+using PlateHalves = std::array<std::byte*, 2>;
+
+/// Up to 16 columns and 8 rows of a box, which lie in one or two stacks along x.
+struct RasterTile
+{
+    std::int32_t x, y; // of column 0 and lane 0, counted from the chunk's corner
+    std::int32_t columns;
+    Lanes rows; // all columns, in the lanes of the tile's rows
+    PlateHalves halves;
+    PlateHalves halvesOfNextX;
+};
 
 /// Fills voxels of one chunk at its finest level.
 class TriangleRaster
@@ -29,27 +53,29 @@ public:
     /// Writes to the store's stacks, and leaves those decompressed that it wrote to. `voxelSize`: base units per voxel edge.
     TriangleRaster(VoxelStore<bool>& store, const Triple& voxelSize);
 
-    /// Fills the voxels of the chunk inside the extents that the triangles (base units, within +-MaxCoordinate) touch.
-    void Fill(const std::vector<LatticeTriangle>& triangles, InstructionSet instructionSet);
+    /// Fills the voxels of the store's chunk inside the extents that the triangles touch.
+    void Fill(const TriangleChunk& triangles, InstructionSet instructionSet);
 
 private:
-    struct Conditions;
-    class Window;
+    void Fill(const PackedTriangle& triangle);
+    void FillLarge(const LatticeTriangle& triangle);
+    void FillAll(const RasterBox& box);
+    template <ThickAlong thick> void FillTouched(const PackedCorners& corners, const RasterBox& box);
 
-    void Fill(const LatticeTriangle& triangle);
-    void FillInPieces(const LatticeTriangle& triangle);
-    void FillPiece(const LatticeTriangle& piece, const TriangleBox& box);
-    void FillWindow(const Conditions& conditions, const Triple& lower, const Triple& upper);
-    bool TouchesChunk(const TriangleBox& box) const;
-    Triple VoxelOf(const Triple& coords) const;
+    template <class Visit> void ForEachTile(const RasterBox& box, const Visit& visit);
+    PlateHalves HalvesOf(std::int32_t x, std::int32_t y, bool reachesNext);
+    std::byte* HalfOf(std::int32_t x, std::int32_t y);
 
     VoxelStore<bool>& store_;
-    Triple size_;   // of a voxel in base units
-    Triple origin_; // lower corner of the chunk in base units
-    Triple end_;    // and its upper corner
-    std::array<double, 3> reciprocalSize_;
-    Triple lowerInExtents_; // voxels from the chunk's corner
-    Triple upperInExtents_;
+    Quad size_; // of a voxel in base units
+    DoubleQuad perSize_;
+    VoxelSizes sizes_;
+    std::int64_t mostVoxelsOfNarrowPlane_;
+    Quad origin_;         // lower corner of the chunk in base units
+    Quad lowerInExtents_; // voxels from the chunk's corner
+    Quad upperInExtents_;
+    std::uint32_t stacksPerRow_;
+    std::vector<VoxelPlate<bool>*> plates_; // by stack: the plates of its heights, once it was written to
 };
 
 } // namespace brix

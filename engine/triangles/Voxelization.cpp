@@ -2,7 +2,7 @@
 
 #include "../frame/Require.h"
 #include "../model/PropagateChunk.h"
-#include "TrianglePieces.h"
+#include "PackWorldTriangles.h"
 #include "TriangleRaster.h"
 
 #include <limits>
@@ -10,11 +10,40 @@
 namespace brix {
 namespace {
 
-void VoxelizeChunk(VoxelStore<bool>& store, const Triple& voxelSize, const std::vector<LatticeTriangle>& triangles,
+void VoxelizeChunk(VoxelStore<bool>& store, const Triple& voxelSize, const TriangleChunk& triangles,
                    InstructionSet instructionSet)
 {
     TriangleRaster(store, voxelSize).Fill(triangles, instructionSet);
     ForEachStackOfStore(store, [](VoxelStore<bool>& written, const StackIndices& ij) { written.VoxelStackRef(ij).Compress(); });
+}
+
+void Enclose(const Triple& coords, Triple& lower, Triple& upper)
+{
+    lower = Lowest(lower, coords);
+    upper = Highest(upper, coords);
+}
+
+// Widens lower..upper by the corners of some triangles.
+void EncloseBatch(const Axes& axes, const PackedBatch& batch, Triple& lower, Triple& upper, InstructionSet instructionSet)
+{
+    constexpr std::int32_t most = MaxPackedCoordinate;
+    Quad least = Quad{} + most;
+    Quad greatest = Quad{} - most;
+    RunWith(instructionSet, [&] {
+        for (const PackedTriangle& triangle : batch.packed) {
+            const PackedCorners corners(triangle, Quad{});
+            KeepLower(least, corners.lower + 1);
+            KeepUpper(greatest, corners.upper);
+        }
+    });
+    if (!IsAnyOf((least <= -most) | (greatest >= most))) {
+        Enclose({least[0], least[1], least[2]}, lower, upper);
+        Enclose({greatest[0], greatest[1], greatest[2]}, lower, upper);
+        return;
+    }
+    for (const WorldTriangle& triangle : batch.world) {
+        for (const auto& corner : triangle) Enclose(axes.FromWorldCoordinates(corner), lower, upper);
+    }
 }
 
 } // namespace
@@ -26,13 +55,9 @@ Extents DetectTriangleExtents(const Axes& axes, const std::vector<WorldTriangle>
     constexpr std::int64_t most = std::numeric_limits<std::int64_t>::max();
     Triple lower{most, most, most};
     Triple upper{-most, -most, -most};
-    for (const WorldTriangle& triangle : triangles) {
-        for (const auto& corner : triangle) {
-            const Triple coords = axes.FromWorldCoordinates(corner);
-            lower = Lowest(lower, coords);
-            upper = Highest(upper, coords);
-        }
-    }
+    const InstructionSet instructionSet = FastestInstructionSet();
+    ForEachPackedBatch(axes, triangles, instructionSet,
+                       [&](const PackedBatch& batch) { EncloseBatch(axes, batch, lower, upper, instructionSet); });
     // The lower face of a voxel belongs to two voxels along x and y, but not along z.
     return Extents(axes, axes.ContainingVoxel(Minus(lower, {1, 1, 0}), 0), axes.ContainingVoxel(upper, 0), 0);
 }
@@ -47,8 +72,8 @@ void VoxelizeTriangleModel(VoxelModel<bool>& model, const TriangleModel& triangl
     const InstructionSet instructionSet = FastestInstructionSet();
     ForEachTriple(Highest(model.LowerChunkIndices(), triangles.LowerChunkIndices()),
                   Lowest(model.UpperChunkIndices(), triangles.UpperChunkIndices()), [&](const Triple& chunkIndices) {
-                      const std::vector<LatticeTriangle>& ofChunk = triangles.ChunkRef(chunkIndices).TrianglesRef();
-                      if (ofChunk.empty()) return;
+                      const TriangleChunk& ofChunk = triangles.ChunkRef(chunkIndices);
+                      if (ofChunk.IsEmpty()) return;
                       VoxelChunk<bool>& chunk = model.ChunkRef(chunkIndices);
                       VoxelizeChunk(chunk.VoxelStoreRef(finestLOD), voxelSize, ofChunk, instructionSet);
                       PropagateChunk(chunk, finestLOD, finestLOD, instructionSet);

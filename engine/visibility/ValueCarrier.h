@@ -97,14 +97,14 @@ public:
         SightFace& x = alongX_[static_cast<std::size_t>(level)];
         SightFace& y = alongY_[static_cast<std::size_t>(column_ * levels_ + level)];
         for (std::int64_t height = view.Begin(); height < view.End();) {
-            const std::int64_t steady = std::min(PassSteadily(view, height, x, y, seen), view.End() - height);
+            const std::int64_t steady = PassSteadily(view, height, x, y, seen);
             height += steady > 0 ? steady : PassMixed(view, height, x, y, weights_.AtHeights(corner, height), seen);
         }
     }
 
 private:
-    // The heights from here on whose values need no arithmetic, 0 if this one's do. Where nothing enters, or nothing leaves a plate,
-    // it is dark; where all enters and nothing is filled, it is lit.
+    // The heights from here on whose values need no arithmetic, 0 if this one's do; they may go on beyond the view. Where nothing
+    // enters, or nothing leaves a plate, it is dark; where all enters and nothing is filled, it is lit.
     std::int64_t PassSteadily(const StackView& view, std::int64_t height, SightFace& x, SightFace& y, StackBuilder& seen)
     {
         std::int64_t count = 0;

@@ -80,31 +80,146 @@ TEST(Fills, EqualTheVoxelByVoxelFlood)
     }
 }
 
-// Where two thirds of all voxels are filled, the empty ones form winding caves of all sizes; runs of equal layers widen them.
+// Where six or seven of ten voxels are filled, the empty ones form winding caves of all sizes. Some repeat over several heights, so
+// that runs of all lengths meet.
 TEST(Fills, FollowWindingCaves)
 {
     for (std::uint64_t seed = 1; seed <= 150; ++seed) {
         Random random(seed);
-        const Axes axes = RandomAxes(random);
         const std::int64_t lod = random.Between(0, 3);
-        const Extents extents = RandomExtents(random, axes, lod);
-        const std::int64_t share = random.Between(55, 75);
+        const Extents extents = RandomExtents(random, RandomAxes(random), lod);
+        const auto share = static_cast<std::uint64_t>(random.Between(55, 75));
         const std::int64_t repeat = random.Between(1, 4);
-        ReferenceModel caves(extents, lod, lod);
-        caves = caves.Where([&](const Triple& voxel) {
-            const Triple below{voxel[0], voxel[1], voxel[2] - 1};
-            const bool isRepeated = FloorDivide(voxel[2], repeat) == FloorDivide(below[2], repeat) && extents.ContainsVoxel(below);
-            return !isRepeated && random.Between(1, 100) <= share;
+        const ReferenceModel caves = ReferenceModel(extents, lod, lod).Where([&](const Triple& voxel) {
+            const std::int64_t height = FloorDivide(voxel[2], voxel[0] % 3 == 0 ? repeat : 1);
+            const std::int64_t place = (voxel[0] * 1009 + voxel[1]) * 1009 + height;
+            return Random(seed ^ static_cast<std::uint64_t>(place)).Bits() % 100 < share;
         });
-        for (std::int64_t z = extents.LowerIndices()[2] + 1; z <= extents.UpperIndices()[2]; ++z) {
-            if (FloorDivide(z, repeat) != FloorDivide(z - 1, repeat)) continue;
-            caves.ForEachVoxel([&](const Triple& v) {
-                if (v[2] == z) caves.Set(v, caves.Value({v[0], v[1], z - 1}));
-            });
-        }
         ASSERT_TRUE(FillsAreRight(caves, MakeModel(caves), random)) << "seed " << seed;
     }
 }
+
+// One corridor, one voxel wide, that winds through many stacks, lies down, stands up and comes back.
+TEST(Fills, FollowOneCorridorToItsEnd)
+{
+    const Extents extents(Axes(1, {0, 0, 0}, 0, 0), {-21, -20, 40}, {21, 20, 70}, 1);
+    const auto isGap = [](std::int64_t wall, std::int64_t lower, std::int64_t upper, std::int64_t at) {
+        return at == (FloorDivide(wall, 2) % 2 == 0 ? lower : upper);
+    };
+    for (std::size_t across = 0; across < 3; ++across) {
+        for (std::size_t along = 0; along < 3; ++along) {
+            if (along == across) continue;
+            const std::size_t third = 3 - across - along;
+            ReferenceModel maze(extents, 1, 1);
+            const Triple lower = Plus(extents.LowerIndices(), {1, 1, 1});
+            const Triple upper = Minus(extents.UpperIndices(), {1, 1, 1});
+            maze = maze.Where([&](const Triple& v) {
+                if (!IsWithin(v, lower, upper)) return true;
+                const std::int64_t sheet = v[third] - lower[third];
+                const std::int64_t wall = v[across] - lower[across];
+                if (sheet % 2 == 1)
+                    return v[along] != lower[along] || !isGap(sheet, 0, 28, wall); // between two sheets of the maze
+                return wall % 2 == 1 && !isGap(wall, lower[along], upper[along], v[along]);
+            });
+            EXPECT_TRUE(FillsAreRight(maze)) << "sealed, across " << across << ", along " << along;
+            maze.Set({lower[0], lower[1], lower[2] - 1}, false);
+            EXPECT_TRUE(FillsAreRight(maze)) << "open, across " << across << ", along " << along;
+            EXPECT_GT(PlainExposed(maze).CountFilled(), maze.CountFilled() + 1000) << "the corridor is long";
+        }
+    }
+}
+
+// A hollow box of 6 x 6 x 6 voxels across the borders of stacks, with 64 voxels inside. Only a hole in a wall lets the flood in.
+TEST(Fills, PassFacesButNeitherEdgesNorCorners)
+{
+    const Extents extents(Axes(1, {0, 0, 0}, 0, 0), {-9, -9, 55}, {9, 9, 73}, 2);
+    const Triple lower{-3, -3, 61};
+    const Triple upper{2, 2, 66};
+    const ReferenceModel box = ReferenceModel(extents, 2, 2).Where([&](const Triple& v) {
+        return IsWithin(v, lower, upper) && !IsWithin(v, Plus(lower, {1, 1, 1}), Minus(upper, {1, 1, 1}));
+    });
+    const std::int64_t wall = 6 * 6 * 6 - 4 * 4 * 4;
+    const auto countEnclosed = [](const ReferenceModel& model) {
+        EXPECT_TRUE(FillsAreRight(model));
+        return ReferenceModel(FillEnclosedRegions(MakeModel(model)), 2).CountFilled();
+    };
+    EXPECT_EQ(countEnclosed(box), wall + 64);
+    std::array<std::int64_t, 4> counts{}; // of holes in the inside, the walls, the edges and the corners that enclose 64 voxels
+    box.ForEachVoxel([&](const Triple& hole) {
+        if (!box.Value(hole)) return;
+        std::size_t sides = 0;
+        for (std::size_t i = 0; i < 3; ++i) sides += hole[i] == lower[i] || hole[i] == upper[i];
+        ReferenceModel opened = box;
+        opened.Set(hole, false);
+        if (ReferenceModel(FillEnclosedRegions(MakeModel(opened)), 2).CountFilled() == wall - 1 + 64) ++counts[sides];
+    });
+    EXPECT_EQ(counts, (std::array<std::int64_t, 4>{0, 0, 12 * 4, 8}));
+    const ReferenceModel cutOpen =
+        box.Where(Extents(box.AxesRef(), extents.LowerIndices(), {1, 9, 73}, 2), [&](const Triple& v) { return box.Value(v); });
+    EXPECT_EQ(countEnclosed(cutOpen), wall - 36) << "a cavity at a face of the extents is exposed";
+}
+
+TEST(Fills, ReturnACopyWhereThereIsNothingToFill)
+{
+    const Axes axes(1, {0, 0, 0}, 0, 0);
+    const Extents extents(axes, {-20, -3, 50}, {20, 40, 80}, 3);
+    const ReferenceModel empty(extents, 3, 3);
+    const ReferenceModel full = empty.Where([](const Triple&) { return true; });
+    const VoxelModel<bool> emptyModel = MakeModel(empty);
+    EXPECT_EQ(Differences(FillEnclosedRegions(emptyModel), empty), "");
+    EXPECT_EQ(Differences(FillExposedRegions(emptyModel), full), "");
+    EXPECT_EQ(Differences(FillEnclosedRegions(MakeModel(full)), full), "");
+    EXPECT_EQ(Differences(FillExposedRegions(MakeModel(full)), full), "");
+    EXPECT_EQ(Differences(FillFromPoint(MakeModel(full), axes.VoxelCenter({0, 0, 60}, 3)), full), "");
+    for (const std::int64_t extreme : {std::numeric_limits<std::int64_t>::min(), std::numeric_limits<std::int64_t>::max()}) {
+        EXPECT_EQ(Differences(FillFromPoint(emptyModel, {extreme, 0, 60}), empty), "");
+        EXPECT_EQ(Differences(FillFromPoint(emptyModel, {extreme, extreme, extreme}), empty), "");
+    }
+}
+
+// The open voxels joined to the reached ones, voxel by voxel.
+VoxelPlate<bool> PlainSpread(VoxelPlate<bool> reached, const VoxelPlate<bool>& open)
+{
+    for (VoxelPlate<bool> before = ~reached; !(before == reached);) {
+        before = reached;
+        for (std::size_t y = 0; y < 16; ++y) {
+            for (unsigned x = 0; x < 16; ++x) {
+                const unsigned beside = before.rows[y] << 1 | before.rows[y] >> 1 | (y > 0 ? before.rows[y - 1] : 0U) |
+                                        (y < 15 ? before.rows[y + 1] : 0U);
+                if ((beside & open.rows[y]) >> x & 1U) reached.rows[y] = static_cast<std::uint16_t>(reached.rows[y] | 1U << x);
+            }
+        }
+    }
+    return reached;
+}
+
+TEST(SpreadInPlate, ReachesAllThatIsJoinedAndNothingElse)
+{
+    Random random(77);
+    for (int i = 0; i < 4000; ++i) {
+        const std::int64_t share = random.Between(40, 95);
+        VoxelPlate<bool> open = MakePlate([&](std::size_t) {
+            unsigned row = 0;
+            for (int x = 0; x < 16; ++x) row = row << 1 | (random.Between(1, 100) <= share ? 1U : 0U);
+            return row;
+        });
+        if (random.OneIn(4)) open = MakePlate([&](std::size_t y) { return y % 2 == 1 ? open.rows[y] & 0x8001U : 0xFFFFU; });
+        const std::int64_t seeds = random.Between(0, 4);
+        VoxelPlate<bool> reached;
+        for (std::int64_t seed = 0; seed < seeds; ++seed)
+            reached.rows[static_cast<std::size_t>(random.Between(0, 15))] |=
+                static_cast<std::uint16_t>(1U << random.Between(0, 15));
+        reached = reached & open;
+        ASSERT_EQ(SpreadInPlate(reached, open), PlainSpread(reached, open)) << Draw("open", open, "reached", reached);
+    }
+}
+
+// There and back again: full rows, joined at alternating ends.
+constexpr VoxelPlate<bool> Serpentine = MakePlate([](std::size_t y) {
+    return y % 2 == 0 ? 0xFFFF : y % 4 == 1 ? 0x8000 : 0x0001;
+});
+static_assert(SpreadInPlate({{0x0001}}, Serpentine) == Serpentine);
+static_assert(SpreadInPlate(MakePlate([](std::size_t y) { return y == 15 ? 1 : 0; }), Serpentine) == Serpentine);
 
 } // namespace
 } // namespace brix

@@ -29,8 +29,8 @@ std::optional<Triple> Place(const ConstVoxelIterator& found)
 
 // The best filled voxel of a line: of those within the offsets the one with the nearest centre, then the lower one; but the point's
 // own voxel before all others.
-std::optional<Triple> PlainNearestAlong(const ReferenceModel& model, std::size_t axis, const Triple& point, std::int64_t lowerOffset,
-                                        std::int64_t upperOffset)
+std::optional<Triple> PlainNearestAlong(const ReferenceModel& model, std::size_t axis, const Triple& point,
+                                        std::int64_t lowerOffset, std::int64_t upperOffset)
 {
     const Triple own = model.AxesRef().ContainingVoxel(point, model.VoxelLOD());
     if (model.Value(own)) return own;
@@ -53,8 +53,8 @@ Triple RandomPoint(Random& random, const ReferenceModel& model)
     Triple point{};
     for (std::size_t i = 0; i < 3; ++i) {
         const std::int64_t margin = random.OneIn(4) ? 3 : 0;
-        const std::int64_t voxel = random.Between(model.ExtentsRef().LowerIndices()[i] - margin,
-                                                  model.ExtentsRef().UpperIndices()[i] + margin);
+        const std::int64_t voxel =
+            random.Between(model.ExtentsRef().LowerIndices()[i] - margin, model.ExtentsRef().UpperIndices()[i] + margin);
         const std::array<std::int64_t, 4> offsets{0, size[i] / 2, size[i] - 1, random.Between(0, size[i] - 1)};
         point[i] = voxel * size[i] + offsets[static_cast<std::size_t>(random.Between(0, 3))];
     }
@@ -172,8 +172,9 @@ TEST(NearestFilledHorizontally, SearchesTheShapeThatGrowthMakes)
     const VoxelModel<bool> model = MakeModel(single);
     for (int diameter = 1; diameter <= 60; ++diameter) {
         const ReferenceModel grown(ExpandHorizontally(model, diameter, std::nullopt, false), 0);
-        const ReferenceModel searched = single.Where(
-            [&](const Triple& voxel) { return NearestFilledHorizontally(model, axes.VoxelCenter(voxel, 0), diameter).IsValid(); });
+        const ReferenceModel searched = single.Where([&](const Triple& voxel) {
+            return NearestFilledHorizontally(model, axes.VoxelCenter(voxel, 0), diameter).IsValid();
+        });
         ASSERT_EQ(Differences(searched, grown), "") << "diameter " << diameter;
     }
 }
@@ -192,7 +193,8 @@ TEST(NearestFilled, AcceptsAnyNumbers)
                 for (const std::int64_t z : {Lowest64, axes.VoxelCenter(filled, 0)[2], Highest64}) {
                     const auto isExtreme = [](std::int64_t value) { return value == Lowest64 || value == Highest64; };
                     const auto isFound = [&](const ConstVoxelIterator& found) { return Place(found) == filled; };
-                    for (const long long size : {1LL, 20LL, 1LL << 31, 1LL << 32, 1LL << 62, (1LL << 62) + 1, Highest64 - 1, Highest64}) {
+                    for (const long long size :
+                         {1LL, 20LL, 1LL << 31, 1LL << 32, 1LL << 62, std::numeric_limits<long long>::max()}) {
                         const bool isInside = !isExtreme(x) && !isExtreme(y) && !isExtreme(z);
                         EXPECT_EQ(isFound(NearestFilledHorizontally(model, {x, y, z}, size)), isInside && size > 1) << size;
                         const bool reaches = size >= 1LL << 62 || (size > 1 && !isExtreme(y));
@@ -219,10 +221,12 @@ TEST(NearestFilled, RejectsNegativeOffsetsAndDiametersBelowOne)
             "The number of voxels to search on the lower X side cannot be negative. The value encountered was -1.",
             "The number of voxels to search on the lower Y side cannot be negative. The value encountered was -1.",
             "The number of voxels to search on the lower Z side cannot be negative. The value encountered was -1."};
-        const std::array<std::string, 3> upperSides{
-            "The number of voxels to search on the upper X side cannot be negative. The value encountered was -9223372036854775808.",
-            "The number of voxels to search on the upper Y side cannot be negative. The value encountered was -9223372036854775808.",
-            "The number of voxels to search on the upper Z side cannot be negative. The value encountered was -9223372036854775808."};
+        const std::array<std::string, 3> upperSides{"The number of voxels to search on the upper X side cannot be negative. The "
+                                                    "value encountered was -9223372036854775808.",
+                                                    "The number of voxels to search on the upper Y side cannot be negative. The "
+                                                    "value encountered was -9223372036854775808.",
+                                                    "The number of voxels to search on the upper Z side cannot be negative. The "
+                                                    "value encountered was -9223372036854775808."};
         EXPECT_EQ(message(-1, Lowest64), lowerSides[axis]);
         EXPECT_EQ(message(0, Lowest64), upperSides[axis]);
         EXPECT_EQ(message(0, 0), "(nothing was thrown)");

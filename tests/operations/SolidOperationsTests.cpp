@@ -34,7 +34,7 @@ template <class AnyModel> std::vector<const AnyModel*> PointersTo(const std::vec
     return pointers;
 }
 
-Scene MakeScene(std::uint64_t seed, std::vector<Placement> placements)
+Scene MakeScene(std::uint64_t seed, const std::vector<Placement>& placements)
 {
     Random random(seed);
     Scene scene{{MakeFirst(random)}, {}, 0, random.OneIn(2), "seed " + std::to_string(seed)};
@@ -51,11 +51,9 @@ Scene MakeScene(std::uint64_t seed, std::vector<Placement> placements)
 TEST(UnionAndIntersect, EqualTheVoxelByVoxelDefinition)
 {
     for (std::uint64_t seed = 1; seed <= 200; ++seed) {
-        const std::vector pair{AllPlacements[seed % 5],
-                               AllPlacements[seed / 5 % 5]}; // with models alone and single companions between
-        const Scene scene = MakeScene(seed, seed % 3 == 0   ? std::vector<Placement>()
-                                            : seed % 3 == 1 ? std::vector{pair[0]}
-                                                            : pair);
+        std::vector placements{AllPlacements[seed % 5], AllPlacements[seed / 5 % 5]};
+        placements.resize(seed % 3); // models alone, pairs, and three of them
+        const Scene scene = MakeScene(seed, placements);
         const auto models = PointersTo(scene.models);
         const auto references = PointersTo(scene.references);
         EXPECT_EQ(Differences(Union(models, scene.lod, scene.autoCrop), Union(references, scene.lod, scene.autoCrop)), "")

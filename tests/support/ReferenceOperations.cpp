@@ -24,29 +24,31 @@ ReferenceModel RebuiltLevel(const ReferenceModel& source, const Extents& newExte
     return Rebuild(source, newExtents, lod).AtLevel(lod);
 }
 
-Extents Bounding(const References& models, std::int64_t lod)
+using Join = Triple (*)(const Triple&, const Triple&);
+
+// The lower and the upper corners of all models at a level, each joined to one.
+std::array<Triple, 2> Corners(const References& models, std::int64_t lod, Join joinLower, Join joinUpper)
 {
     const Extents first = models.front()->FinestExtentsRef().RescaledCopy(lod);
-    Triple lower = first.LowerIndices();
-    Triple upper = first.UpperIndices();
+    std::array corners{first.LowerIndices(), first.UpperIndices()};
     for (const ReferenceModel* model : models) {
-        lower = Lowest(lower, model->FinestExtentsRef().RescaledCopy(lod).LowerIndices());
-        upper = Highest(upper, model->FinestExtentsRef().RescaledCopy(lod).UpperIndices());
+        const Extents extents = model->FinestExtentsRef().RescaledCopy(lod);
+        corners = {joinLower(corners[0], extents.LowerIndices()), joinUpper(corners[1], extents.UpperIndices())};
     }
-    return Extents(first.AxesRef(), lower, upper, lod);
+    return corners;
+}
+
+Extents Bounding(const References& models, std::int64_t lod)
+{
+    const auto [lower, upper] = Corners(models, lod, Lowest, Highest);
+    return Extents(models.front()->AxesRef(), lower, upper, lod);
 }
 
 std::optional<Extents> Common(const References& models, std::int64_t lod)
 {
-    const Extents first = models.front()->FinestExtentsRef().RescaledCopy(lod);
-    Triple lower = first.LowerIndices();
-    Triple upper = first.UpperIndices();
-    for (const ReferenceModel* model : models) {
-        lower = Highest(lower, model->FinestExtentsRef().RescaledCopy(lod).LowerIndices());
-        upper = Lowest(upper, model->FinestExtentsRef().RescaledCopy(lod).UpperIndices());
-    }
+    const auto [lower, upper] = Corners(models, lod, Highest, Lowest);
     if (lower[0] > upper[0] || lower[1] > upper[1] || lower[2] > upper[2]) return std::nullopt;
-    return Extents(first.AxesRef(), lower, upper, lod);
+    return Extents(models.front()->AxesRef(), lower, upper, lod);
 }
 
 } // namespace

@@ -36,7 +36,7 @@ std::vector<Filed> FiledIn(const TriangleModel& model)
 {
     std::vector<Filed> filed;
     ForEachTriple(model.LowerChunkIndices(), model.UpperChunkIndices(), [&](const Triple& chunk) {
-        for (const LatticeTriangle& triangle : model.ChunkRef(chunk).TrianglesRef()) filed.push_back({chunk, triangle});
+        for (const LatticeTriangle& triangle : model.ChunkRef(chunk).Triangles()) filed.push_back({chunk, triangle});
     });
     return filed;
 }
@@ -133,7 +133,7 @@ TEST(TriangleModel, CoversEveryChunkThatATriangleTouchesAndNoOther)
             if (!model.IsChunkValid(chunk)) continue;
             if (!IsWithin(inChunk, margin, Minus({ChunkUnits, ChunkUnits, 4 * ChunkUnits}, margin))) continue;
             ++pointsInGrid;
-            const auto& pieces = model.ChunkRef(chunk).TrianglesRef();
+            const auto& pieces = model.ChunkRef(chunk).Triangles();
             ASSERT_TRUE(std::any_of(pieces.begin(), pieces.end(),
                                     [&](const LatticeTriangle& piece) {
                                         return IsWithin(point, Minus(LowestOf(piece), margin), Plus(HighestOf(piece), margin));
@@ -175,7 +175,7 @@ TEST(TriangleModel, BoundsTheWorkForTrianglesOfAnySize)
     model.AddWorldTriangle({{{-infinity, 0, 0}, {infinity, 1e300, -1e300}, {std::nan(""), 5, 5}}});
     EXPECT_LT(FiledIn(model).size(), 5000U);
     model.ChunkRef({0, 0, 0}).AddTriangle({{{lowest, highest, 0}, {0, 0, 0}, {0, 0, 0}}});
-    EXPECT_EQ(model.ChunkRef({0, 0, 0}).TrianglesRef().back()[0], (Triple{-MaxCoordinate, MaxCoordinate, 0}));
+    EXPECT_EQ(model.ChunkRef({0, 0, 0}).Triangles().back()[0], (Triple{-MaxCoordinate, MaxCoordinate, 0}));
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
 }
 

@@ -125,7 +125,7 @@ std::vector<LatticeTriangle> FiledPieces(const TriangleModel& model)
 {
     std::vector<LatticeTriangle> pieces;
     ForEachTriple(model.LowerChunkIndices(), model.UpperChunkIndices(), [&](const Triple& chunk) {
-        const auto& filed = model.ChunkRef(chunk).TrianglesRef();
+        const auto& filed = model.ChunkRef(chunk).Triangles();
         pieces.insert(pieces.end(), filed.begin(), filed.end());
     });
     std::sort(pieces.begin(), pieces.end());

@@ -194,16 +194,17 @@ std::vector<double> SomeThresholds(Random& random, ReferenceSight& sight, const 
     return {value, std::nextafter(value, 2), special[static_cast<std::size_t>(random.Between(0, 6))]};
 }
 
+// Components may be 0; their sizes are small, or need rounding, or lie at the limits.
 Triple RandomDirection(Random& random)
 {
     constexpr std::array extremes{Lowest64, Lowest64 + 1, Highest64, Highest64 / 3, std::int64_t{1} << 40};
     for (;;) {
         Triple direction{};
         const bool isExtreme = random.OneIn(8);
+        const std::int64_t largest = random.OneIn(2) ? 9 : 999'999'999;
         for (std::int64_t& component : direction) {
-            component = random.OneIn(4) ? 0
-                        : isExtreme     ? extremes[static_cast<std::size_t>(random.Between(0, 4))]
-                                        : random.Between(-9, 9);
+            if (random.OneIn(4)) continue;
+            component = isExtreme ? extremes[static_cast<std::size_t>(random.Between(0, 4))] : random.Between(-largest, largest);
         }
         if (direction != Triple{}) return direction;
     }
@@ -327,7 +328,7 @@ ReferenceModel MakeRooms(const Extents& extents)
 
 TEST(Visibility, EqualsTheDefinitionInRooms)
 {
-    const Extents extents(Frame, {-20, -40, -70}, {75, 35, 90}, 3);
+    const Extents extents(Frame, {-20, -40, -70}, {65, 20, 40}, 3);
     const ReferenceModel rooms = MakeRooms(extents);
     const VoxelModel<bool> model = MakeModel(rooms);
     for (const Triple& direction : {Triple{2, 3, -4}, {-5, 1, 1}, {0, -3, 2}}) {
@@ -339,6 +340,23 @@ TEST(Visibility, EqualsTheDefinitionInRooms)
         ReferencePoint sight(rooms, point, maxRadius);
         EXPECT_EQ(Differences(VisibilityFromPoint(model, point, 3, maxRadius, 0.25, false), sight.Visible(0.25)), "")
             << maxRadius;
+    }
+}
+
+// Mixes of values near 1 can round up beyond it, and what is carried on then shows in the last bit.
+TEST(VisibilityFromDirection, NeverCarriesMoreThanFullSight)
+{
+    const Extents extents(Frame, {0, 0, 0}, {29, 29, 29}, 2);
+    const ReferenceModel filled = ReferenceModel(extents, 2, 2).Where([](const Triple& voxel) {
+        return voxel == Triple{1, 1, 1};
+    });
+    const VoxelModel<bool> model = MakeModel(filled);
+    for (std::uint64_t seed = 1; seed <= 40; ++seed) {
+        Random random(seed);
+        const Triple direction{random.Between(1, 99), random.Between(1, 99), random.Between(1, 99)};
+        EXPECT_EQ(Differences(VisibilityFromDirection(model, direction, 2, 1), ReferenceDirection(filled, direction).Visible(1)),
+                  "")
+            << Show(direction);
     }
 }
 
@@ -445,6 +463,19 @@ TEST(VisibilityFromPoint, MarksAFilledEyeOnlyAtThresholdsThatMarkAll)
         MakeModel(ReferenceModel(extents, 1, 1).Where([](const Triple& voxel) { return voxel == Triple{}; }));
     EXPECT_EQ(CountFilled(VisibilityFromPoint(model, {1, 2, 3}, 1, Unlimited, 1, false), 1), 7 * 7 * 7 - 1);
     EXPECT_EQ(CountFilled(VisibilityFromPoint(model, {1, 2, 3}, 1, Unlimited, 0, false), 1), 7 * 7 * 7);
+}
+
+// Here (5m + 2)^2 = (4m + 1)^2 + (3m + 2)^2 - 1: the voxel whose centre is 3m + 2 beyond the point along x, and 4m + 1 along y, lies
+// just outside the radius 5m + 2. As doubles, the squares are equal.
+TEST(VisibilityFromPoint, MeasuresLargeRadiiExactly)
+{
+    constexpr std::int64_t m = 500'000'000;
+    const VoxelModel<bool> model = MakeModel(ReferenceModel(Extents(Frame, {0, 0, 0}, {1, 0, 0}, 0), 0, 0));
+    const Triple centre = model.AxesRef().VoxelCenter({1, 0, 0}, 0);
+    const Triple point = Minus(centre, {3 * m + 2, 4 * m + 1, 0});
+    for (const auto& [radius, count] : {std::pair{5 * m + 2, 1}, {5 * m + 3, 2}, {2 * m, 0}}) {
+        EXPECT_EQ(CountFilled(VisibilityFromPoint(model, point, 0, radius, 0.5, false), 0), count) << radius;
+    }
 }
 
 TEST(VisibilityFromPoint, StaysInTheIndexSpace)
