@@ -42,7 +42,7 @@ struct StackRuns
     Heights StartOf(std::int64_t z) const { return std::bit_floor(starts & UpTo(z)); }
     std::int64_t EndOf(std::int64_t start) const
     {
-        const Heights above = start < 63 ? starts & From(start + 1) : 0;
+        const Heights above = starts & ~UpTo(start);
         return above != 0 ? LowestOf(above) : Stack::Height;
     }
 };

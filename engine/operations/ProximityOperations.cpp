@@ -56,8 +56,8 @@ std::optional<std::int64_t> FirstFilled(const VoxelModel<bool>& model, Triple vo
     return std::nullopt;
 }
 
-// The index along an axis of the filled voxel whose centre is nearest to a coordinate of the voxel `voxel`, the lower one of two;
-// among those of the line through that voxel with the indices lower..upper, of which it is one.
+// Of the filled voxels with the indices lower..upper on the line along an axis through `voxel`: the index of the one whose centre is
+// nearest to a coordinate, the lower one of two. The coordinate lies in `voxel`, unless this is the first or the last of the line.
 template <Axis axis>
 std::optional<std::int64_t> NearestOnLine(const VoxelModel<bool>& model, const Triple& voxel, std::int64_t coordinate,
                                           std::int64_t lower, std::int64_t upper)

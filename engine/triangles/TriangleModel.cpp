@@ -4,6 +4,11 @@
 #include "PackedTriangles.h"
 
 namespace brix {
+namespace {
+
+Triple Scaled(const Triple& a, const Triple& b) { return {a[0] * b[0], a[1] * b[1], a[2] * b[2]}; }
+
+} // namespace
 
 [[gnu::noinline]] void TriangleChunk::AddBlock()
 {
@@ -29,15 +34,22 @@ std::vector<LatticeTriangle> TriangleChunk::Triangles() const
     return triangles;
 }
 
+// Of a chunk, in base units.
+Triple TriangleModel::ChunkSize() const
+{
+    const Triple voxel = AxesRef().VoxelSize(0);
+    return {ChunkWidth * voxel[0], ChunkWidth * voxel[1], ChunkHeight * voxel[2]};
+}
+
 // Files triangles that need not be cut.
 class TriangleModel::Filing
 {
 public:
     explicit Filing(TriangleModel& model) : model_(model)
     {
-        const auto width = static_cast<double>(ChunkWidth * VoxelSpacing(0));
-        const auto height = static_cast<double>(ChunkHeight * VoxelSpacing(model.AxesRef().VerticalLOD()));
-        perChunk_ = DoubleQuad{1 / width, 1 / width, 1 / height, 0};
+        const Triple size = model.ChunkSize();
+        perChunk_ =
+            DoubleQuad{1 / static_cast<double>(size[0]), 1 / static_cast<double>(size[1]), 1 / static_cast<double>(size[2]), 0};
         SetQuad(lowerChunk_, model.LowerChunkIndices());
         SetQuad(upperChunk_, model.UpperChunkIndices());
     }
@@ -96,6 +108,15 @@ void TriangleModel::AddWorldTriangles(const std::vector<WorldTriangle>& worldTri
 
 void TriangleModel::AddTriangle(const LatticeTriangle& triangle)
 {
+    const Triple size = ChunkSize();
+    const Triple gridLower = Scaled(LowerChunkIndices(), size);
+    const Triple gridUpper = Scaled(Plus(UpperChunkIndices(), {1, 1, 1}), size);
+    ForEachNearPart(NearestTriangle(triangle), Minus(gridLower, size), Plus(gridUpper, size),
+                    [&](const LatticeTriangle& part) { FileInPieces(part); });
+}
+
+void TriangleModel::FileInPieces(const LatticeTriangle& triangle)
+{
     Triple lower{};
     Triple upper{};
     const auto touches = [&](const TriangleBox& box) {
@@ -103,7 +124,7 @@ void TriangleModel::AddTriangle(const LatticeTriangle& triangle)
         upper = Lowest(ContainingChunk(box.upper), UpperChunkIndices());
         return lower[0] <= upper[0] && lower[1] <= upper[1] && lower[2] <= upper[2];
     };
-    ForEachPiece(NearestTriangle(triangle), touches, [&](const LatticeTriangle& piece, const TriangleBox&) {
+    ForEachPiece(triangle, touches, [&](const LatticeTriangle& piece, const TriangleBox&) {
         ForEachTriple(lower, upper, [&](const Triple& chunk) { ChunkRef(chunk).AddTriangle(piece); });
     });
 }

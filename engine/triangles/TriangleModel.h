@@ -82,6 +82,9 @@ public:
 
 private:
     class Filing;
+
+    Triple ChunkSize() const;
+    void FileInPieces(const LatticeTriangle& triangle);
 };
 
 } // namespace brix

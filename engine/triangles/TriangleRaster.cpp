@@ -175,15 +175,21 @@ void TriangleRaster::Fill(const TriangleChunk& triangles, InstructionSet instruc
 // Triangles are filed in pieces already. Whatever else was put into a chunk is cut here, and dropped where it misses the chunk.
 [[gnu::noinline]] void TriangleRaster::FillLarge(const LatticeTriangle& triangle)
 {
+    Triple lower{};
+    Triple upper{};
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+        const auto i = static_cast<int>(axis);
+        lower[axis] = origin_[i] + std::int64_t{lowerInExtents_[i]} * size_[i];
+        upper[axis] = origin_[i] + std::int64_t{upperInExtents_[i] + 1} * size_[i];
+    }
     const auto touches = [&](const TriangleBox& box) {
-        for (std::size_t axis = 0; axis < 3; ++axis) {
-            const auto i = static_cast<int>(axis);
-            if (box.upper[axis] < origin_[i] + std::int64_t{lowerInExtents_[i]} * size_[i]) return false;
-            if (box.lower[axis] > origin_[i] + std::int64_t{upperInExtents_[i] + 1} * size_[i]) return false;
-        }
-        return true;
+        return box.upper[0] >= lower[0] && box.upper[1] >= lower[1] && box.upper[2] >= lower[2] && box.lower[0] <= upper[0] &&
+               box.lower[1] <= upper[1] && box.lower[2] <= upper[2];
     };
-    ForEachPiece(triangle, touches, [&](const LatticeTriangle& piece, const TriangleBox&) { Fill(Packed(piece)); });
+    const Triple margin{MaxPieceSpan, MaxPieceSpan, MaxPieceSpan};
+    ForEachNearPart(triangle, Minus(lower, margin), Plus(upper, margin), [&](const LatticeTriangle& part) {
+        ForEachPiece(part, touches, [&](const LatticeTriangle& piece, const TriangleBox&) { Fill(Packed(piece)); });
+    });
 }
 
 void TriangleRaster::Fill(const PackedTriangle& triangle)

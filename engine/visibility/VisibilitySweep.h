@@ -27,12 +27,10 @@ inline constexpr std::array<std::uint64_t, Lanes> LaneBits = [] {
 }();
 
 /// The value of an empty voxel: that of its upstream neighbours when all three agree, so that full sight and darkness travel exactly,
-/// otherwise their mix.
-inline double ValueOfEmptyVoxel(double a, double b, double c, double mix)
-{
-    const double clamped = mix > 1.0 ? 1.0 : mix;
-    return a == b && b == c ? a : clamped;
-}
+/// otherwise their mix. A mix of values up to 1 need not be held at 1. Rounding keeps order, so it is at most what three ones give;
+/// that is (x + y + z) / (x + y + z), or s * n with s = x + y + z in 1 .. 1.74 and n = 1 / s: half a unit in the last place of n,
+/// 2^-54, makes s * n less than 1 + 2^-53, which rounds to 1.
+inline double ValueOfEmptyVoxel(double a, double b, double c, double mix) { return a == b && b == c ? a : mix; }
 
 /// Mixes upstream values in the proportions of one direction: (a * x + b * y + c * z) * normaliser.
 struct DirectionRule

@@ -182,11 +182,12 @@ VoxelPlate<bool> PlainSpread(VoxelPlate<bool> reached, const VoxelPlate<bool>& o
 {
     for (VoxelPlate<bool> before = ~reached; !(before == reached);) {
         before = reached;
-        for (std::size_t y = 0; y < 16; ++y) {
-            for (unsigned x = 0; x < 16; ++x) {
-                const unsigned beside = before.rows[y] << 1 | before.rows[y] >> 1 | (y > 0 ? before.rows[y - 1] : 0U) |
-                                        (y < 15 ? before.rows[y + 1] : 0U);
-                if ((beside & open.rows[y]) >> x & 1U) reached.rows[y] = static_cast<std::uint16_t>(reached.rows[y] | 1U << x);
+        for (std::int64_t y = 0; y < 16; ++y) {
+            for (std::int64_t x = 0; x < 16; ++x) {
+                const bool isJoined = before.Value({x, y}) || (x > 0 && before.Value({x - 1, y})) ||
+                                      (x < 15 && before.Value({x + 1, y})) || (y > 0 && before.Value({x, y - 1})) ||
+                                      (y < 15 && before.Value({x, y + 1}));
+                if (isJoined && open.Value({x, y})) reached = reached | Box({x, y}, {x, y});
             }
         }
     }

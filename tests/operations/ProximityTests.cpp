@@ -167,10 +167,10 @@ TEST(NearestFilledHorizontally, FindsWhatAScanOfTheGrownVoxelFinds)
 TEST(NearestFilledHorizontally, SearchesTheShapeThatGrowthMakes)
 {
     const Axes axes(1, {0, 0, 0}, 0, 5);
-    ReferenceModel single(Extents(axes, {-32, -32, 0}, {32, 32, 0}, 0), 0, 0);
+    ReferenceModel single(Extents(axes, {-23, -23, 0}, {23, 23, 0}, 0), 0, 0);
     single.Set({0, 0, 0});
     const VoxelModel<bool> model = MakeModel(single);
-    for (int diameter = 1; diameter <= 60; ++diameter) {
+    for (int diameter = 1; diameter <= 44; ++diameter) {
         const ReferenceModel grown(ExpandHorizontally(model, diameter, std::nullopt, false), 0);
         const ReferenceModel searched = single.Where([&](const Triple& voxel) {
             return NearestFilledHorizontally(model, axes.VoxelCenter(voxel, 0), diameter).IsValid();

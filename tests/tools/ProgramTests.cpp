@@ -1,8 +1,6 @@
 // The program brix as a user meets it: exit codes, one-line errors, and files that hold what the report says.
 #ifdef BRIX_PROGRAM
-#include <brix/model/VoxelIterator.h>
-#include <brix/triangles/StlFiles.h>
-#include <brix/triangles/Voxelization.h>
+#include <brix.h>
 
 #include <gtest/gtest.h>
 
@@ -107,6 +105,10 @@ TEST_F(Program, TellsWrongUsageInOneLineAndEndsWithTwo)
         {"slice house.stl -o s.png -w 1 --at z=1 --lod 2 --level 3",
          "The level of the slices is beyond the finest level of the model."},
         {"scene building --storeys 0 -o b.stl", "--storeys"},
+        {"run house.stl -w 1", "steps is required"},
+        {"run house.stl -w 1 -- invert melt", "There is no step \"melt\"; brix run --help lists them."},
+        {"run house.stl -w 1 -- expand-x 1", "The step expand-x needs LOWER UPPER."},
+        {"walkable house.stl -w 1 --floor 0 --height 0 -o w.png", "The height of the person must be a positive length"},
         {"scene", "A subcommand is required"},
     };
     for (const auto& [arguments, sentence] : cases) {
@@ -144,6 +146,10 @@ TEST_F(Program, TellsAFailedOperationInOneLineAndEndsWithOne)
         {"voxelize house.stl -o . -w 1", "Failed to open STL file \".\" to write triangle data in binary format."},
         {"slice house.stl -o s.png -w 1 --at x=1000", "The slice x=1000 lies outside the model."},
         {"slice house.stl -o . -w 1 --at x=1", "Failed to write the picture \".\"."},
+        {"run house.stl -w 1 -- expand-x 1 -2",
+         "The number of voxels to be added to the upper X side cannot be negative. The value encountered was -2."},
+        {"run house.stl -w 1 -- subtract none.stl", "Failed to open STL file \"none.stl\"."},
+        {"walkable house.stl -w 1.6 --floor 0 --from 0 0 99 -o w.png", "Nobody can stand at the point that --from gives."},
         {"scene building -o none/b.stl", "Failed to open STL file \"none/b.stl\" to write triangle data in binary format."},
     };
     for (const auto& [arguments, sentence] : cases) {
@@ -181,7 +187,7 @@ TEST_F(Program, TellsThatMemoryIsShort)
 TEST_F(Program, HelpsAndTellsItsVersion)
 {
     for (const std::string arguments :
-         {"--help", "info --help", "voxelize --help", "slice --help", "scene --help", "--version"}) {
+         {"--help", "info --help", "voxelize --help", "slice --help", "run --help", "walkable --help", "scene --help", "--version"}) {
         const Outcome outcome = Run(arguments);
         EXPECT_EQ(outcome.exitCode, 0) << arguments;
         EXPECT_EQ(outcome.error, "") << arguments;
@@ -249,6 +255,48 @@ TEST_F(Program, DrawsSlicesSideBySide)
     EXPECT_EQ(png.substr(1, 3), "PNG");
     EXPECT_EQ(Reported(slice, "s.png: (\\d+) x"), number(16));
     EXPECT_EQ(Reported(slice, "s.png: \\d+ x (\\d+) pixels"), number(20));
+}
+
+TEST_F(Program, RunsOperationsInARow)
+{
+    MakeHouse();
+    const Outcome outcome = Run("run house.stl -w 1.6 --lod 3 -- fill-enclosed expand-x 2 0 reduce-horizontally 3 write v.stl "
+                                "invert visible-along 0 0 -1 0.5 slice z=1 s.png auto-crop");
+    ASSERT_EQ(outcome.exitCode, 0) << outcome.error;
+    const std::vector<WorldTriangle> triangles = Load("house.stl");
+    const Extents extents = DetectTriangleExtents(Axes(1.6, {0, 0, 0}, 0, 3), triangles);
+    TriangleModel triangleModel(extents);
+    triangleModel.AddWorldTriangles(triangles);
+    VoxelModel<bool> model(extents, 3);
+    VoxelizeTriangleModel(model, triangleModel);
+
+    const auto reported = [&](const std::string& step) { return Reported(outcome, step + " +(\\d+) voxels filled"); };
+    model = FillEnclosedRegions(model);
+    EXPECT_EQ(reported("fill-enclosed"), CountFilled(model, 3));
+    model = ExpandAlongX(model, 2, 0, std::nullopt, false);
+    EXPECT_EQ(reported("expand-x"), CountFilled(model, 3));
+    model = ReduceHorizontally(model, 3, std::nullopt, false);
+    EXPECT_EQ(reported("reduce-horizontally"), CountFilled(model, 3));
+    EXPECT_EQ(Reported(outcome, "v.stl: level 3, (\\d+) triangles"), static_cast<std::int64_t>(Load("v.stl").size()));
+    model = VisibilityFromDirection(Invert(model), {0, 0, -1}, 3, 0.5);
+    EXPECT_EQ(reported("visible-along"), CountFilled(model, 3));
+    EXPECT_EQ(reported("auto-crop"), CountFilled(model, 3));
+    EXPECT_EQ(ContentOf(folder_ / "s.png").substr(1, 3), "PNG");
+}
+
+TEST_F(Program, DrawsWhereAPersonCanWalk)
+{
+    ASSERT_EQ(Run("scene building -o house.stl").exitCode, 0);
+    const std::string arguments = "walkable house.stl -w 3.2 --lod 5 --vertical-lod 4 --origin 0.03 0.03 0.03 --from -1 5 0.1 "
+                                  "--floor 0.05 --floor 3.05 --scale 1 -o w.png";
+    const Outcome person = Run(arguments);
+    ASSERT_EQ(person.exitCode, 0) << person.error;
+    EXPECT_EQ(ContentOf(folder_ / "w.png").substr(1, 3), "PNG");
+    const std::int64_t reachable = Reported(person, "reachable +(\\d+)");
+    EXPECT_LT(reachable, Reported(person, "walkable +(\\d+)")) << "nobody climbs on tables";
+    // A storey has about 100 m2 of free floor in 0.01 m2 voxels, and the terrace 80 m2: the person gets upstairs, a giant nowhere.
+    EXPECT_GT(reachable, 15000);
+    EXPECT_LT(Reported(Run(arguments + " --diameter 1.1"), "reachable +(\\d+)"), 10000) << "too wide for the doors";
 }
 
 } // namespace

@@ -17,6 +17,8 @@
 #include <thread>
 
 #if __has_include(<sys/stat.h>) && !defined(_WIN32)
+#include <csignal>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #define BRIX_TESTS_HAVE_DEVICES 1
 #endif
@@ -430,6 +432,8 @@ TEST(StlFiles, DoNotFollowTheLocaleOfTheHost)
     const TemporaryFolder folder;
     const Triangles triangles{{{{1.5, -1234.25, 1e-7}, {1e10, 1234567, 0.5}, {0.1, 3, 1e300}}}};
     SaveTrianglesToAsciiSTL(folder.path / "classic.stl", triangles, true);
+    std::ofstream(folder.path / "classic.stl", std::ios::app)
+        << "outer\nvertex 1." + std::string(2000, '0') + "e2 2 1.5e400\nvertex 1.5,5\nvertex 1,5\n";
     const Outcome expected = Loaded(folder.path / "classic.stl");
 
     const std::locale before = std::locale::global(std::locale(std::locale::classic(), new ForeignNumbers));
@@ -441,8 +445,10 @@ TEST(StlFiles, DoNotFollowTheLocaleOfTheHost)
     std::setlocale(LC_ALL, cLocaleBefore.c_str());
     std::locale::global(before);
 
-    EXPECT_EQ(Content(folder.path / "foreign.stl"), Content(folder.path / "classic.stl"));
+    const std::string inClassicLocale = Content(folder.path / "classic.stl");
+    EXPECT_EQ(Content(folder.path / "foreign.stl"), inClassicLocale.substr(0, inClassicLocale.find("outer\nvertex")));
     EXPECT_EQ(inForeignLocale, expected);
+    EXPECT_EQ(expected.bits.size(), 18U);
 }
 
 TEST(StlFiles, SayWhichFileCannotBeOpened)
@@ -472,7 +478,7 @@ TEST(SaveTrianglesToBinarySTL, RefusesMoreTrianglesThanTheFileCanCount)
               "The number encountered was 4294967296.");
 }
 
-/// A stream whose device takes or gives so many bytes, then fails.
+/// A device that gives some bytes, then fails.
 class FailingDevice : public std::streambuf
 {
 public:
@@ -480,38 +486,13 @@ public:
     {
         setg(&content_[0], &content_[0], &content_[0] + content_.size());
     }
-    explicit FailingDevice(std::streamsize room) : room_(room) {}
 
 protected:
     int_type underflow() override { throw std::runtime_error("The device does not answer."); }
-    int_type overflow(int_type) override { return traits_type::eof(); }
-    std::streamsize xsputn(const char*, std::streamsize count) override
-    {
-        const std::streamsize taken = std::min(count, room_);
-        room_ -= taken;
-        return taken;
-    }
 
 private:
     std::string content_;
-    std::streamsize room_ = 0;
 };
-
-TEST(StlFiles, SayWhatCouldNotBeWritten)
-{
-    const Triangles triangles(10, triangleA);
-    const auto messageWithRoom = [&](decltype(WriteAsciiTriangles) write, std::streamsize room) {
-        FailingDevice device(room);
-        std::ostream file(&device);
-        return MessageOf([&] { write(file, "full", triangles, false); });
-    };
-    EXPECT_EQ(messageWithRoom(WriteBinaryTriangles, 79), "Failed to write header to binary STL file \"full\".");
-    EXPECT_EQ(messageWithRoom(WriteBinaryTriangles, 83), "Failed to write triangle count to binary STL file \"full\".");
-    EXPECT_EQ(messageWithRoom(WriteBinaryTriangles, 583), "Failed to write triangle to STL file \"full\".");
-    EXPECT_EQ(messageWithRoom(WriteBinaryTriangles, 584), "");
-    EXPECT_EQ(messageWithRoom(WriteAsciiTriangles, 1000), "Failed to write triangle to STL file \"full\".");
-    EXPECT_EQ(messageWithRoom(WriteAsciiTriangles, 10'000), "");
-}
 
 TEST(StlFiles, DoNotTakeAFaultOfTheDeviceForTheEndOfTheFile)
 {
@@ -535,6 +516,47 @@ TEST(StlFiles, NoticeAFullDisk)
                   "Failed to write header to binary STL file \"/dev/full\".");
     }
     EXPECT_EQ(Loaded("/dev/full"), (Outcome{})); // it reads as zeros: a binary file without triangles
+}
+
+/// Files that this program writes may not grow beyond a size, as on a disk that fills up.
+class FileSizeLimit
+{
+public:
+    explicit FileSizeLimit(rlim_t bytes)
+    {
+        ::getrlimit(RLIMIT_FSIZE, &before_);
+        const rlimit limit{bytes, before_.rlim_max};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    FileSizeLimit(const FileSizeLimit&) = delete;
+    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+    ~FileSizeLimit()
+    {
+        ::setrlimit(RLIMIT_FSIZE, &before_);
+        std::signal(SIGXFSZ, signalBefore_);
+    }
+
+private:
+    rlimit before_{};
+    void (*signalBefore_)(int) = std::signal(SIGXFSZ, SIG_IGN);
+};
+
+TEST(StlFiles, NoticeADiskThatFillsUp)
+{
+    const TemporaryFolder folder;
+    const Path path = folder.path / "file.stl";
+    const std::string quoted = '"' + path.string() + '"';
+    const Triangles triangles(10, triangleA);
+    const auto messageWithRoom = [&](decltype(SaveTrianglesToAsciiSTL) save, rlim_t room) {
+        const FileSizeLimit limit(room);
+        return MessageOf([&] { save(path, triangles, false); });
+    };
+    EXPECT_EQ(messageWithRoom(SaveTrianglesToBinarySTL, 79), "Failed to write header to binary STL file " + quoted + ".");
+    EXPECT_EQ(messageWithRoom(SaveTrianglesToBinarySTL, 83), "Failed to write triangle count to binary STL file " + quoted + ".");
+    EXPECT_EQ(messageWithRoom(SaveTrianglesToBinarySTL, 583), "Failed to write triangle to STL file " + quoted + ".");
+    EXPECT_EQ(messageWithRoom(SaveTrianglesToBinarySTL, 584), "");
+    EXPECT_EQ(messageWithRoom(SaveTrianglesToAsciiSTL, 1000), "Failed to write triangle to STL file " + quoted + ".");
+    EXPECT_EQ(messageWithRoom(SaveTrianglesToAsciiSTL, 10'000), "");
 }
 
 TEST(LoadTrianglesFromSTL, ReadsPipes)

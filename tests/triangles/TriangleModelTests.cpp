@@ -172,6 +172,8 @@ TEST(TriangleModel, BoundsTheWorkForTrianglesOfAnySize)
     model.AddTriangle({{{lowest, lowest, lowest}, {highest, highest, highest}, {highest, lowest, 0}}});
     model.AddTriangle({{{lowest, 0, 0}, {highest, 0, 0}, {0, 0, highest}}});
     model.AddTriangle({{{far, far, far}, {far + 5, far, far}, {far, far, far + 3}}});
+    model.AddTriangle({{{-far, 5, 5}, {far, 5, 5}, {far, 5, 5}}}); // parts of a line cover it again and again
+    model.AddTriangle({{{5, 5, 5}, {30, 7, 5}, {-far, -far, -far}}});
     model.AddWorldTriangle({{{-infinity, 0, 0}, {infinity, 1e300, -1e300}, {std::nan(""), 5, 5}}});
     EXPECT_LT(FiledIn(model).size(), 5000U);
     model.ChunkRef({0, 0, 0}).AddTriangle({{{lowest, highest, 0}, {0, 0, 0}, {0, 0, 0}}});

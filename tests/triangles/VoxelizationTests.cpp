@@ -2,8 +2,10 @@
 #include "triangles/Voxelization.h"
 
 #include "model/CheckInvariants.h"
+#include "model/ForEachStack.h"
 #include "model/VoxelIterator.h"
 #include "support/Random.h"
+#include "triangles/TriangleRaster.h"
 
 #include <gtest/gtest.h>
 
@@ -97,8 +99,8 @@ LatticeTriangle RandomTriangle(Random& random, const Extents& extents, std::int6
         triangle[corner] = triangle[0];
         for (std::size_t i = 0; i < 3; ++i) {
             if (random.OneIn(5)) continue; // stays in a plane of the lattice, or on a line or point
-            triangle[corner][i] += random.OneIn(3) ? random.Between(-spread / size[i], spread / size[i]) * size[i]
-                                                   : random.Between(-spread, spread);
+            triangle[corner][i] +=
+                random.OneIn(3) ? random.Between(-spread / size[i], spread / size[i]) * size[i] : random.Between(-spread, spread);
         }
     }
     if (random.OneIn(8)) triangle[2] = triangle[1];
@@ -155,6 +157,65 @@ TEST(Voxelization, EqualsTheExactOverlapOfEveryVoxelWithEveryTriangle)
         VoxelizeTriangleModel(model, triangles);
         ExpectExactVoxels(model, FiledPieces(triangles), seed);
     }
+}
+
+// Fills the chunks of a model with the code for one instruction set.
+void Rasterize(VoxelModel<bool>& model, const TriangleModel& triangles, InstructionSet instructionSet)
+{
+    const std::int64_t lod = model.FinestLOD();
+    ForEachTriple(model.LowerChunkIndices(), model.UpperChunkIndices(), [&](const Triple& chunk) {
+        VoxelStore<bool>& store = model.ChunkRef(chunk).VoxelStoreRef(lod);
+        TriangleRaster(store, model.AxesRef().VoxelSize(lod)).Fill(triangles.ChunkRef(chunk), instructionSet);
+        ForEachStackOfStore(store,
+                            [](VoxelStore<bool>& written, const StackIndices& ij) { written.VoxelStackRef(ij).Compress(); });
+    });
+}
+
+bool HoldSameVoxels(const VoxelModel<bool>& a, const VoxelModel<bool>& b)
+{
+    return AllStacks(a, a.FinestLOD(), [&](const VoxelStore<bool>& store, const StackIndices& ij) {
+        const Triple chunk = ChunkOfVoxel(store.LowerIndices(), a.FinestLOD());
+        return store.VoxelStackRef(ij) == b.ChunkRef(chunk).VoxelStoreRef(a.FinestLOD()).VoxelStackRef(ij);
+    });
+}
+
+TEST(TriangleRaster, FillsTheSameWithEveryInstructionSet)
+{
+    for (std::uint64_t seed = 1; seed <= 400; ++seed) {
+        const Case random = RandomCase(seed);
+        TriangleModel triangles(random.extents);
+        for (const LatticeTriangle& triangle : random.triangles) triangles.AddTriangle(triangle);
+        VoxelModel<bool> expected(random.extents, random.finestLOD);
+        VoxelModel<bool> portable(random.extents, random.finestLOD);
+        VoxelizeTriangleModel(expected, triangles);
+        Rasterize(portable, triangles, InstructionSet::Portable);
+        EXPECT_TRUE(HoldSameVoxels(portable, expected)) << "seed " << seed;
+    }
+}
+
+TEST(TriangleRaster, CutsWhatWasPutIntoAChunkUncut)
+{
+    std::int64_t hits = 0;
+    for (std::uint64_t seed = 1; seed <= 300; ++seed) {
+        Random random(seed);
+        const Case box = RandomCase(seed);
+        const std::int64_t reach = random.OneIn(2) ? 2000000 : 500000000;
+        LatticeTriangle triangle{};
+        for (Triple& corner : triangle)
+            corner = RandomCorner(random, box.extents, box.finestLOD, random.OneIn(3) ? 20000 : reach);
+        TriangleModel cut(box.extents);
+        TriangleModel uncut(box.extents);
+        cut.AddTriangle(triangle);
+        ForEachTriple(uncut.LowerChunkIndices(), uncut.UpperChunkIndices(),
+                      [&](const Triple& chunk) { uncut.ChunkRef(chunk).AddTriangle(triangle); });
+        VoxelModel<bool> expected(box.extents, box.finestLOD);
+        VoxelModel<bool> model(box.extents, box.finestLOD);
+        VoxelizeTriangleModel(expected, cut);
+        VoxelizeTriangleModel(model, uncut);
+        EXPECT_TRUE(HoldSameVoxels(model, expected)) << "seed " << seed;
+        if (!HoldSameVoxels(model, VoxelModel<bool>(box.extents, box.finestLOD))) ++hits;
+    }
+    EXPECT_GT(hits, 30);
 }
 
 } // namespace

@@ -1,0 +1,81 @@
+#include "OperationScenes.h"
+
+#include "operations/FillOperations.h"
+#include "triangles/Voxelization.h"
+
+#include <map>
+#include <memory>
+#include <random>
+
+namespace brix::benchmarks {
+namespace {
+
+constexpr std::int64_t Level = GriddedScene::FinestLOD;
+
+DenseWords Moved(const DenseWords& voxels)
+{
+    DenseWords moved = voxels;
+    std::fill(moved.words.begin(), moved.words.end(), 0);
+    for (std::int64_t z = 20; z < voxels.size[2]; ++z) {
+        for (std::int64_t y = 24; y < voxels.size[1]; ++y) {
+            for (std::int64_t i = 1; i < voxels.wordsPerRow; ++i)
+                moved.Row(y, z)[i] = voxels.Row(y - 24, z - 20)[i - 1] & voxels.inside[static_cast<std::size_t>(i)];
+        }
+    }
+    return moved;
+}
+
+VoxelModel<bool> Noise(std::int64_t voxels)
+{
+    const Extents extents(Axes(32, {0, 0, 0}, 0, Level), {0, 0, 0}, {voxels - 1, voxels - 1, voxels - 1}, Level);
+    DenseWords dense(extents);
+    std::mt19937_64 random(1);
+    for (std::uint64_t& word : dense.words) word = random();
+    return ModelOf(dense, extents.RescaledCopy(0), Level);
+}
+
+VoxelModel<bool> Voxelized(const std::string& scene, std::int64_t voxels)
+{
+    const GriddedScene& gridded = Gridded(scene, voxels);
+    VoxelModel<bool> model(gridded.extents, Level);
+    VoxelizeTriangleModel(model, gridded.filed);
+    return model;
+}
+
+VoxelModel<bool> VoxelsOf(const std::string& name, std::int64_t voxels)
+{
+    if (name == "noise") return Noise(voxels);
+    if (name == "bunny-shell") return Voxelized("bunny", voxels);
+    if (name == "bunny-solid") return FillEnclosedRegions(Voxelized("bunny", voxels));
+    return Voxelized(name, voxels);
+}
+
+} // namespace
+
+OperationScene::OperationScene(VoxelModel<bool> voxels, Extents surroundings)
+    : model(std::move(voxels)),
+      extents(std::move(surroundings)),
+      dense(model),
+      otherDense(Moved(dense)),
+      other(ModelOf(otherDense, extents, model.FinestLOD()))
+{}
+
+const OperationScene& SceneOfOperations(const std::string& name, std::int64_t voxels)
+{
+    static std::map<std::pair<std::string, std::int64_t>, std::unique_ptr<OperationScene>> made;
+    auto& scene = made[{name, voxels}];
+    if (!scene) {
+        VoxelModel<bool> model = VoxelsOf(name, voxels);
+        Extents extents = model.ExtentsRef(Level);
+        scene = std::make_unique<OperationScene>(std::move(model), std::move(extents));
+    }
+    return *scene;
+}
+
+bool HasOperationScene(const std::string& name)
+{
+    const std::string source = name.substr(0, name.find('-'));
+    return name == "noise" || std::find(SceneNames().begin(), SceneNames().end(), source) != SceneNames().end();
+}
+
+} // namespace brix::benchmarks
