@@ -134,11 +134,16 @@ private:
 
         if (light_ != Light::Mixed) plane_.Fill(light_ == Light::Full ? 1.0 : 0.0);
         Stretch stretch{count, {}, {}, x.RowsForWriting(height, count), y.RowsForWriting(height, count), plane_, threshold_};
-        for (std::int64_t k = 0; k < count; ++k) stretch.filled.Put(static_cast<std::size_t>(k), view.PlateAt(height + k));
-        RunWith(instructionSet_, [&] { SweepPlates(stretch, rule); });
-        for (std::int64_t k = 0; k < count; ++k) {
-            seen.Append(height + k, stretch.visible.Get(static_cast<std::size_t>(k)) & view.Inside());
-        }
+        std::array<VoxelPlate<bool>, MaxPlates> visible;
+        RunWith(instructionSet_, [&] {
+            const auto plates = static_cast<std::size_t>(count);
+            for (std::size_t k = 0; k < plates; ++k) {
+                stretch.filled.Put(k, view.PlateAt(height + static_cast<std::int64_t>(k)));
+            }
+            SweepPlates(stretch, rule);
+            for (std::size_t k = 0; k < plates; ++k) visible[k] = stretch.visible.Get(k) & view.Inside();
+        });
+        for (std::int64_t k = 0; k < count; ++k) seen.Append(height + k, visible[static_cast<std::size_t>(k)]);
         x.Inspect(height, count);
         y.Inspect(height, count);
         light_ = plane_.IsUniform() ? SightFace::LightOf(plane_.FirstValue()) : Light::Mixed;

@@ -35,7 +35,7 @@ std::string Stopwatch::Text() const
 
 void PrintStep(const std::string& step, const std::string& result)
 {
-    std::cout << std::left << std::setw(10) << step << result << '\n';
+    std::cout << std::left << std::setw(9) << step << ' ' << result << '\n';
 }
 
 } // namespace brix::tools
