@@ -22,7 +22,8 @@ struct PlateRow
 };
 
 // Calls visit(height, row of the plate, place) for every row of every plate of a stack inside the box.
-template <class Visit> void ForEachPlateRow(const VoxelStore<bool>& store, const StackIndices& ij, const DenseWords& box, Visit visit)
+template <class Visit>
+void ForEachPlateRow(const VoxelStore<bool>& store, const StackIndices& ij, const DenseWords& box, Visit visit)
 {
     const Triple corner = Minus(store.LowerIndices(ij), box.lower);
     const Triple lower = store.LowerOffset(ij);
@@ -167,10 +168,9 @@ template <class Rule> DenseWords ApplyByOne(const DenseWords& voxels, const Rule
         };
         for (std::int64_t z = 0; z < voxels.size[2]; ++z) {
             for (std::int64_t y = 0; y < voxels.size[1]; ++y) {
-                ApplyToRow(
-                    result.Row(y, z),
-                    {voxels.Row(y, z), rowOrNone(y - 1, z), rowOrNone(y + 1, z), rowOrNone(y, z - 1), rowOrNone(y, z + 1)},
-                    voxels.inside, rule);
+                ApplyToRow(result.Row(y, z),
+                           {voxels.Row(y, z), rowOrNone(y - 1, z), rowOrNone(y + 1, z), rowOrNone(y, z - 1), rowOrNone(y, z + 1)},
+                           voxels.inside, rule);
             }
         }
     });
@@ -270,16 +270,15 @@ DenseWords ExposedSeeds(const DenseWords& passable)
 DenseWords ReachedFromFaces(const DenseWords& passable)
 {
     DenseWords reached = ExposedSeeds(passable);
-    while (Sweep(reached, passable, 1) | Sweep(reached, passable, -1)) {}
+    while (Sweep(reached, passable, 1) | Sweep(reached, passable, -1)) {
+    }
     return reached;
 }
 
 } // namespace
 
 DenseWords::DenseWords(const Extents& extents)
-    : lower(extents.LowerIndices()),
-      size(Plus(Minus(extents.UpperIndices(), extents.LowerIndices()), {1, 1, 1})),
-      wordsPerRow(0)
+    : lower(extents.LowerIndices()), size(Plus(Minus(extents.UpperIndices(), extents.LowerIndices()), {1, 1, 1})), wordsPerRow(0)
 {
     const std::int64_t firstBit = lower[0] - FloorDivide(lower[0], 64) * 64;
     const std::int64_t lastBit = firstBit + size[0] - 1;

@@ -31,7 +31,7 @@ VoxelModel<bool> Noise(std::int64_t voxels)
     DenseWords dense(extents);
     std::mt19937_64 random(1);
     for (std::uint64_t& word : dense.words) word = random();
-    return ModelOf(dense, extents.RescaledCopy(0), Level);
+    return ModelOf(dense, extents, Level);
 }
 
 VoxelModel<bool> Voxelized(const std::string& scene, std::int64_t voxels)

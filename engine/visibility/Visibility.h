@@ -27,7 +27,7 @@ VoxelModel<bool> VisibilityFromDirection(const VoxelModel<bool>& voxelModel, con
 /// The voxels of level `lod` that are seen from a point: a model with `lod` as its finest level.
 /// `point`              base units; anywhere, also outside the extents
 /// `maxRadius`          base units: voxels whose centre is farther from the point are never marked; no limit from 2800000000 on
-/// `threshold`          as above
+/// `threshold`          as above; 0 and below mark every voxel within the radius
 /// `autoAdjustExtents`  false: the result has the source's extents. true: the model is first resized to the box of the sphere of
 ///                      `maxRadius` around the point, clipped to the index space (without a limit: to its extents at `lod`, enlarged
 ///                      to hold the point's voxel), and the result is bounded by what is visible in it

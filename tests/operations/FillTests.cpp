@@ -74,7 +74,7 @@ Triple RandomVoxel(Random& random, const Extents& extents)
 
 TEST(Fills, EqualTheVoxelByVoxelFlood)
 {
-    for (const RandomModel& model : RandomModels(5000, 250)) {
+    for (const RandomModel& model : RandomModels(5000, 200)) {
         Random random(model.seed);
         ASSERT_TRUE(FillsAreRight(model.reference, model.voxels, random)) << model;
     }
@@ -84,7 +84,7 @@ TEST(Fills, EqualTheVoxelByVoxelFlood)
 // that runs of all lengths meet.
 TEST(Fills, FollowWindingCaves)
 {
-    for (std::uint64_t seed = 1; seed <= 150; ++seed) {
+    for (std::uint64_t seed = 1; seed <= 120; ++seed) {
         Random random(seed);
         const std::int64_t lod = random.Between(0, 3);
         const Extents extents = RandomExtents(random, RandomAxes(random), lod);

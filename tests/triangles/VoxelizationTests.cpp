@@ -218,5 +218,18 @@ TEST(TriangleRaster, CutsWhatWasPutIntoAChunkUncut)
     EXPECT_GT(hits, 30);
 }
 
+TEST(Voxelization, FillsAWholeLayerWhereATriangleReachesFarBeyondTheLattice)
+{
+    const Extents extents(Axes(40000, {0, 0, 0}, 0, 5), {-20, -20, -3}, {20, 20, 3}, 0);
+    for (const std::int64_t far : {std::int64_t{1} << 31, std::int64_t{1} << 34, MaxCoordinate}) {
+        TriangleModel triangles(extents);
+        triangles.AddTriangle({{{-far, -far, 100}, {far, -far, 100}, {0, far, 100}}});
+        VoxelModel<bool> model(extents, 0);
+        VoxelizeTriangleModel(model, triangles);
+        ForEachTriple(extents.LowerIndices(), extents.UpperIndices(),
+                      [&](const Triple& voxel) { ASSERT_EQ(model.FindVoxel(voxel, 0).Value(), voxel[2] == 0) << far; });
+    }
+}
+
 } // namespace
 } // namespace brix
