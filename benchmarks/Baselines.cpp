@@ -146,6 +146,7 @@ void VoxelizeDensely(DenseVoxels& voxels, const Triple& voxelSize, const std::ve
 std::vector<LatticeTriangle> ConvertTriangles(const Axes& axes, const std::vector<WorldTriangle>& triangles)
 {
     std::vector<LatticeTriangle> converted;
+    converted.reserve(triangles.size());
     for (const auto& [a, b, c] : triangles) {
         converted.push_back({axes.FromWorldCoordinates(a), axes.FromWorldCoordinates(b), axes.FromWorldCoordinates(c)});
     }

@@ -1,6 +1,8 @@
 #include "OperationScenes.h"
 
 #include "operations/FillOperations.h"
+#include "operations/SolidOperations.h"
+#include "operations/SurfaceOperations.h"
 #include "triangles/Voxelization.h"
 
 #include <map>
@@ -42,11 +44,24 @@ VoxelModel<bool> Voxelized(const std::string& scene, std::int64_t voxels)
     return model;
 }
 
+// The bunny's mesh has holes in its base, through which a fill leaves. Along y they are narrower than a sixth of the bunny, so that
+// they close when the shell grows along y, and a little along z, as the base is not even. What is enclosed then grows back as far as
+// the shell itself.
+VoxelModel<bool> Solid(const VoxelModel<bool>& shell, std::int64_t voxels)
+{
+    const int reach = static_cast<int>(voxels / 11);
+    const int rise = static_cast<int>(voxels / 64);
+    const VoxelModel<bool> grown = ExpandAlongZ(ExpandAlongY(shell, reach, reach, {}, false), rise, rise, {}, false);
+    const VoxelModel<bool> core = Subtract(FillEnclosedRegions(grown), grown, Level, false);
+    const VoxelModel<bool> inside = ExpandAlongY(ExpandAlongZ(core, rise, rise, shell, false), reach, reach, shell, false);
+    return Union({&shell, &inside}, Level, false);
+}
+
 VoxelModel<bool> VoxelsOf(const std::string& name, std::int64_t voxels)
 {
     if (name == "noise") return Noise(voxels);
     if (name == "bunny-shell") return Voxelized("bunny", voxels);
-    if (name == "bunny-solid") return FillEnclosedRegions(Voxelized("bunny", voxels));
+    if (name == "bunny-solid") return Solid(Voxelized("bunny", voxels), voxels);
     return Voxelized(name, voxels);
 }
 

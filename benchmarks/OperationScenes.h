@@ -19,7 +19,7 @@ struct OperationScene
     VoxelModel<bool> other;
 };
 
-/// bunny-shell, bunny-solid (its cavities filled), building, city: so many voxels along the longest side. noise: a cube with so many,
+/// bunny-shell, bunny-solid (with its inside filled), building, city: so many voxels along the longest side. noise: a cube with so many,
 /// half of them filled at random. Made at first use and kept.
 const OperationScene& SceneOfOperations(const std::string& name, std::int64_t voxels);
 

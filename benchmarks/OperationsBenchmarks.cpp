@@ -13,6 +13,7 @@
 #include "travel/PathModel.h"
 #include "triangles/Voxelization.h"
 
+#include <functional>
 #include <random>
 #include <set>
 

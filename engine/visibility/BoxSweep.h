@@ -38,6 +38,25 @@ struct BoxSweep
 void MarkVisible(VoxelModel<bool>& result, std::int64_t lod, const BoxSweep& sweep, const Triple& corner,
                  const StackBuilder& seen);
 
+/// Passes a carrier through the `level`th stack of a column.
+template <class Carrier>
+void SweepStack(VoxelModel<bool>& result, const VoxelModel<bool>& model, std::int64_t lod, const BoxSweep& sweep,
+                const Triple& corner, std::int64_t level, Carrier& carrier)
+{
+    const Triple lower = Highest(sweep.lower, corner);
+    const Triple upper = Lowest(sweep.upper, Plus(corner, {15, 15, 63}));
+    if (sweep.mask != nullptr && !sweep.mask->IsNeeded(lower, upper)) return;
+
+    StackView view(ConstStackIterator(model, corner, lod).VoxelStackRef(), Minus(lower, corner), Minus(upper, corner),
+                   sweep.order);
+    if (sweep.eye && IsWithin(*sweep.eye, lower, upper)) view.Clear(Minus(*sweep.eye, corner));
+    StackBuilder seen;
+    if (view.Begin() > 0) seen.Append(0, {});
+    carrier.Pass(view, level, corner, seen);
+    if (view.End() < VoxelStack<bool>::Height) seen.Append(view.End(), {});
+    MarkVisible(result, lod, sweep, corner, seen);
+}
+
 /// Passes a carrier through the stacks of the box and marks in `result` what is visible. Both models must hold the box at `lod`, and
 /// have the same extents.
 template <class Carrier>
@@ -49,19 +68,7 @@ void SweepBox(VoxelModel<bool>& result, const VoxelModel<bool>& model, std::int6
         for (std::int64_t i = 0; i < count[0]; ++i) {
             carrier.EnterColumn(i, sweep.CornerAt({i, j, 0}));
             for (std::int64_t k = 0; k < count[2]; ++k) {
-                const Triple corner = sweep.CornerAt({i, j, k});
-                const Triple lower = Highest(sweep.lower, corner);
-                const Triple upper = Lowest(sweep.upper, Plus(corner, {15, 15, 63}));
-                if (sweep.mask != nullptr && !sweep.mask->IsNeeded(lower, upper)) continue;
-
-                StackView view(ConstStackIterator(model, corner, lod).VoxelStackRef(), Minus(lower, corner), Minus(upper, corner),
-                               sweep.order);
-                if (sweep.eye && IsWithin(*sweep.eye, lower, upper)) view.Clear(Minus(*sweep.eye, corner));
-                StackBuilder seen;
-                if (view.Begin() > 0) seen.Append(0, {});
-                carrier.Pass(view, k, corner, seen);
-                if (view.End() < VoxelStack<bool>::Height) seen.Append(view.End(), {});
-                MarkVisible(result, lod, sweep, corner, seen);
+                SweepStack(result, model, lod, sweep, sweep.CornerAt({i, j, k}), k, carrier);
             }
         }
     }
