@@ -112,8 +112,15 @@ GriddedScene::GriddedScene(const std::string& scene, std::int64_t voxels)
     VoxelizeTriangleModel(model, filed);
     DenseVoxels expected(FinestExtents());
     VoxelizeDensely(expected, VoxelSize(), pieces);
-    filledVoxels = expected.Count();
     if (!HoldsExactly(model, expected)) Fail("The engine and the baseline fill different voxels of " + scene + ".");
+
+    filledAtLevel.back() = expected.Count();
+    for (std::size_t lod = FinestLOD; lod > 0; --lod) {
+        DenseVoxels coarser(extents.RescaledCopy(static_cast<std::int64_t>(lod) - 1));
+        CoarsenFilledVoxels(coarser, expected);
+        filledAtLevel[lod - 1] = coarser.Count();
+        expected = std::move(coarser);
+    }
 }
 
 const GriddedScene& Gridded(const std::string& scene, std::int64_t voxels)

@@ -23,11 +23,12 @@ struct GriddedScene
 
     const std::vector<WorldTriangle>& worldTriangles;
     Axes axes;
-    Extents extents;                     // of all that the triangles touch, at level 0
-    TriangleModel filed;                 // the triangles as voxelization reads them
-    std::vector<LatticeTriangle> pieces; // the same, each piece once: large triangles cut as filing cuts them
-    std::int64_t filledVoxels;           // at the finest level, by the scalar baseline
+    Extents extents;                                       // of all that the triangles touch, at level 0
+    TriangleModel filed;                                   // the triangles as voxelization reads them
+    std::vector<LatticeTriangle> pieces;                   // the same, each piece once: large triangles cut as filing cuts them
+    std::array<std::int64_t, FinestLOD + 1> filledAtLevel; // voxels, by the scalar baseline
 
+    std::int64_t FilledVoxels() const { return filledAtLevel.back(); }
     Extents FinestExtents() const { return extents.RescaledCopy(FinestLOD); }
     Triple VoxelSize() const { return axes.VoxelSize(FinestLOD); }
 };

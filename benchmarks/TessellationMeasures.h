@@ -41,12 +41,12 @@ inline std::int64_t CountCoveredVoxels(const GriddedScene& scene, const std::vec
 inline void MeasureTessellate(benchmark::State& state, const GriddedScene& scene)
 {
     const VoxelModel<bool> model = VoxelsOf(scene);
-    RequireEqual("Voxels in boxes", CountCoveredVoxels(scene, Tessellated(model)), scene.filledVoxels);
+    RequireEqual("Voxels in boxes", CountCoveredVoxels(scene, Tessellated(model)), scene.FilledVoxels());
     std::int64_t count = 0;
     MeasureResult(
         state, [&] { return Tessellated(model); }, [&](const auto& triangles) { count = std::ssize(triangles); });
     state.counters["triangles"] = static_cast<double>(count);
-    state.counters["voxels"] = static_cast<double>(scene.filledVoxels);
+    state.counters["voxels"] = static_cast<double>(scene.FilledVoxels());
 }
 
 } // namespace brix::benchmarks

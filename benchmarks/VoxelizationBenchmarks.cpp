@@ -50,7 +50,7 @@ void MeasureVoxelizeBaseline(State& state, const GriddedScene& scene)
         VoxelizeDensely(voxels, scene.VoxelSize(), scene.pieces);
         benchmark::ClobberMemory();
         state.PauseTiming();
-        RequireEqual("Voxels of the bit set", voxels.Count(), scene.filledVoxels);
+        RequireEqual("Voxels of the bit set", voxels.Count(), scene.FilledVoxels());
         state.ResumeTiming();
     }
 }

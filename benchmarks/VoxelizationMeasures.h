@@ -14,7 +14,7 @@ namespace brix::benchmarks {
 
 inline void CheckVoxels(const GriddedScene& scene, const VoxelModel<bool>& model)
 {
-    RequireEqual("Filled voxels", CountFilledVoxels(model, GriddedScene::FinestLOD), scene.filledVoxels);
+    RequireEqual("Filled voxels", CountFilledVoxels(model, GriddedScene::FinestLOD), scene.FilledVoxels());
 }
 
 /// Measures fill(model) on empty models, and checks how many voxels it filled.
@@ -23,7 +23,7 @@ template <class Fill> void MeasureFilling(benchmark::State& state, const Gridded
     MeasureOnFresh(
         state, [&] { return VoxelModel<bool>(scene.extents, GriddedScene::FinestLOD); }, fill,
         [&](const VoxelModel<bool>& model) { CheckVoxels(scene, model); });
-    state.counters["voxels"] = static_cast<double>(scene.filledVoxels);
+    state.counters["voxels"] = static_cast<double>(scene.FilledVoxels());
     state.counters["triangles"] = static_cast<double>(scene.worldTriangles.size());
 }
 

@@ -77,8 +77,8 @@ std::int64_t CountCells(const rcHeightfield& field)
 // Floats round where the engine is exact, so the results agree only nearly; more than one in a hundred would be different work.
 void CheckCells(const GriddedScene& scene, std::int64_t cells)
 {
-    if (std::abs(cells - scene.filledVoxels) > scene.filledVoxels / 100)
-        RequireEqual("Cells of the heightfield", cells, scene.filledVoxels);
+    if (std::abs(cells - scene.FilledVoxels()) > scene.FilledVoxels() / 100)
+        RequireEqual("Cells of the heightfield", cells, scene.FilledVoxels());
 }
 
 void MeasureRecast(benchmark::State& state, const GriddedScene& scene)
@@ -94,7 +94,7 @@ void MeasureRecast(benchmark::State& state, const GriddedScene& scene)
         },
         [&](const Heightfield& field) { CheckCells(scene, cells = CountCells(*field)); });
     state.counters["cells"] = static_cast<double>(cells);
-    state.counters["voxels"] = static_cast<double>(scene.filledVoxels);
+    state.counters["voxels"] = static_cast<double>(scene.FilledVoxels());
 }
 
 const bool registered = [] {

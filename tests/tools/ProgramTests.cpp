@@ -186,8 +186,8 @@ TEST_F(Program, TellsThatMemoryIsShort)
 
 TEST_F(Program, HelpsAndTellsItsVersion)
 {
-    for (const std::string arguments :
-         {"--help", "info --help", "voxelize --help", "slice --help", "run --help", "walkable --help", "scene --help", "--version"}) {
+    for (const std::string arguments : {"--help", "info --help", "voxelize --help", "slice --help", "run --help",
+                                        "walkable --help", "scene --help", "--version"}) {
         const Outcome outcome = Run(arguments);
         EXPECT_EQ(outcome.exitCode, 0) << arguments;
         EXPECT_EQ(outcome.error, "") << arguments;

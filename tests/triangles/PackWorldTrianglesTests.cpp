@@ -73,9 +73,12 @@ TEST(PackWorldTriangles, GivesTheFramesCoordinatesOrABound)
             for (std::size_t i = 0; i < triangles.size(); ++i) {
                 const LatticeTriangle expected = Converted(axes, triangles[i]);
                 const bool isHeld = IsAtBound(packed[i]);
-                if (!isHeld) ASSERT_EQ(Unpacked(packed[i]), expected) << "seed " << seed;
-                if (const std::int64_t most = MaxPackedCoordinate; std::abs(expected[2][2]) >= most)
+                if (!isHeld) {
+                    ASSERT_EQ(Unpacked(packed[i]), expected) << "seed " << seed;
+                }
+                if (const std::int64_t most = MaxPackedCoordinate; std::abs(expected[2][2]) >= most) {
                     ASSERT_TRUE(isHeld) << "seed " << seed;
+                }
                 ++(isHeld ? held : exact);
             }
         }

@@ -73,7 +73,7 @@ struct Case
     std::vector<LatticeTriangle> triangles;
 };
 
-// A corner near the extents: anywhere, or on faces, edges and corners of voxels, where closed boxes touch.
+// A corner near the extents: anywhere, or on faces, edges and corners of voxels, where closed boxes touch, or just beside them.
 Triple RandomCorner(Random& random, const Extents& extents, std::int64_t lod, std::int64_t reach)
 {
     const Axes& axes = extents.AxesRef();
@@ -83,7 +83,8 @@ Triple RandomCorner(Random& random, const Extents& extents, std::int64_t lod, st
     Triple corner{};
     for (std::size_t i = 0; i < 3; ++i) {
         corner[i] = random.Between(lower[i] - reach, upper[i] + reach);
-        if (random.OneIn(3)) corner[i] = FloorDivide(corner[i], size[i]) * size[i];
+        if (random.OneIn(2))
+            corner[i] = FloorDivide(corner[i], size[i]) * size[i] + (random.OneIn(2) ? random.Between(-1, 1) : 0);
     }
     return corner;
 }
