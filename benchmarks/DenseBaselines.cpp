@@ -270,7 +270,9 @@ DenseWords ExposedSeeds(const DenseWords& passable)
 DenseWords ReachedFromFaces(const DenseWords& passable)
 {
     DenseWords reached = ExposedSeeds(passable);
-    while (Sweep(reached, passable, 1) | Sweep(reached, passable, -1)) {
+    for (bool isChanged = true; isChanged;) {
+        isChanged = Sweep(reached, passable, 1);
+        isChanged = Sweep(reached, passable, -1) || isChanged;
     }
     return reached;
 }
