@@ -1,7 +1,7 @@
 // A second source of the host: what the headers define must not collide when two sources include them.
 #include <brix.h>
 
-std::int64_t CountFilled(const brix::VoxelModel<bool>& model, std::int64_t lod)
+std::int64_t CountBySteps(const brix::VoxelModel<bool>& model, std::int64_t lod)
 {
     std::int64_t count = 0;
     const brix::Extents& extents = model.ExtentsRef(lod);

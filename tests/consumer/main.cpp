@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <stdexcept>
 
-std::int64_t CountFilled(const brix::VoxelModel<bool>& model, std::int64_t lod);
+std::int64_t CountBySteps(const brix::VoxelModel<bool>& model, std::int64_t lod);
 
 namespace {
 
@@ -40,8 +40,8 @@ int main()
     brix::VoxelModel<bool> model(extents, 2);
     brix::VoxelizeTriangleModel(model, triangles);
 
-    bool failed = Fails("voxels at level 0", 16, CountFilled(model, 0));
-    failed |= Fails("voxels at level 2", 196, CountFilled(model, 2));
+    bool failed = Fails("voxels at level 0", 16, brix::CountFilled(model, 0));
+    failed |= Fails("voxels at level 2", 196, CountBySteps(model, 2));
     failed |= Fails("a level too many is refused", 1, IsRefused(extents));
     return failed ? 1 : 0;
 }
