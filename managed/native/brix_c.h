@@ -1,0 +1,328 @@
+/* The C interface of Brix: the contract between the engine and every other language.
+ *
+ *   - Every function that can fail returns a status, 0 (BRIX_OK) or one of brix_status, and takes an error object as its last
+ *     argument, after the result. The caller owns the error object; there is no state behind it that is shared by threads or calls.
+ *   - Objects are opaque. Each `brix_..._create` and every result that is an object has to be given to the `brix_..._free` of its
+ *     type, once; freeing NULL does nothing. Objects do not depend on the lifetime of the ones that they were made from: an
+ *     iterator keeps the voxels of its model alive.
+ *   - Objects never change after they were made, so several threads may read one object; none may free it meanwhile.
+ *   - Arguments are plain numbers, pointers to numbers and objects. A pointer to three numbers is x, y, z. Booleans are int32_t, zero
+ *     or not. Only `guide` and error objects may be NULL; any other NULL is refused with BRIX_NULL_ARGUMENT.
+ *   - On failure nothing is written to the result.
+ *
+ * Units: "world" coordinates and distances are doubles in the host's units; voxel indices belong to a level of detail, 0 (coarsest)
+ * to 5 (finest); bounds are inclusive. What each operation does, its errors and its cost stand in the C++ header of the same name
+ * (brix/operations/SurfaceOperations.h and so on); a message is the text of the engine's exception.
+ *
+ *     brix_error error = {0};
+ *     brix_axes* axes = NULL;
+ *     const double origin[3] = {0, 0, 0};
+ *     if (brix_axes_create(1.6, origin, 0.0, 4, &axes, &error) != BRIX_OK) {
+ *         printf("%.*s\n", (int)error.length, error.message);
+ *         brix_error_clear(&error);
+ *     }
+ */
+#ifndef BRIX_C_H
+#define BRIX_C_H
+
+#include <stddef.h>
+#include <stdint.h>
+
+#if defined(_WIN32) && defined(BRIX_C_BUILD)
+#define BRIX_C_API __declspec(dllexport)
+#elif defined(_WIN32)
+#define BRIX_C_API __declspec(dllimport)
+#elif defined(__GNUC__)
+#define BRIX_C_API __attribute__((visibility("default")))
+#else
+#define BRIX_C_API
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* ---- Versions and errors ---- */
+
+/* Raised with every change that an existing caller would not survive. The name of the library ends with this number. */
+#define BRIX_ABI_VERSION 1
+
+/* The number above, as the loaded library was built with. */
+BRIX_C_API int32_t brix_abi_version(void);
+
+/* The version of the engine, "0.1.0"; never NULL, not to be freed. */
+BRIX_C_API const char* brix_version_string(void);
+
+typedef enum brix_status {
+    BRIX_OK = 0,
+    BRIX_INVALID_ARGUMENT = 1, /* an argument breaks a rule (std::domain_error) */
+    BRIX_OUT_OF_RANGE = 2,     /* an iterator that points outside its model was used (std::out_of_range) */
+    BRIX_FILE_FAILURE = 3,     /* a file cannot be read or written (std::runtime_error) */
+    BRIX_OUT_OF_MEMORY = 4,    /* an allocation failed; nothing is lost but the result */
+    BRIX_NULL_ARGUMENT = 5,    /* a required pointer is NULL */
+    BRIX_FAILURE = 6           /* anything else */
+} brix_status;
+
+/* What went wrong. Start with all zero; pass the same one again only after brix_error_clear. `message` is UTF-8 text of `length`
+ * bytes, followed by a zero byte. */
+typedef struct brix_error {
+    int32_t status;
+    int32_t is_owned; /* whether brix_error_clear has to free the message */
+    int64_t length;
+    const char* message;
+} brix_error;
+
+/* Frees the message and sets everything to zero. */
+BRIX_C_API void brix_error_clear(brix_error* error);
+
+/* ---- Frames: world coordinates, lattice and levels (brix/frame/Axes.h) ---- */
+
+typedef struct brix_axes brix_axes;
+
+/* `voxel_spacing_0`  world width of a voxel at level 0;  `voxel_rotation`  degrees about the world's Z, counter-clockwise
+ * `vertical_lod`     the level whose voxel width is the height of all voxels */
+BRIX_C_API int32_t brix_axes_create(double voxel_spacing_0, const double* voxel_origin, double voxel_rotation, int64_t vertical_lod,
+                                    brix_axes** result, brix_error* error);
+BRIX_C_API void brix_axes_free(brix_axes* axes);
+
+/* In world units; degrees; a level. A level outside 0..5 counts as the nearest one, here and in the next three. */
+BRIX_C_API int32_t brix_axes_voxel_width(const brix_axes* axes, int64_t voxel_lod, double* result, brix_error* error);
+BRIX_C_API int32_t brix_axes_voxel_height(const brix_axes* axes, double* result, brix_error* error);
+BRIX_C_API int32_t brix_axes_voxel_origin(const brix_axes* axes, double* result_3, brix_error* error);
+BRIX_C_API int32_t brix_axes_voxel_rotation(const brix_axes* axes, double* result, brix_error* error);
+BRIX_C_API int32_t brix_axes_vertical_lod(const brix_axes* axes, int64_t* result, brix_error* error);
+
+/* Indices of the voxel that holds a world point; world points of a voxel's lower corner and centre. */
+BRIX_C_API int32_t brix_axes_containing_voxel(const brix_axes* axes, const double* coords, int64_t voxel_lod, int64_t* result_3,
+                                              brix_error* error);
+BRIX_C_API int32_t brix_axes_voxel_corner(const brix_axes* axes, const int64_t* voxel_indices, int64_t voxel_lod, double* result_3,
+                                          brix_error* error);
+BRIX_C_API int32_t brix_axes_voxel_center(const brix_axes* axes, const int64_t* voxel_indices, int64_t voxel_lod, double* result_3,
+                                          brix_error* error);
+
+/* -1 exactly, "no limit", becomes the world distance of half the largest 64-bit integer; every other distance stays. */
+BRIX_C_API int32_t brix_axes_validate_distance(const brix_axes* axes, double distance, double* result, brix_error* error);
+
+/* ---- Boxes of voxels (brix/frame/Extents.h) ---- */
+
+typedef struct brix_extents brix_extents;
+
+BRIX_C_API int32_t brix_extents_create(const brix_axes* axes, const int64_t* lower_indices, const int64_t* upper_indices,
+                                       int64_t voxel_lod, brix_extents** result, brix_error* error);
+BRIX_C_API void brix_extents_free(brix_extents* extents);
+
+BRIX_C_API int32_t brix_extents_axes(const brix_extents* extents, brix_axes** result, brix_error* error);
+BRIX_C_API int32_t brix_extents_lower_indices(const brix_extents* extents, int64_t* result_3, brix_error* error);
+BRIX_C_API int32_t brix_extents_upper_indices(const brix_extents* extents, int64_t* result_3, brix_error* error);
+BRIX_C_API int32_t brix_extents_voxel_lod(const brix_extents* extents, int64_t* result, brix_error* error);
+BRIX_C_API int32_t brix_extents_contains_voxel(const brix_extents* extents, const int64_t* voxel_indices, int32_t* result,
+                                               brix_error* error);
+BRIX_C_API int32_t brix_extents_closest_voxel(const brix_extents* extents, const int64_t* voxel_indices, int64_t* result_3,
+                                              brix_error* error);
+BRIX_C_API int32_t brix_extents_rescaled_copy(const brix_extents* extents, int64_t new_lod, brix_extents** result,
+                                              brix_error* error);
+/* The product of the three numbers of voxels, each as a double. */
+BRIX_C_API int32_t brix_extents_voxel_count(const brix_extents* extents, double* result, brix_error* error);
+
+/* ---- Lists of numbers ----
+ *
+ * A result of any length: items of `width` doubles each, such as triangles of nine. The operation has run when the list comes back;
+ * `copy` writes any part of it to the caller's memory, so that a list that is too large for one array can be read in pieces. */
+
+typedef struct brix_list brix_list;
+
+BRIX_C_API void brix_list_free(brix_list* list);
+BRIX_C_API int32_t brix_list_size(const brix_list* list, int64_t* item_count, int64_t* width, brix_error* error);
+/* Writes `item_count` items from `first_item` on, width * item_count doubles. */
+BRIX_C_API int32_t brix_list_copy(const brix_list* list, int64_t first_item, int64_t item_count, double* destination,
+                                  brix_error* error);
+
+/* ---- Triangles (brix/triangles/) ----
+ *
+ * `triangles` points to nine doubles per triangle: corner by corner, x, y, z, in world units. It may be NULL when the count is 0. */
+
+/* One unit normal of three doubles per triangle, zero for a triangle without area. */
+BRIX_C_API int32_t brix_triangle_normals(const double* triangles, int64_t triangle_count, double* result, brix_error* error);
+
+/* `path` is a file path of `path_length` bytes, in the encoding of the system's narrow file names. */
+BRIX_C_API int32_t brix_load_stl(const char* path, int64_t path_length, int32_t swap_yz, brix_list** result, brix_error* error);
+BRIX_C_API int32_t brix_save_stl(const double* triangles, int64_t triangle_count, const char* path, int64_t path_length,
+                                 int32_t use_binary_format, int32_t swap_yz, brix_error* error);
+
+/* The extents at level 0 of all voxels that triangles can touch; of no triangles, a box around the origin. */
+BRIX_C_API int32_t brix_detect_triangle_extents(const brix_axes* axes, const double* triangles, int64_t triangle_count,
+                                                brix_extents** result, brix_error* error);
+
+/* ---- Indexed meshes (brix/triangles/TriangleMesh.h) ---- */
+
+typedef struct brix_mesh brix_mesh;
+
+/* From triangles, merging corners that are equal; or from three doubles per vertex and three indices per triangle. */
+BRIX_C_API int32_t brix_mesh_from_triangles(const double* triangles, int64_t triangle_count, brix_mesh** result, brix_error* error);
+BRIX_C_API int32_t brix_mesh_create(const double* vertices, int64_t vertex_count, const int32_t* indices, int64_t triangle_count,
+                                    brix_mesh** result, brix_error* error);
+BRIX_C_API void brix_mesh_free(brix_mesh* mesh);
+
+BRIX_C_API int32_t brix_mesh_size(const brix_mesh* mesh, int64_t* vertex_count, int64_t* triangle_count, brix_error* error);
+/* Three doubles per vertex; three indices, or nine doubles, per triangle. */
+BRIX_C_API int32_t brix_mesh_copy_vertices(const brix_mesh* mesh, int64_t first_vertex, int64_t vertex_count, double* destination,
+                                           brix_error* error);
+BRIX_C_API int32_t brix_mesh_copy_indices(const brix_mesh* mesh, int64_t first_triangle, int64_t triangle_count,
+                                          int32_t* destination, brix_error* error);
+BRIX_C_API int32_t brix_mesh_copy_triangles(const brix_mesh* mesh, int64_t first_triangle, int64_t triangle_count,
+                                            double* destination, brix_error* error);
+
+/* ---- Voxel models (brix/model/VoxelModel.h) ---- */
+
+typedef struct brix_model brix_model;
+
+/* An empty model with the levels 0 to `finest_lod`; or one whose finest level is filled where triangles touch it. */
+BRIX_C_API int32_t brix_model_create(const brix_extents* extents, int64_t finest_lod, brix_model** result, brix_error* error);
+BRIX_C_API int32_t brix_model_from_triangles(const double* triangles, int64_t triangle_count, const brix_extents* extents,
+                                             int64_t finest_lod, brix_model** result, brix_error* error);
+BRIX_C_API void brix_model_free(brix_model* model);
+
+BRIX_C_API int32_t brix_model_axes(const brix_model* model, brix_axes** result, brix_error* error);
+BRIX_C_API int32_t brix_model_extents(const brix_model* model, int64_t voxel_lod, brix_extents** result, brix_error* error);
+BRIX_C_API int32_t brix_model_finest_lod(const brix_model* model, int64_t* result, brix_error* error);
+
+/* ---- Single voxels (brix/model/VoxelIterator.h) ---- */
+
+typedef struct brix_iterator brix_iterator;
+
+/* The voxel with these indices, or the one that holds a world point. It is not valid when it lies outside the model's extents. */
+BRIX_C_API int32_t brix_iterator_create(const brix_model* model, const int64_t* voxel_indices, int64_t voxel_lod,
+                                        brix_iterator** result, brix_error* error);
+BRIX_C_API int32_t brix_iterator_at_point(const brix_model* model, const double* coords, int64_t voxel_lod, brix_iterator** result,
+                                          brix_error* error);
+BRIX_C_API void brix_iterator_free(brix_iterator* iterator);
+
+/* The model that the iterator belongs to, as another object on the same voxels. */
+BRIX_C_API int32_t brix_iterator_model(const brix_iterator* iterator, brix_model** result, brix_error* error);
+BRIX_C_API int32_t brix_iterator_voxel_lod(const brix_iterator* iterator, int64_t* result, brix_error* error);
+BRIX_C_API int32_t brix_iterator_is_valid(const brix_iterator* iterator, int32_t* result, brix_error* error);
+/* These fail with BRIX_OUT_OF_RANGE when the iterator is not valid. */
+BRIX_C_API int32_t brix_iterator_voxel_indices(const brix_iterator* iterator, int64_t* result_3, brix_error* error);
+BRIX_C_API int32_t brix_iterator_is_filled(const brix_iterator* iterator, int32_t* result, brix_error* error);
+BRIX_C_API int32_t brix_iterator_voxel_center(const brix_iterator* iterator, double* result_3, brix_error* error);
+/* A new iterator, so many voxels further along x, y and z. */
+BRIX_C_API int32_t brix_iterator_advance(const brix_iterator* iterator, const int64_t* offsets, brix_iterator** result,
+                                         brix_error* error);
+
+/* ---- Slices (brix/operations/SliceRows.h) ---- */
+
+typedef struct brix_rows brix_rows;
+
+/* The plane x, y or z = `slice_index` for `dim_index` 0, 1 or 2, as rows of equal length; one byte, 0 or 1, per voxel. */
+BRIX_C_API int32_t brix_rows_at_slice(const brix_model* model, int32_t dim_index, int64_t slice_index, int64_t voxel_lod,
+                                      int32_t reverse_row_order, int32_t reverse_each_row, brix_rows** result, brix_error* error);
+BRIX_C_API void brix_rows_free(brix_rows* rows);
+BRIX_C_API int32_t brix_rows_size(const brix_rows* rows, int64_t* row_count, int64_t* row_length, brix_error* error);
+/* Writes `row_count` rows from `first_row` on, row_length * row_count bytes. */
+BRIX_C_API int32_t brix_rows_copy(const brix_rows* rows, int64_t first_row, int64_t row_count, uint8_t* destination,
+                                  brix_error* error);
+
+/* ---- Basic operations (brix/operations/BasicOperations.h) ---- */
+
+BRIX_C_API int32_t brix_is_empty(const brix_model* model, int64_t voxel_lod, int32_t* result, brix_error* error);
+BRIX_C_API int32_t brix_is_full(const brix_model* model, int64_t voxel_lod, int32_t* result, brix_error* error);
+BRIX_C_API int32_t brix_count_filled(const brix_model* model, int64_t voxel_lod, int64_t* result, brix_error* error);
+BRIX_C_API int32_t brix_crop(const brix_model* model, int64_t lower_x_depth, int64_t upper_x_depth, int64_t lower_y_depth,
+                             int64_t upper_y_depth, int64_t lower_z_depth, int64_t upper_z_depth, brix_model** result,
+                             brix_error* error);
+BRIX_C_API int32_t brix_enlarge(const brix_model* model, int64_t lower_x_padding, int64_t upper_x_padding, int64_t lower_y_padding,
+                                int64_t upper_y_padding, int64_t lower_z_padding, int64_t upper_z_padding, brix_model** result,
+                                brix_error* error);
+BRIX_C_API int32_t brix_auto_crop(const brix_model* model, brix_model** result, brix_error* error);
+BRIX_C_API int32_t brix_relocate(const brix_model* model, const brix_axes* new_axes, brix_model** result, brix_error* error);
+BRIX_C_API int32_t brix_resize(const brix_model* model, const brix_extents* new_extents, brix_model** result, brix_error* error);
+BRIX_C_API int32_t brix_refine(const brix_model* model, int64_t new_finest_lod, brix_model** result, brix_error* error);
+
+/* ---- Boolean operations (brix/operations/SolidOperations.h) ---- */
+
+BRIX_C_API int32_t brix_union(const brix_model* const* models, int64_t model_count, int64_t voxel_lod, int32_t auto_adjust_extents,
+                              brix_model** result, brix_error* error);
+BRIX_C_API int32_t brix_intersect(const brix_model* const* models, int64_t model_count, int64_t voxel_lod,
+                                  int32_t auto_adjust_extents, brix_model** result, brix_error* error);
+BRIX_C_API int32_t brix_subtract(const brix_model* model, const brix_model* subtrahend, int64_t voxel_lod,
+                                 int32_t auto_adjust_extents, brix_model** result, brix_error* error);
+BRIX_C_API int32_t brix_invert(const brix_model* model, brix_model** result, brix_error* error);
+
+/* ---- Growth and shrinkage (brix/operations/SurfaceOperations.h); `guide` may be NULL ---- */
+
+BRIX_C_API int32_t brix_expand_along_x(const brix_model* model, int32_t lower_offset, int32_t upper_offset, const brix_model* guide,
+                                       int32_t auto_adjust_extents, brix_model** result, brix_error* error);
+BRIX_C_API int32_t brix_expand_along_y(const brix_model* model, int32_t lower_offset, int32_t upper_offset, const brix_model* guide,
+                                       int32_t auto_adjust_extents, brix_model** result, brix_error* error);
+BRIX_C_API int32_t brix_expand_along_z(const brix_model* model, int32_t lower_offset, int32_t upper_offset, const brix_model* guide,
+                                       int32_t auto_adjust_extents, brix_model** result, brix_error* error);
+BRIX_C_API int32_t brix_reduce_along_x(const brix_model* model, int32_t lower_offset, int32_t upper_offset, const brix_model* guide,
+                                       int32_t auto_adjust_extents, brix_model** result, brix_error* error);
+BRIX_C_API int32_t brix_reduce_along_y(const brix_model* model, int32_t lower_offset, int32_t upper_offset, const brix_model* guide,
+                                       int32_t auto_adjust_extents, brix_model** result, brix_error* error);
+BRIX_C_API int32_t brix_reduce_along_z(const brix_model* model, int32_t lower_offset, int32_t upper_offset, const brix_model* guide,
+                                       int32_t auto_adjust_extents, brix_model** result, brix_error* error);
+BRIX_C_API int32_t brix_expand_by_one_voxel(const brix_model* model, int32_t horizontal_adjacency, int32_t vertical_adjacency,
+                                            const brix_model* guide, int32_t auto_adjust_extents, brix_model** result,
+                                            brix_error* error);
+BRIX_C_API int32_t brix_reduce_by_one_voxel(const brix_model* model, int32_t horizontal_adjacency, int32_t vertical_adjacency,
+                                            const brix_model* guide, int32_t auto_adjust_extents, brix_model** result,
+                                            brix_error* error);
+BRIX_C_API int32_t brix_expand_horizontally(const brix_model* model, int32_t diameter_offset, const brix_model* guide,
+                                            int32_t auto_adjust_extents, brix_model** result, brix_error* error);
+BRIX_C_API int32_t brix_reduce_horizontally(const brix_model* model, int32_t diameter_offset, const brix_model* guide,
+                                            int32_t auto_adjust_extents, brix_model** result, brix_error* error);
+
+/* ---- Nearest filled voxel (brix/operations/ProximityOperations.h); `point_coords` is a world point ---- */
+
+BRIX_C_API int32_t brix_nearest_filled_along_x(const brix_model* model, const double* point_coords, int64_t lower_offset,
+                                               int64_t upper_offset, brix_iterator** result, brix_error* error);
+BRIX_C_API int32_t brix_nearest_filled_along_y(const brix_model* model, const double* point_coords, int64_t lower_offset,
+                                               int64_t upper_offset, brix_iterator** result, brix_error* error);
+BRIX_C_API int32_t brix_nearest_filled_along_z(const brix_model* model, const double* point_coords, int64_t lower_offset,
+                                               int64_t upper_offset, brix_iterator** result, brix_error* error);
+BRIX_C_API int32_t brix_nearest_filled_horizontally(const brix_model* model, const double* point_coords, int64_t diameter_offset,
+                                                    brix_iterator** result, brix_error* error);
+
+/* ---- Fills (brix/operations/FillOperations.h); `point_coords` is a world point ---- */
+
+BRIX_C_API int32_t brix_fill_from_point(const brix_model* model, const double* point_coords, brix_model** result, brix_error* error);
+BRIX_C_API int32_t brix_fill_exposed_regions(const brix_model* model, brix_model** result, brix_error* error);
+BRIX_C_API int32_t brix_fill_enclosed_regions(const brix_model* model, brix_model** result, brix_error* error);
+
+/* ---- Visibility (brix/visibility/Visibility.h) ----
+ *
+ * `direction` is a world vector of any length. It is turned into the frame and scaled to 70000 voxels of level 0, 2800000000 base
+ * units, each component rounded to the nearest unit; a zero vector, and one that is not finite, is refused as zero.
+ * `max_radius` is a world distance. */
+
+BRIX_C_API int32_t brix_visibility_from_direction(const brix_model* model, const double* direction, int64_t voxel_lod,
+                                                  double threshold, brix_model** result, brix_error* error);
+BRIX_C_API int32_t brix_visibility_from_point(const brix_model* model, const double* point_coords, int64_t voxel_lod,
+                                              double max_radius, double threshold, int32_t auto_adjust_extents, brix_model** result,
+                                              brix_error* error);
+
+/* ---- Conversions ---- */
+
+/* The surface triangles of the filled voxels at a level, as a list of nine doubles each (brix/triangles/Tessellation.h). */
+BRIX_C_API int32_t brix_tessellate_voxel_model(const brix_model* model, int64_t voxel_lod, brix_list** result, brix_error* error);
+
+/* ---- Travel (brix/travel/PathModel.h) ---- */
+
+typedef struct brix_path_model brix_path_model;
+
+BRIX_C_API int32_t brix_path_model_create(const brix_model* environment, int64_t voxel_lod, int64_t agent_diameter_offset,
+                                          int64_t agent_height_offset, int32_t auto_adjust_extents, brix_path_model** result,
+                                          brix_error* error);
+BRIX_C_API void brix_path_model_free(brix_path_model* path_model);
+BRIX_C_API int32_t brix_path_model_environment(const brix_path_model* path_model, brix_model** result, brix_error* error);
+BRIX_C_API int32_t brix_path_model_traversable_voxels(const brix_path_model* path_model, brix_model** result, brix_error* error);
+BRIX_C_API int32_t brix_path_model_voxel_lod(const brix_path_model* path_model, int64_t* result, brix_error* error);
+BRIX_C_API int32_t brix_path_model_agent_diameter_offset(const brix_path_model* path_model, int64_t* result, brix_error* error);
+BRIX_C_API int32_t brix_path_model_agent_height_offset(const brix_path_model* path_model, int64_t* result, brix_error* error);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
