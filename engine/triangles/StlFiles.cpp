@@ -68,16 +68,28 @@ std::vector<WorldTriangle> LoadTrianglesFromSTL(const std::filesystem::path& fil
 
 void SaveTrianglesToAsciiSTL(const std::filesystem::path& filePath, const std::vector<WorldTriangle>& triangles, bool swapYZ)
 {
+    SaveTrianglesToAsciiSTL(filePath, triangles.data(), triangles.size(), swapYZ);
+}
+
+void SaveTrianglesToAsciiSTL(const std::filesystem::path& filePath, const WorldTriangle* triangles, std::size_t count,
+                             bool swapYZ)
+{
     auto file = OpenToWrite(filePath, std::ios::out, " to write triangle data in ASCII format.");
-    WriteAsciiTriangles(file, filePath, triangles, swapYZ);
+    WriteAsciiTriangles(file, filePath, {triangles, count}, swapYZ);
     Close(file, filePath);
 }
 
 void SaveTrianglesToBinarySTL(const std::filesystem::path& filePath, const std::vector<WorldTriangle>& triangles, bool swapYZ)
 {
-    RequireBinaryTriangleCount(triangles.size());
+    SaveTrianglesToBinarySTL(filePath, triangles.data(), triangles.size(), swapYZ);
+}
+
+void SaveTrianglesToBinarySTL(const std::filesystem::path& filePath, const WorldTriangle* triangles, std::size_t count,
+                              bool swapYZ)
+{
+    RequireBinaryTriangleCount(count);
     auto file = OpenToWrite(filePath, std::ios::out | std::ios::binary, " to write triangle data in binary format.");
-    WriteBinaryTriangles(file, filePath, triangles, swapYZ);
+    WriteBinaryTriangles(file, filePath, {triangles, count}, swapYZ);
     Close(file, filePath);
 }
 

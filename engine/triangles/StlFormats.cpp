@@ -244,7 +244,7 @@ void RequireBinaryTriangleCount(std::uint64_t triangleCount)
                              std::to_string(triangleCount) + ".");
 }
 
-void WriteAsciiTriangles(std::ostream& file, const std::filesystem::path& filePath, const std::vector<WorldTriangle>& triangles,
+void WriteAsciiTriangles(std::ostream& file, const std::filesystem::path& filePath, std::span<const WorldTriangle> triangles,
                          bool swapYZ)
 {
     BlockWriter writer(file, filePath, triangles.size() + 2);
@@ -254,7 +254,7 @@ void WriteAsciiTriangles(std::ostream& file, const std::filesystem::path& filePa
     writer.Finish();
 }
 
-void WriteBinaryTriangles(std::ostream& file, const std::filesystem::path& filePath, const std::vector<WorldTriangle>& triangles,
+void WriteBinaryTriangles(std::ostream& file, const std::filesystem::path& filePath, std::span<const WorldTriangle> triangles,
                           bool swapYZ)
 {
     const std::array<char, headerSize> header{};

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <ostream>
+#include <span>
 #include <stdexcept>
 #include <string_view>
 #include <vector>
@@ -31,9 +32,9 @@ std::vector<WorldTriangle> ReadBinaryTriangles(ByteReader& file, const std::file
 void RequireBinaryTriangleCount(std::uint64_t triangleCount);
 
 /// Writes all and flushes it, so that a full disk is noticed here.
-void WriteAsciiTriangles(std::ostream& file, const std::filesystem::path& filePath, const std::vector<WorldTriangle>& triangles,
+void WriteAsciiTriangles(std::ostream& file, const std::filesystem::path& filePath, std::span<const WorldTriangle> triangles,
                          bool swapYZ);
-void WriteBinaryTriangles(std::ostream& file, const std::filesystem::path& filePath, const std::vector<WorldTriangle>& triangles,
+void WriteBinaryTriangles(std::ostream& file, const std::filesystem::path& filePath, std::span<const WorldTriangle> triangles,
                           bool swapYZ);
 
 } // namespace brix

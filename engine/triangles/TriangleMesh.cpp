@@ -67,9 +67,11 @@ std::int64_t TriangleMesh::IndexOf(const std::array<double, 3>& vertex)
     return index;
 }
 
-void TriangleMesh::AddTriangles(const std::vector<WorldTriangle>& triangles)
+void TriangleMesh::AddTriangles(const std::vector<WorldTriangle>& triangles) { AddTriangles(triangles.data(), triangles.size()); }
+
+void TriangleMesh::AddTriangles(const WorldTriangle* triangles, std::size_t count)
 {
-    for (const WorldTriangle& triangle : triangles) AddTriangle(triangle);
+    for (std::size_t i = 0; i < count; ++i) AddTriangle(triangles[i]);
 }
 
 std::vector<WorldTriangle> TriangleMesh::ExpandedTriangles() const

@@ -25,6 +25,7 @@ public:
     /// Degenerate triangles are kept. Cost per corner: logarithmic in the number of vertices.
     void AddTriangle(const WorldTriangle& triangle);
     void AddTriangles(const std::vector<WorldTriangle>& triangles);
+    void AddTriangles(const WorldTriangle* triangles, std::size_t count);
 
     /// One world triangle per index triple, in order.
     std::vector<WorldTriangle> ExpandedTriangles() const;

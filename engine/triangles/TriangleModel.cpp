@@ -96,9 +96,14 @@ private:
 
 void TriangleModel::AddWorldTriangles(const std::vector<WorldTriangle>& worldTriangles)
 {
+    AddWorldTriangles(worldTriangles.data(), worldTriangles.size());
+}
+
+void TriangleModel::AddWorldTriangles(const WorldTriangle* worldTriangles, std::size_t count)
+{
     Filing filing(*this);
     const InstructionSet instructionSet = FastestInstructionSet();
-    ForEachPackedBatch(AxesRef(), worldTriangles, instructionSet, [&](const PackedBatch& batch) {
+    ForEachPackedBatch(AxesRef(), {worldTriangles, count}, instructionSet, [&](const PackedBatch& batch) {
         RunWith(instructionSet, [&] {
             for (std::size_t i = 0; i < batch.packed.size(); ++i)
                 if (!filing.Add(batch.packed[i])) AddWorldTriangle(batch.world[i]);

@@ -74,6 +74,7 @@ public:
     /// Converts each corner from world units with the frame's FromWorldCoordinates, and files the triangle.
     void AddWorldTriangle(const WorldTriangle& worldTriangle);
     void AddWorldTriangles(const std::vector<WorldTriangle>& worldTriangles);
+    void AddWorldTriangles(const WorldTriangle* worldTriangles, std::size_t count);
 
     /// Files a triangle (base units) in every chunk of the grid that its box touches; one that spans more than half a chunk's width
     /// is cut into four at the midpoints of its edges first, as often as needed. What lies outside the grid is dropped. Corners

@@ -50,13 +50,18 @@ void EncloseBatch(const Axes& axes, const PackedBatch& batch, Triple& lower, Tri
 
 Extents DetectTriangleExtents(const Axes& axes, const std::vector<WorldTriangle>& triangles)
 {
-    if (triangles.empty()) return Extents(axes, {-25, -25, -40}, {24, 24, 39}, 0);
+    return DetectTriangleExtents(axes, triangles.data(), triangles.size());
+}
+
+Extents DetectTriangleExtents(const Axes& axes, const WorldTriangle* triangles, std::size_t count)
+{
+    if (count == 0) return Extents(axes, {-25, -25, -40}, {24, 24, 39}, 0);
 
     constexpr std::int64_t most = std::numeric_limits<std::int64_t>::max();
     Triple lower{most, most, most};
     Triple upper{-most, -most, -most};
     const InstructionSet instructionSet = FastestInstructionSet();
-    ForEachPackedBatch(axes, triangles, instructionSet,
+    ForEachPackedBatch(axes, {triangles, count}, instructionSet,
                        [&](const PackedBatch& batch) { EncloseBatch(axes, batch, lower, upper, instructionSet); });
     // The lower face of a voxel belongs to two voxels along x and y, but not along z.
     return Extents(axes, axes.ContainingVoxel(Minus(lower, {1, 1, 0}), 0), axes.ContainingVoxel(upper, 0), 0);

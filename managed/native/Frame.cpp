@@ -1,0 +1,140 @@
+// Frames and boxes of voxels.
+#include "Objects.h"
+
+using namespace brix;
+using namespace brix::capi;
+
+// ---- Axes
+
+std::int32_t brix_axes_create(double voxel_spacing_0, const double* voxel_origin, double voxel_rotation, std::int64_t vertical_lod,
+                              brix_axes** result, brix_error* error)
+{
+    return Guarded(error,
+                   [&] { Make(result, Axes(voxel_spacing_0, ThreeOf(voxel_origin), voxel_rotation, vertical_lod)); });
+}
+
+void brix_axes_free(brix_axes* axes) { delete axes; }
+
+std::int32_t brix_axes_voxel_width(const brix_axes* axes, std::int64_t voxel_lod, double* result, brix_error* error)
+{
+    return Guarded(error, [&] { Given(result) = Given(axes).axes.WorldVoxelWidth(voxel_lod); });
+}
+
+std::int32_t brix_axes_voxel_height(const brix_axes* axes, double* result, brix_error* error)
+{
+    return Guarded(error, [&] { Given(result) = Given(axes).axes.WorldVoxelHeight(); });
+}
+
+std::int32_t brix_axes_voxel_origin(const brix_axes* axes, double* result_3, brix_error* error)
+{
+    return Guarded(error, [&] { CopyThree(Given(axes).axes.WorldVoxelOrigin(), result_3); });
+}
+
+std::int32_t brix_axes_voxel_rotation(const brix_axes* axes, double* result, brix_error* error)
+{
+    return Guarded(error, [&] { Given(result) = Given(axes).axes.WorldVoxelRotation(); });
+}
+
+std::int32_t brix_axes_vertical_lod(const brix_axes* axes, std::int64_t* result, brix_error* error)
+{
+    return Guarded(error, [&] { Given(result) = Given(axes).axes.VerticalLOD(); });
+}
+
+std::int32_t brix_axes_containing_voxel(const brix_axes* axes, const double* coords, std::int64_t voxel_lod, std::int64_t* result_3,
+                                        brix_error* error)
+{
+    return Guarded(error, [&] {
+        const Axes& frame = Given(axes).axes;
+        CopyThree(frame.ContainingVoxel(frame.FromWorldCoordinates(ThreeOf(coords)), voxel_lod), result_3);
+    });
+}
+
+std::int32_t brix_axes_voxel_corner(const brix_axes* axes, const std::int64_t* voxel_indices, std::int64_t voxel_lod,
+                                    double* result_3, brix_error* error)
+{
+    return Guarded(error, [&] {
+        const Axes& frame = Given(axes).axes;
+        CopyThree(frame.ToWorldCoordinates(frame.VoxelCorner(ThreeOf(voxel_indices), voxel_lod)), result_3);
+    });
+}
+
+std::int32_t brix_axes_voxel_center(const brix_axes* axes, const std::int64_t* voxel_indices, std::int64_t voxel_lod,
+                                    double* result_3, brix_error* error)
+{
+    return Guarded(error, [&] {
+        const Axes& frame = Given(axes).axes;
+        CopyThree(frame.ToWorldCoordinates(frame.VoxelCenter(ThreeOf(voxel_indices), voxel_lod)), result_3);
+    });
+}
+
+std::int32_t brix_axes_validate_distance(const brix_axes* axes, double distance, double* result, brix_error* error)
+{
+    constexpr std::int64_t noLimit = std::int64_t{1} << 62;
+    return Guarded(error, [&] {
+        const Axes& frame = Given(axes).axes;
+        Given(result) = distance == -1.0 ? frame.ToWorldDistance(noLimit) : distance;
+    });
+}
+
+// ---- Extents
+
+std::int32_t brix_extents_create(const brix_axes* axes, const std::int64_t* lower_indices, const std::int64_t* upper_indices,
+                                 std::int64_t voxel_lod, brix_extents** result, brix_error* error)
+{
+    return Guarded(error, [&] {
+        Make(result, Extents(Given(axes).axes, ThreeOf(lower_indices), ThreeOf(upper_indices), voxel_lod));
+    });
+}
+
+void brix_extents_free(brix_extents* extents) { delete extents; }
+
+std::int32_t brix_extents_axes(const brix_extents* extents, brix_axes** result, brix_error* error)
+{
+    return Guarded(error, [&] { Make(result, Given(extents).extents.AxesRef()); });
+}
+
+std::int32_t brix_extents_lower_indices(const brix_extents* extents, std::int64_t* result_3, brix_error* error)
+{
+    return Guarded(error, [&] { CopyThree(Given(extents).extents.LowerIndices(), result_3); });
+}
+
+std::int32_t brix_extents_upper_indices(const brix_extents* extents, std::int64_t* result_3, brix_error* error)
+{
+    return Guarded(error, [&] { CopyThree(Given(extents).extents.UpperIndices(), result_3); });
+}
+
+std::int32_t brix_extents_voxel_lod(const brix_extents* extents, std::int64_t* result, brix_error* error)
+{
+    return Guarded(error, [&] { Given(result) = Given(extents).extents.VoxelLOD(); });
+}
+
+std::int32_t brix_extents_contains_voxel(const brix_extents* extents, const std::int64_t* voxel_indices, std::int32_t* result,
+                                         brix_error* error)
+{
+    return Guarded(error, [&] { Given(result) = Given(extents).extents.ContainsVoxel(ThreeOf(voxel_indices)); });
+}
+
+std::int32_t brix_extents_closest_voxel(const brix_extents* extents, const std::int64_t* voxel_indices, std::int64_t* result_3,
+                                        brix_error* error)
+{
+    return Guarded(error, [&] {
+        const Extents& box = Given(extents).extents;
+        CopyThree(box.LowerCornerClamp(box.UpperCornerClamp(ThreeOf(voxel_indices))), result_3);
+    });
+}
+
+std::int32_t brix_extents_rescaled_copy(const brix_extents* extents, std::int64_t new_lod, brix_extents** result, brix_error* error)
+{
+    return Guarded(error, [&] { Make(result, Given(extents).extents.RescaledCopy(new_lod)); });
+}
+
+std::int32_t brix_extents_voxel_count(const brix_extents* extents, double* result, brix_error* error)
+{
+    return Guarded(error, [&] {
+        const Extents& box = Given(extents).extents;
+        double count = 1;
+        for (const std::int64_t side : Plus(Minus(box.UpperIndices(), box.LowerIndices()), {1, 1, 1}))
+            count *= static_cast<double>(side);
+        Given(result) = count;
+    });
+}

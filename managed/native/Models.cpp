@@ -1,0 +1,167 @@
+// Models, single voxels and slices.
+#include "Objects.h"
+
+#include <string>
+
+using namespace brix;
+using namespace brix::capi;
+
+namespace {
+
+// The iterator's constructor needs a model that stays where it is; sharing it first sees to that.
+void MakeIterator(brix_iterator** result, const SharedVoxels& voxels, const Triple& voxelIndices, std::int64_t lod)
+{
+    Make(result, voxels, std::as_const(**voxels).FindVoxel(voxelIndices, lod));
+}
+
+using RowsAtIndex = std::vector<std::vector<bool>>(const VoxelModel<bool>&, std::int64_t, std::int64_t, bool, bool);
+
+RowsAtIndex& RowsAcross(std::int32_t dimIndex)
+{
+    switch (dimIndex) {
+    case 0: return RowsAtSliceXIndex;
+    case 1: return RowsAtSliceYIndex;
+    case 2: return RowsAtSliceZIndex;
+    default:
+        throw std::domain_error("The axis of a slice must be 0, 1 or 2. The value encountered was " + std::to_string(dimIndex) +
+                                ".");
+    }
+}
+
+} // namespace
+
+struct brix_rows
+{
+    std::vector<std::vector<bool>> rows;
+
+    std::int64_t RowLength() const { return rows.empty() ? 0 : static_cast<std::int64_t>(rows.front().size()); }
+};
+
+// ---- Models
+
+std::int32_t brix_model_create(const brix_extents* extents, std::int64_t finest_lod, brix_model** result, brix_error* error)
+{
+    return Guarded(error, [&] { MakeModel(result, VoxelModel<bool>(Given(extents).extents, finest_lod)); });
+}
+
+std::int32_t brix_model_from_triangles(const double* triangles, std::int64_t triangle_count, const brix_extents* extents,
+                                       std::int64_t finest_lod, brix_model** result, brix_error* error)
+{
+    return Guarded(error, [&] {
+        const WorldTriangle* first = TrianglesAt(triangles, triangle_count);
+        TriangleModel filed(Given(extents).extents);
+        filed.AddWorldTriangles(first, static_cast<std::size_t>(triangle_count));
+        VoxelModel<bool> voxels(extents->extents, finest_lod);
+        VoxelizeTriangleModel(voxels, filed);
+        MakeModel(result, std::move(voxels));
+    });
+}
+
+void brix_model_free(brix_model* model) { delete model; }
+
+std::int32_t brix_model_axes(const brix_model* model, brix_axes** result, brix_error* error)
+{
+    return Guarded(error, [&] { Make(result, VoxelsOf(model).AxesRef()); });
+}
+
+std::int32_t brix_model_extents(const brix_model* model, std::int64_t voxel_lod, brix_extents** result, brix_error* error)
+{
+    return Guarded(error, [&] { Make(result, VoxelsOf(model).ExtentsRef(voxel_lod)); });
+}
+
+std::int32_t brix_model_finest_lod(const brix_model* model, std::int64_t* result, brix_error* error)
+{
+    return Guarded(error, [&] { Given(result) = VoxelsOf(model).FinestLOD(); });
+}
+
+// ---- Iterators
+
+std::int32_t brix_iterator_create(const brix_model* model, const std::int64_t* voxel_indices, std::int64_t voxel_lod,
+                                  brix_iterator** result, brix_error* error)
+{
+    return Guarded(error, [&] { MakeIterator(result, Given(model).voxels, ThreeOf(voxel_indices), voxel_lod); });
+}
+
+std::int32_t brix_iterator_at_point(const brix_model* model, const double* coords, std::int64_t voxel_lod, brix_iterator** result,
+                                    brix_error* error)
+{
+    return Guarded(error, [&] {
+        const Triple voxelIndices = VoxelsOf(model).AxesRef().ContainingVoxel(BaseUnits(model, coords), voxel_lod);
+        MakeIterator(result, model->voxels, voxelIndices, voxel_lod);
+    });
+}
+
+void brix_iterator_free(brix_iterator* iterator) { delete iterator; }
+
+std::int32_t brix_iterator_model(const brix_iterator* iterator, brix_model** result, brix_error* error)
+{
+    return Guarded(error, [&] { Make(result, Given(iterator).voxels); });
+}
+
+std::int32_t brix_iterator_voxel_lod(const brix_iterator* iterator, std::int64_t* result, brix_error* error)
+{
+    return Guarded(error, [&] { Given(result) = Given(iterator).iterator.VoxelLOD(); });
+}
+
+std::int32_t brix_iterator_is_valid(const brix_iterator* iterator, std::int32_t* result, brix_error* error)
+{
+    return Guarded(error, [&] { Given(result) = Given(iterator).iterator.IsValid(); });
+}
+
+std::int32_t brix_iterator_voxel_indices(const brix_iterator* iterator, std::int64_t* result_3, brix_error* error)
+{
+    return Guarded(error, [&] { CopyThree(Given(iterator).iterator.VoxelIndices(), result_3); });
+}
+
+std::int32_t brix_iterator_is_filled(const brix_iterator* iterator, std::int32_t* result, brix_error* error)
+{
+    return Guarded(error, [&] { Given(result) = Given(iterator).iterator.Value(); });
+}
+
+std::int32_t brix_iterator_voxel_center(const brix_iterator* iterator, double* result_3, brix_error* error)
+{
+    return Guarded(error, [&] {
+        const ConstVoxelIterator& voxel = Given(iterator).iterator;
+        const Axes& axes = voxel.VoxelModelRef().AxesRef();
+        CopyThree(axes.ToWorldCoordinates(axes.VoxelCenter(voxel.VoxelIndices(), voxel.VoxelLOD())), result_3);
+    });
+}
+
+std::int32_t brix_iterator_advance(const brix_iterator* iterator, const std::int64_t* offsets, brix_iterator** result,
+                                   brix_error* error)
+{
+    return Guarded(error, [&] { Make(result, Given(iterator).voxels, iterator->iterator + ThreeOf(offsets)); });
+}
+
+// ---- Slices
+
+std::int32_t brix_rows_at_slice(const brix_model* model, std::int32_t dim_index, std::int64_t slice_index, std::int64_t voxel_lod,
+                                std::int32_t reverse_row_order, std::int32_t reverse_each_row, brix_rows** result, brix_error* error)
+{
+    return Guarded(error, [&] {
+        const VoxelModel<bool>& voxels = VoxelsOf(model);
+        Make(result, RowsAcross(dim_index)(voxels, slice_index, voxel_lod, reverse_row_order != 0, reverse_each_row != 0));
+    });
+}
+
+void brix_rows_free(brix_rows* rows) { delete rows; }
+
+std::int32_t brix_rows_size(const brix_rows* rows, std::int64_t* row_count, std::int64_t* row_length, brix_error* error)
+{
+    return Guarded(error, [&] {
+        RequireGiven(rows, row_count, row_length);
+        *row_count = static_cast<std::int64_t>(rows->rows.size());
+        *row_length = rows->RowLength();
+    });
+}
+
+std::int32_t brix_rows_copy(const brix_rows* rows, std::int64_t first_row, std::int64_t row_count, std::uint8_t* destination,
+                            brix_error* error)
+{
+    return Guarded(error, [&] {
+        RequirePart(first_row, row_count, static_cast<std::int64_t>(Given(rows).rows.size()), destination);
+        for (std::int64_t row = first_row; row < first_row + row_count; ++row) {
+            for (const bool value : rows->rows[static_cast<std::size_t>(row)]) *destination++ = value ? 1 : 0;
+        }
+    });
+}

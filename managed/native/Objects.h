@@ -1,0 +1,135 @@
+// What stands behind the handles of the C interface, and the helpers that every function of it uses.
+#pragma once
+
+#include "brix_c.h"
+
+#include <brix.h>
+
+#include <memory>
+#include <new>
+#include <optional>
+#include <stdexcept>
+#include <utility>
+
+// Models do not change once they have a handle, so handles, iterators and path models share them. They are kept in the form in which
+// growth takes its guide: a guide is then passed on, not copied.
+using SharedVoxels = std::shared_ptr<const std::optional<brix::VoxelModel<bool>>>;
+
+struct brix_axes
+{
+    brix::Axes axes;
+};
+
+struct brix_extents
+{
+    brix::Extents extents;
+};
+
+struct brix_model
+{
+    SharedVoxels voxels;
+};
+
+struct brix_iterator
+{
+    SharedVoxels voxels; // keeps alive what the iterator points into
+    brix::ConstVoxelIterator iterator;
+};
+
+struct brix_mesh
+{
+    brix::TriangleMesh mesh;
+};
+
+struct brix_path_model
+{
+    SharedVoxels environment; // keeps alive what the path model refers to
+    brix::PathModel pathModel;
+};
+
+namespace brix::capi {
+
+/// A required pointer is null.
+struct NullArgument : std::invalid_argument
+{
+    NullArgument() : std::invalid_argument("A required argument is a null pointer.") {}
+};
+
+/// Describes the exception being handled in `error`, which may be null, and returns its status. Never throws.
+std::int32_t ReportException(brix_error* error) noexcept;
+
+/// Runs `work`; the only place where exceptions end.
+template <class Work> std::int32_t Guarded(brix_error* error, const Work& work) noexcept
+{
+    try {
+        work();
+        return BRIX_OK;
+    }
+    catch (...) {
+        return ReportException(error);
+    }
+}
+
+template <class Object> Object& Given(Object* object)
+{
+    if (object == nullptr) throw NullArgument();
+    return *object;
+}
+
+template <class... Pointers> void RequireGiven(const Pointers*... pointers)
+{
+    if (((pointers == nullptr) || ...)) throw NullArgument();
+}
+
+inline const VoxelModel<bool>& VoxelsOf(const brix_model* model) { return **Given(model).voxels; }
+
+/// Three numbers from or to the caller's memory.
+template <class Number> std::array<Number, 3> ThreeOf(const Number* numbers)
+{
+    RequireGiven(numbers);
+    return {numbers[0], numbers[1], numbers[2]};
+}
+
+template <class Number> void CopyThree(const std::array<Number, 3>& numbers, Number* result)
+{
+    RequireGiven(result);
+    std::copy(numbers.begin(), numbers.end(), result);
+}
+
+inline Triple BaseUnits(const brix_model* model, const double* worldCoords)
+{
+    return VoxelsOf(model).AxesRef().FromWorldCoordinates(ThreeOf(worldCoords));
+}
+
+/// A new object for the caller, made of its members.
+template <class Object, class... Members> void Make(Object** result, Members&&... members)
+{
+    RequireGiven(result);
+    *result = new Object{std::forward<Members>(members)...};
+}
+
+inline void MakeModel(brix_model** result, VoxelModel<bool>&& voxels)
+{
+    Make(result, std::make_shared<const std::optional<VoxelModel<bool>>>(std::move(voxels)));
+}
+
+/// Triangles in the caller's memory, nine doubles each. Throws when the count is negative or more than memory can hold.
+const WorldTriangle* TrianglesAt(const double* triangles, std::int64_t count);
+
+/// Checks that `count` items from `first` on lie within 0 .. size - 1, and that there is a place for them.
+void RequirePart(std::int64_t first, std::int64_t count, std::int64_t size, const void* destination);
+
+} // namespace brix::capi
+
+/// A result of items of `width` doubles each that is written to the caller's memory on demand.
+struct brix_list
+{
+    brix_list() = default;
+    brix_list(const brix_list&) = delete;
+    brix_list& operator=(const brix_list&) = delete;
+    virtual ~brix_list() = default;
+
+    virtual std::int64_t Size() const = 0;
+    virtual std::int64_t Width() const = 0;
+    virtual void Copy(std::int64_t firstItem, std::int64_t itemCount, double* destination) const = 0;
+};

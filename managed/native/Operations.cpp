@@ -1,0 +1,238 @@
+// Operations on models: the C++ function of the same name, between handles.
+#include "Objects.h"
+
+#include <string>
+
+using namespace brix;
+using namespace brix::capi;
+
+namespace {
+
+// grow(model, numbers ..., guide, autoAdjustExtents) of the engine; all growth and shrinkage has this form.
+template <class Grow, class... Numbers>
+std::int32_t Grown(const Grow& grow, const brix_model* model, const brix_model* guide, std::int32_t autoAdjustExtents,
+                   brix_model** result, brix_error* error, Numbers... numbers)
+{
+    return Guarded(error, [&] {
+        const std::optional<VoxelModel<bool>> none;
+        MakeModel(result, grow(VoxelsOf(model), numbers..., guide == nullptr ? none : *guide->voxels, autoAdjustExtents != 0));
+    });
+}
+
+// Null entries are left to the engine.
+std::vector<const VoxelModel<bool>*> ModelsAt(const brix_model* const* models, std::int64_t count)
+{
+    if (count < 0) {
+        throw std::domain_error("The number of voxel models cannot be negative. The value encountered was " + std::to_string(count) +
+                                ".");
+    }
+    if (count > 0) RequireGiven(models);
+    std::vector<const VoxelModel<bool>*> voxels;
+    for (std::int64_t i = 0; i < count; ++i) voxels.push_back(models[i] == nullptr ? nullptr : &VoxelsOf(models[i]));
+    return voxels;
+}
+
+// nearest(model, point, numbers ...) of the engine.
+template <class Nearest, class... Numbers>
+std::int32_t Found(const Nearest& nearest, const brix_model* model, const double* pointCoords, brix_iterator** result,
+                   brix_error* error, Numbers... numbers)
+{
+    return Guarded(error, [&] {
+        const Triple point = BaseUnits(model, pointCoords);
+        Make(result, model->voxels, nearest(VoxelsOf(model), point, numbers...));
+    });
+}
+
+} // namespace
+
+// ---- Basic operations
+
+std::int32_t brix_is_empty(const brix_model* model, std::int64_t voxel_lod, std::int32_t* result, brix_error* error)
+{
+    return Guarded(error, [&] { Given(result) = IsEmpty(VoxelsOf(model), voxel_lod); });
+}
+
+std::int32_t brix_is_full(const brix_model* model, std::int64_t voxel_lod, std::int32_t* result, brix_error* error)
+{
+    return Guarded(error, [&] { Given(result) = IsFull(VoxelsOf(model), voxel_lod); });
+}
+
+std::int32_t brix_count_filled(const brix_model* model, std::int64_t voxel_lod, std::int64_t* result, brix_error* error)
+{
+    return Guarded(error, [&] { Given(result) = CountFilled(VoxelsOf(model), voxel_lod); });
+}
+
+std::int32_t brix_crop(const brix_model* model, std::int64_t lower_x_depth, std::int64_t upper_x_depth, std::int64_t lower_y_depth,
+                       std::int64_t upper_y_depth, std::int64_t lower_z_depth, std::int64_t upper_z_depth, brix_model** result,
+                       brix_error* error)
+{
+    return Guarded(error, [&] {
+        MakeModel(result, Crop(VoxelsOf(model), lower_x_depth, upper_x_depth, lower_y_depth, upper_y_depth, lower_z_depth,
+                               upper_z_depth));
+    });
+}
+
+std::int32_t brix_enlarge(const brix_model* model, std::int64_t lower_x_padding, std::int64_t upper_x_padding,
+                          std::int64_t lower_y_padding, std::int64_t upper_y_padding, std::int64_t lower_z_padding,
+                          std::int64_t upper_z_padding, brix_model** result, brix_error* error)
+{
+    return Guarded(error, [&] {
+        MakeModel(result, Enlarge(VoxelsOf(model), lower_x_padding, upper_x_padding, lower_y_padding, upper_y_padding,
+                                  lower_z_padding, upper_z_padding));
+    });
+}
+
+std::int32_t brix_auto_crop(const brix_model* model, brix_model** result, brix_error* error)
+{
+    return Guarded(error, [&] { MakeModel(result, AutoCrop(VoxelsOf(model))); });
+}
+
+std::int32_t brix_relocate(const brix_model* model, const brix_axes* new_axes, brix_model** result, brix_error* error)
+{
+    return Guarded(error, [&] { MakeModel(result, Relocate(VoxelsOf(model), Given(new_axes).axes)); });
+}
+
+std::int32_t brix_resize(const brix_model* model, const brix_extents* new_extents, brix_model** result, brix_error* error)
+{
+    return Guarded(error, [&] { MakeModel(result, Resize(VoxelsOf(model), Given(new_extents).extents)); });
+}
+
+std::int32_t brix_refine(const brix_model* model, std::int64_t new_finest_lod, brix_model** result, brix_error* error)
+{
+    return Guarded(error, [&] { MakeModel(result, Refine(VoxelsOf(model), new_finest_lod)); });
+}
+
+// ---- Boolean operations
+
+std::int32_t brix_union(const brix_model* const* models, std::int64_t model_count, std::int64_t voxel_lod,
+                        std::int32_t auto_adjust_extents, brix_model** result, brix_error* error)
+{
+    return Guarded(error, [&] { MakeModel(result, Union(ModelsAt(models, model_count), voxel_lod, auto_adjust_extents != 0)); });
+}
+
+std::int32_t brix_intersect(const brix_model* const* models, std::int64_t model_count, std::int64_t voxel_lod,
+                            std::int32_t auto_adjust_extents, brix_model** result, brix_error* error)
+{
+    return Guarded(error,
+                   [&] { MakeModel(result, Intersect(ModelsAt(models, model_count), voxel_lod, auto_adjust_extents != 0)); });
+}
+
+std::int32_t brix_subtract(const brix_model* model, const brix_model* subtrahend, std::int64_t voxel_lod,
+                           std::int32_t auto_adjust_extents, brix_model** result, brix_error* error)
+{
+    return Guarded(error, [&] {
+        MakeModel(result, Subtract(VoxelsOf(model), VoxelsOf(subtrahend), voxel_lod, auto_adjust_extents != 0));
+    });
+}
+
+std::int32_t brix_invert(const brix_model* model, brix_model** result, brix_error* error)
+{
+    return Guarded(error, [&] { MakeModel(result, Invert(VoxelsOf(model))); });
+}
+
+// ---- Growth and shrinkage
+
+std::int32_t brix_expand_along_x(const brix_model* model, std::int32_t lower_offset, std::int32_t upper_offset,
+                                 const brix_model* guide, std::int32_t auto_adjust_extents, brix_model** result, brix_error* error)
+{
+    return Grown(ExpandAlongX, model, guide, auto_adjust_extents, result, error, lower_offset, upper_offset);
+}
+
+std::int32_t brix_expand_along_y(const brix_model* model, std::int32_t lower_offset, std::int32_t upper_offset,
+                                 const brix_model* guide, std::int32_t auto_adjust_extents, brix_model** result, brix_error* error)
+{
+    return Grown(ExpandAlongY, model, guide, auto_adjust_extents, result, error, lower_offset, upper_offset);
+}
+
+std::int32_t brix_expand_along_z(const brix_model* model, std::int32_t lower_offset, std::int32_t upper_offset,
+                                 const brix_model* guide, std::int32_t auto_adjust_extents, brix_model** result, brix_error* error)
+{
+    return Grown(ExpandAlongZ, model, guide, auto_adjust_extents, result, error, lower_offset, upper_offset);
+}
+
+std::int32_t brix_reduce_along_x(const brix_model* model, std::int32_t lower_offset, std::int32_t upper_offset,
+                                 const brix_model* guide, std::int32_t auto_adjust_extents, brix_model** result, brix_error* error)
+{
+    return Grown(ReduceAlongX, model, guide, auto_adjust_extents, result, error, lower_offset, upper_offset);
+}
+
+std::int32_t brix_reduce_along_y(const brix_model* model, std::int32_t lower_offset, std::int32_t upper_offset,
+                                 const brix_model* guide, std::int32_t auto_adjust_extents, brix_model** result, brix_error* error)
+{
+    return Grown(ReduceAlongY, model, guide, auto_adjust_extents, result, error, lower_offset, upper_offset);
+}
+
+std::int32_t brix_reduce_along_z(const brix_model* model, std::int32_t lower_offset, std::int32_t upper_offset,
+                                 const brix_model* guide, std::int32_t auto_adjust_extents, brix_model** result, brix_error* error)
+{
+    return Grown(ReduceAlongZ, model, guide, auto_adjust_extents, result, error, lower_offset, upper_offset);
+}
+
+std::int32_t brix_expand_by_one_voxel(const brix_model* model, std::int32_t horizontal_adjacency, std::int32_t vertical_adjacency,
+                                      const brix_model* guide, std::int32_t auto_adjust_extents, brix_model** result,
+                                      brix_error* error)
+{
+    return Grown(ExpandByOneVoxel, model, guide, auto_adjust_extents, result, error, horizontal_adjacency, vertical_adjacency);
+}
+
+std::int32_t brix_reduce_by_one_voxel(const brix_model* model, std::int32_t horizontal_adjacency, std::int32_t vertical_adjacency,
+                                      const brix_model* guide, std::int32_t auto_adjust_extents, brix_model** result,
+                                      brix_error* error)
+{
+    return Grown(ReduceByOneVoxel, model, guide, auto_adjust_extents, result, error, horizontal_adjacency, vertical_adjacency);
+}
+
+std::int32_t brix_expand_horizontally(const brix_model* model, std::int32_t diameter_offset, const brix_model* guide,
+                                      std::int32_t auto_adjust_extents, brix_model** result, brix_error* error)
+{
+    return Grown(ExpandHorizontally, model, guide, auto_adjust_extents, result, error, diameter_offset);
+}
+
+std::int32_t brix_reduce_horizontally(const brix_model* model, std::int32_t diameter_offset, const brix_model* guide,
+                                      std::int32_t auto_adjust_extents, brix_model** result, brix_error* error)
+{
+    return Grown(ReduceHorizontally, model, guide, auto_adjust_extents, result, error, diameter_offset);
+}
+
+// ---- Nearest filled voxel
+
+std::int32_t brix_nearest_filled_along_x(const brix_model* model, const double* point_coords, std::int64_t lower_offset,
+                                         std::int64_t upper_offset, brix_iterator** result, brix_error* error)
+{
+    return Found(NearestFilledAlongX, model, point_coords, result, error, lower_offset, upper_offset);
+}
+
+std::int32_t brix_nearest_filled_along_y(const brix_model* model, const double* point_coords, std::int64_t lower_offset,
+                                         std::int64_t upper_offset, brix_iterator** result, brix_error* error)
+{
+    return Found(NearestFilledAlongY, model, point_coords, result, error, lower_offset, upper_offset);
+}
+
+std::int32_t brix_nearest_filled_along_z(const brix_model* model, const double* point_coords, std::int64_t lower_offset,
+                                         std::int64_t upper_offset, brix_iterator** result, brix_error* error)
+{
+    return Found(NearestFilledAlongZ, model, point_coords, result, error, lower_offset, upper_offset);
+}
+
+std::int32_t brix_nearest_filled_horizontally(const brix_model* model, const double* point_coords, std::int64_t diameter_offset,
+                                              brix_iterator** result, brix_error* error)
+{
+    return Found(NearestFilledHorizontally, model, point_coords, result, error, diameter_offset);
+}
+
+// ---- Fills
+
+std::int32_t brix_fill_from_point(const brix_model* model, const double* point_coords, brix_model** result, brix_error* error)
+{
+    return Guarded(error, [&] { MakeModel(result, FillFromPoint(VoxelsOf(model), BaseUnits(model, point_coords))); });
+}
+
+std::int32_t brix_fill_exposed_regions(const brix_model* model, brix_model** result, brix_error* error)
+{
+    return Guarded(error, [&] { MakeModel(result, FillExposedRegions(VoxelsOf(model))); });
+}
+
+std::int32_t brix_fill_enclosed_regions(const brix_model* model, brix_model** result, brix_error* error)
+{
+    return Guarded(error, [&] { MakeModel(result, FillEnclosedRegions(VoxelsOf(model))); });
+}

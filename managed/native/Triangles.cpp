@@ -1,0 +1,226 @@
+// Triangles, files, meshes, and lists of results.
+#include "Objects.h"
+
+#include <filesystem>
+#include <limits>
+#include <string>
+#include <string_view>
+#include <type_traits>
+
+using namespace brix;
+using namespace brix::capi;
+
+// Nine doubles in a row are a triangle: that is how the caller's memory is read in place.
+static_assert(sizeof(WorldTriangle) == 9 * sizeof(double) && alignof(WorldTriangle) == alignof(double));
+static_assert(std::is_trivially_copyable_v<WorldTriangle>);
+
+namespace brix::capi {
+
+const WorldTriangle* TrianglesAt(const double* triangles, std::int64_t count)
+{
+    constexpr auto most = static_cast<std::int64_t>(std::numeric_limits<std::ptrdiff_t>::max() / sizeof(WorldTriangle));
+    if (count < 0 || count > most) {
+        throw std::domain_error("The number of triangles must lie between 0 and " + std::to_string(most) +
+                                ". The value encountered was " + std::to_string(count) + ".");
+    }
+    if (count > 0) RequireGiven(triangles);
+    return reinterpret_cast<const WorldTriangle*>(triangles);
+}
+
+} // namespace brix::capi
+
+namespace {
+
+class TriangleList : public brix_list
+{
+public:
+    explicit TriangleList(std::vector<WorldTriangle>&& triangles) : triangles_(std::move(triangles)) {}
+
+    std::int64_t Size() const override { return static_cast<std::int64_t>(triangles_.size()); }
+    std::int64_t Width() const override { return 9; }
+
+    void Copy(std::int64_t firstItem, std::int64_t itemCount, double* destination) const override
+    {
+        const auto first = triangles_.begin() + firstItem;
+        std::copy(first, first + itemCount, reinterpret_cast<WorldTriangle*>(destination));
+    }
+
+private:
+    std::vector<WorldTriangle> triangles_;
+};
+
+std::filesystem::path PathAt(const char* path, std::int64_t length)
+{
+    if (length < 0) {
+        throw std::domain_error("The length of a file path cannot be negative. The value encountered was " + std::to_string(length) +
+                                ".");
+    }
+    if (length > 0) RequireGiven(path);
+    return length == 0 ? std::string() : std::string(path, static_cast<std::size_t>(length));
+}
+
+void RequireVertexCounts(std::int64_t vertexCount, std::int64_t triangleCount)
+{
+    constexpr std::int64_t most = std::numeric_limits<std::int32_t>::max();
+    if (vertexCount < 0 || vertexCount > most) {
+        throw std::domain_error("The number of triangle mesh vertices must lie between 0 and " + std::to_string(most) +
+                                ". The value encountered was " + std::to_string(vertexCount) + ".");
+    }
+    TrianglesAt(nullptr, std::min<std::int64_t>(triangleCount, 0)); // a negative number of triangles
+}
+
+} // namespace
+
+// ---- Lists
+
+void brix_list_free(brix_list* list) { delete list; }
+
+std::int32_t brix_list_size(const brix_list* list, std::int64_t* item_count, std::int64_t* width, brix_error* error)
+{
+    return Guarded(error, [&] {
+        RequireGiven(list, item_count, width);
+        *item_count = list->Size();
+        *width = list->Width();
+    });
+}
+
+std::int32_t brix_list_copy(const brix_list* list, std::int64_t first_item, std::int64_t item_count, double* destination,
+                            brix_error* error)
+{
+    return Guarded(error, [&] {
+        RequirePart(first_item, item_count, Given(list).Size(), destination);
+        if (item_count > 0) list->Copy(first_item, item_count, destination);
+    });
+}
+
+// ---- Triangles
+
+std::int32_t brix_triangle_normals(const double* triangles, std::int64_t triangle_count, double* result, brix_error* error)
+{
+    return Guarded(error, [&] {
+        const WorldTriangle* first = TrianglesAt(triangles, triangle_count);
+        if (triangle_count > 0) RequireGiven(result);
+        for (std::int64_t i = 0; i < triangle_count; ++i) CopyThree(WorldTriangleNormal(first[i]), result + 3 * i);
+    });
+}
+
+std::int32_t brix_load_stl(const char* path, std::int64_t path_length, std::int32_t swap_yz, brix_list** result, brix_error* error)
+{
+    return Guarded(error, [&] {
+        RequireGiven(result);
+        *result = new TriangleList(LoadTrianglesFromSTL(PathAt(path, path_length), swap_yz != 0));
+    });
+}
+
+std::int32_t brix_save_stl(const double* triangles, std::int64_t triangle_count, const char* path, std::int64_t path_length,
+                           std::int32_t use_binary_format, std::int32_t swap_yz, brix_error* error)
+{
+    return Guarded(error, [&] {
+        const WorldTriangle* first = TrianglesAt(triangles, triangle_count);
+        const std::filesystem::path filePath = PathAt(path, path_length);
+        const auto count = static_cast<std::size_t>(triangle_count);
+        if (use_binary_format != 0)
+            SaveTrianglesToBinarySTL(filePath, first, count, swap_yz != 0);
+        else
+            SaveTrianglesToAsciiSTL(filePath, first, count, swap_yz != 0);
+    });
+}
+
+std::int32_t brix_detect_triangle_extents(const brix_axes* axes, const double* triangles, std::int64_t triangle_count,
+                                          brix_extents** result, brix_error* error)
+{
+    return Guarded(error, [&] {
+        const WorldTriangle* first = TrianglesAt(triangles, triangle_count);
+        Make(result, DetectTriangleExtents(Given(axes).axes, first, static_cast<std::size_t>(triangle_count)));
+    });
+}
+
+std::int32_t brix_tessellate_voxel_model(const brix_model* model, std::int64_t voxel_lod, brix_list** result, brix_error* error)
+{
+    return Guarded(error, [&] {
+        RequireGiven(result);
+        std::vector<WorldTriangle> triangles;
+        TessellateVoxelModel(triangles, VoxelsOf(model), voxel_lod);
+        *result = new TriangleList(std::move(triangles));
+    });
+}
+
+// ---- Meshes
+
+std::int32_t brix_mesh_from_triangles(const double* triangles, std::int64_t triangle_count, brix_mesh** result, brix_error* error)
+{
+    return Guarded(error, [&] {
+        const WorldTriangle* first = TrianglesAt(triangles, triangle_count);
+        TriangleMesh mesh({}, {});
+        mesh.AddTriangles(first, static_cast<std::size_t>(triangle_count));
+        Make(result, std::move(mesh));
+    });
+}
+
+std::int32_t brix_mesh_create(const double* vertices, std::int64_t vertex_count, const std::int32_t* indices,
+                              std::int64_t triangle_count, brix_mesh** result, brix_error* error)
+{
+    return Guarded(error, [&] {
+        RequireVertexCounts(vertex_count, triangle_count);
+        if (vertex_count > 0) RequireGiven(vertices);
+        if (triangle_count > 0) RequireGiven(indices);
+        std::vector<std::array<double, 3>> points(static_cast<std::size_t>(vertex_count));
+        std::copy_n(vertices, 3 * vertex_count, points.empty() ? nullptr : points.front().data());
+        std::vector<Triple> triples(static_cast<std::size_t>(triangle_count));
+        for (Triple& triple : triples) {
+            for (std::int64_t& index : triple) index = *indices++;
+        }
+        Make(result, TriangleMesh(points, triples));
+    });
+}
+
+void brix_mesh_free(brix_mesh* mesh) { delete mesh; }
+
+std::int32_t brix_mesh_size(const brix_mesh* mesh, std::int64_t* vertex_count, std::int64_t* triangle_count, brix_error* error)
+{
+    return Guarded(error, [&] {
+        RequireGiven(mesh, vertex_count, triangle_count);
+        *vertex_count = static_cast<std::int64_t>(mesh->mesh.VerticesRef().size());
+        *triangle_count = static_cast<std::int64_t>(mesh->mesh.IndexedTrianglesRef().size());
+    });
+}
+
+std::int32_t brix_mesh_copy_vertices(const brix_mesh* mesh, std::int64_t first_vertex, std::int64_t vertex_count,
+                                     double* destination, brix_error* error)
+{
+    return Guarded(error, [&] {
+        const auto& vertices = Given(mesh).mesh.VerticesRef();
+        RequirePart(first_vertex, vertex_count, static_cast<std::int64_t>(vertices.size()), destination);
+        for (std::int64_t i = 0; i < vertex_count; ++i)
+            CopyThree(vertices[static_cast<std::size_t>(first_vertex + i)], destination + 3 * i);
+    });
+}
+
+std::int32_t brix_mesh_copy_indices(const brix_mesh* mesh, std::int64_t first_triangle, std::int64_t triangle_count,
+                                    std::int32_t* destination, brix_error* error)
+{
+    return Guarded(error, [&] {
+        const auto& triangles = Given(mesh).mesh.IndexedTrianglesRef();
+        RequirePart(first_triangle, triangle_count, static_cast<std::int64_t>(triangles.size()), destination);
+        for (std::int64_t i = 0; i < triangle_count; ++i) {
+            for (const std::int64_t index : triangles[static_cast<std::size_t>(first_triangle + i)])
+                *destination++ = static_cast<std::int32_t>(index);
+        }
+    });
+}
+
+std::int32_t brix_mesh_copy_triangles(const brix_mesh* mesh, std::int64_t first_triangle, std::int64_t triangle_count,
+                                      double* destination, brix_error* error)
+{
+    return Guarded(error, [&] {
+        const auto& vertices = Given(mesh).mesh.VerticesRef();
+        const auto& triangles = Given(mesh).mesh.IndexedTrianglesRef();
+        RequirePart(first_triangle, triangle_count, static_cast<std::int64_t>(triangles.size()), destination);
+        for (std::int64_t i = 0; i < triangle_count; ++i) {
+            for (const std::int64_t index : triangles[static_cast<std::size_t>(first_triangle + i)]) {
+                CopyThree(vertices[static_cast<std::size_t>(index)], destination);
+                destination += 3;
+            }
+        }
+    });
+}
