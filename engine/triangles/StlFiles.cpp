@@ -68,25 +68,22 @@ std::vector<WorldTriangle> LoadTrianglesFromSTL(const std::filesystem::path& fil
 
 void SaveTrianglesToAsciiSTL(const std::filesystem::path& filePath, const std::vector<WorldTriangle>& triangles, bool swapYZ)
 {
-    SaveTrianglesToAsciiSTL(filePath, triangles.data(), triangles.size(), swapYZ);
-}
-
-void SaveTrianglesToAsciiSTL(const std::filesystem::path& filePath, const WorldTriangle* triangles, std::size_t count,
-                             bool swapYZ)
-{
-    auto file = OpenToWrite(filePath, std::ios::out, " to write triangle data in ASCII format.");
-    WriteAsciiTriangles(file, filePath, {triangles, count}, swapYZ);
-    Close(file, filePath);
+    SaveTrianglesToSTL(filePath, triangles.data(), triangles.size(), StlVariant::Ascii, swapYZ);
 }
 
 void SaveTrianglesToBinarySTL(const std::filesystem::path& filePath, const std::vector<WorldTriangle>& triangles, bool swapYZ)
 {
-    SaveTrianglesToBinarySTL(filePath, triangles.data(), triangles.size(), swapYZ);
+    SaveTrianglesToSTL(filePath, triangles.data(), triangles.size(), StlVariant::Binary, swapYZ);
 }
 
-void SaveTrianglesToBinarySTL(const std::filesystem::path& filePath, const WorldTriangle* triangles, std::size_t count,
-                              bool swapYZ)
+void SaveTrianglesToSTL(const std::filesystem::path& filePath, const WorldTriangle* triangles, std::size_t count,
+                        StlVariant variant, bool swapYZ)
 {
+    if (variant == StlVariant::Ascii) {
+        auto file = OpenToWrite(filePath, std::ios::out, " to write triangle data in ASCII format.");
+        WriteAsciiTriangles(file, filePath, {triangles, count}, swapYZ);
+        return Close(file, filePath);
+    }
     RequireBinaryTriangleCount(count);
     auto file = OpenToWrite(filePath, std::ios::out | std::ios::binary, " to write triangle data in binary format.");
     WriteBinaryTriangles(file, filePath, {triangles, count}, swapYZ);

@@ -28,8 +28,6 @@ std::vector<WorldTriangle> LoadTrianglesFromSTL(const std::filesystem::path& fil
 /// Throws std::runtime_error, naming the file, when it cannot be opened, then when it cannot be written or closed (disk full);
 /// the incomplete file is left behind.
 void SaveTrianglesToAsciiSTL(const std::filesystem::path& filePath, const std::vector<WorldTriangle>& triangles, bool swapYZ);
-void SaveTrianglesToAsciiSTL(const std::filesystem::path& filePath, const WorldTriangle* triangles, std::size_t count,
-                             bool swapYZ);
 
 /// Writes triangles, with their unit normals, as a binary STL file; a file that exists is replaced.
 /// Coordinates are rounded to 32-bit floats: those beyond their range become infinite.
@@ -38,7 +36,14 @@ void SaveTrianglesToAsciiSTL(const std::filesystem::path& filePath, const WorldT
 /// when it cannot be opened, and when its header, triangle count or triangles cannot be written (disk full); the incomplete file
 /// is left behind.
 void SaveTrianglesToBinarySTL(const std::filesystem::path& filePath, const std::vector<WorldTriangle>& triangles, bool swapYZ);
-void SaveTrianglesToBinarySTL(const std::filesystem::path& filePath, const WorldTriangle* triangles, std::size_t count,
-                              bool swapYZ);
+
+/// Either of them, for triangles that are not in a list: `count` of them at `triangles`.
+enum class StlVariant
+{
+    Ascii,
+    Binary
+};
+void SaveTrianglesToSTL(const std::filesystem::path& filePath, const WorldTriangle* triangles, std::size_t count,
+                        StlVariant variant, bool swapYZ);
 
 } // namespace brix

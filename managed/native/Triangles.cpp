@@ -117,12 +117,8 @@ std::int32_t brix_save_stl(const double* triangles, std::int64_t triangle_count,
 {
     return Guarded(error, [&] {
         const WorldTriangle* first = TrianglesAt(triangles, triangle_count);
-        const std::filesystem::path filePath = PathAt(path, path_length);
-        const auto count = static_cast<std::size_t>(triangle_count);
-        if (use_binary_format != 0)
-            SaveTrianglesToBinarySTL(filePath, first, count, swap_yz != 0);
-        else
-            SaveTrianglesToAsciiSTL(filePath, first, count, swap_yz != 0);
+        const StlVariant variant = use_binary_format != 0 ? StlVariant::Binary : StlVariant::Ascii;
+        SaveTrianglesToSTL(PathAt(path, path_length), first, static_cast<std::size_t>(triangle_count), variant, swap_yz != 0);
     });
 }
 
