@@ -1,4 +1,4 @@
-# Checks of the sources and of the library as a whole, run with the tests: tools/dev/check-layers and tools/dev/check-symbols.
+# Checks of the sources and of the library as a whole, run with the tests: tools/dev/check-layers, check-symbols and check-exports.
 find_program(BRIX_BASH bash)
 if(BRIX_BASH)
     add_test(NAME Layers.IncludesFollowTheDataFlow
@@ -7,5 +7,10 @@ if(BRIX_BASH)
     if(CMAKE_NM AND NOT BRIX_SANITIZE AND CMAKE_CXX_COMPILER_ID MATCHES "^(GNU|Clang)$")
         add_test(NAME Library.HasNoSymbolsOutsideItsNamespace
             COMMAND "${BRIX_BASH}" "${PROJECT_SOURCE_DIR}/tools/dev/check-symbols" "$<TARGET_FILE:brix_engine>" "${CMAKE_NM}")
+        if(BRIX_BUILD_C_INTERFACE)
+            add_test(NAME CInterface.ExportsNothingElse
+                COMMAND "${BRIX_BASH}" "${PROJECT_SOURCE_DIR}/tools/dev/check-exports" "$<TARGET_FILE:brix_c>"
+                    "${PROJECT_SOURCE_DIR}/managed/native/brix_c.h" "${CMAKE_NM}")
+        endif()
     endif()
 endif()

@@ -33,27 +33,20 @@ std::int32_t ReportException(brix_error* error) noexcept
 {
     try {
         throw;
-    }
-    catch (const std::bad_alloc&) {
+    } catch (const std::bad_alloc&) {
         if (error != nullptr) ReportOutOfMemory(error, "std::bad_alloc");
         return BRIX_OUT_OF_MEMORY;
-    }
-    catch (const NullArgument& exception) {
+    } catch (const NullArgument& exception) {
         return Report(error, BRIX_NULL_ARGUMENT, exception.what());
-    }
-    catch (const std::domain_error& exception) {
+    } catch (const std::domain_error& exception) {
         return Report(error, BRIX_INVALID_ARGUMENT, exception.what());
-    }
-    catch (const std::out_of_range& exception) {
+    } catch (const std::out_of_range& exception) {
         return Report(error, BRIX_OUT_OF_RANGE, exception.what());
-    }
-    catch (const std::runtime_error& exception) {
+    } catch (const std::runtime_error& exception) {
         return Report(error, BRIX_FILE_FAILURE, exception.what());
-    }
-    catch (const std::exception& exception) {
+    } catch (const std::exception& exception) {
         return Report(error, BRIX_FAILURE, exception.what());
-    }
-    catch (...) {
+    } catch (...) {
         return Report(error, BRIX_FAILURE, "The engine failed for an unknown reason.");
     }
 }
@@ -61,8 +54,8 @@ std::int32_t ReportException(brix_error* error) noexcept
 void RequirePart(std::int64_t first, std::int64_t count, std::int64_t size, const void* destination)
 {
     if (first < 0 || count < 0 || first > size || count > size - first) {
-        throw std::domain_error("The part to be copied must lie within the result. The part from " + std::to_string(first) + " on, " +
-                                std::to_string(count) + " long, was requested of " + std::to_string(size) + ".");
+        throw std::domain_error("The part to be copied must lie within the result. The part from " + std::to_string(first) +
+                                " on, " + std::to_string(count) + " long, was requested of " + std::to_string(size) + ".");
     }
     if (count > 0) RequireGiven(destination);
 }

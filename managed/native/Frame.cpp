@@ -6,11 +6,10 @@ using namespace brix::capi;
 
 // ---- Axes
 
-std::int32_t brix_axes_create(double voxel_spacing_0, const double* voxel_origin, double voxel_rotation, std::int64_t vertical_lod,
-                              brix_axes** result, brix_error* error)
+std::int32_t brix_axes_create(double voxel_spacing_0, const double* voxel_origin, double voxel_rotation,
+                              std::int64_t vertical_lod, brix_axes** result, brix_error* error)
 {
-    return Guarded(error,
-                   [&] { Make(result, Axes(voxel_spacing_0, ThreeOf(voxel_origin), voxel_rotation, vertical_lod)); });
+    return Guarded(error, [&] { Make(result, Axes(voxel_spacing_0, ThreeOf(voxel_origin), voxel_rotation, vertical_lod)); });
 }
 
 void brix_axes_free(brix_axes* axes) { delete axes; }
@@ -40,8 +39,8 @@ std::int32_t brix_axes_vertical_lod(const brix_axes* axes, std::int64_t* result,
     return Guarded(error, [&] { Given(result) = Given(axes).axes.VerticalLOD(); });
 }
 
-std::int32_t brix_axes_containing_voxel(const brix_axes* axes, const double* coords, std::int64_t voxel_lod, std::int64_t* result_3,
-                                        brix_error* error)
+std::int32_t brix_axes_containing_voxel(const brix_axes* axes, const double* coords, std::int64_t voxel_lod,
+                                        std::int64_t* result_3, brix_error* error)
 {
     return Guarded(error, [&] {
         const Axes& frame = Given(axes).axes;
@@ -81,9 +80,8 @@ std::int32_t brix_axes_validate_distance(const brix_axes* axes, double distance,
 std::int32_t brix_extents_create(const brix_axes* axes, const std::int64_t* lower_indices, const std::int64_t* upper_indices,
                                  std::int64_t voxel_lod, brix_extents** result, brix_error* error)
 {
-    return Guarded(error, [&] {
-        Make(result, Extents(Given(axes).axes, ThreeOf(lower_indices), ThreeOf(upper_indices), voxel_lod));
-    });
+    return Guarded(error,
+                   [&] { Make(result, Extents(Given(axes).axes, ThreeOf(lower_indices), ThreeOf(upper_indices), voxel_lod)); });
 }
 
 void brix_extents_free(brix_extents* extents) { delete extents; }
@@ -123,7 +121,8 @@ std::int32_t brix_extents_closest_voxel(const brix_extents* extents, const std::
     });
 }
 
-std::int32_t brix_extents_rescaled_copy(const brix_extents* extents, std::int64_t new_lod, brix_extents** result, brix_error* error)
+std::int32_t brix_extents_rescaled_copy(const brix_extents* extents, std::int64_t new_lod, brix_extents** result,
+                                        brix_error* error)
 {
     return Guarded(error, [&] { Make(result, Given(extents).extents.RescaledCopy(new_lod)); });
 }

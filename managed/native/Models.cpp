@@ -19,9 +19,12 @@ using RowsAtIndex = std::vector<std::vector<bool>>(const VoxelModel<bool>&, std:
 RowsAtIndex& RowsAcross(std::int32_t dimIndex)
 {
     switch (dimIndex) {
-    case 0: return RowsAtSliceXIndex;
-    case 1: return RowsAtSliceYIndex;
-    case 2: return RowsAtSliceZIndex;
+    case 0:
+        return RowsAtSliceXIndex;
+    case 1:
+        return RowsAtSliceYIndex;
+    case 2:
+        return RowsAtSliceZIndex;
     default:
         throw std::domain_error("The axis of a slice must be 0, 1 or 2. The value encountered was " + std::to_string(dimIndex) +
                                 ".");
@@ -136,7 +139,8 @@ std::int32_t brix_iterator_advance(const brix_iterator* iterator, const std::int
 // ---- Slices
 
 std::int32_t brix_rows_at_slice(const brix_model* model, std::int32_t dim_index, std::int64_t slice_index, std::int64_t voxel_lod,
-                                std::int32_t reverse_row_order, std::int32_t reverse_each_row, brix_rows** result, brix_error* error)
+                                std::int32_t reverse_row_order, std::int32_t reverse_each_row, brix_rows** result,
+                                brix_error* error)
 {
     return Guarded(error, [&] {
         const VoxelModel<bool>& voxels = VoxelsOf(model);

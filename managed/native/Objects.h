@@ -64,8 +64,7 @@ template <class Work> std::int32_t Guarded(brix_error* error, const Work& work) 
     try {
         work();
         return BRIX_OK;
-    }
-    catch (...) {
+    } catch (...) {
         return ReportException(error);
     }
 }

@@ -23,8 +23,8 @@ std::int32_t Grown(const Grow& grow, const brix_model* model, const brix_model* 
 std::vector<const VoxelModel<bool>*> ModelsAt(const brix_model* const* models, std::int64_t count)
 {
     if (count < 0) {
-        throw std::domain_error("The number of voxel models cannot be negative. The value encountered was " + std::to_string(count) +
-                                ".");
+        throw std::domain_error("The number of voxel models cannot be negative. The value encountered was " +
+                                std::to_string(count) + ".");
     }
     if (count > 0) RequireGiven(models);
     std::vector<const VoxelModel<bool>*> voxels;
@@ -62,9 +62,9 @@ std::int32_t brix_count_filled(const brix_model* model, std::int64_t voxel_lod, 
     return Guarded(error, [&] { Given(result) = CountFilled(VoxelsOf(model), voxel_lod); });
 }
 
-std::int32_t brix_crop(const brix_model* model, std::int64_t lower_x_depth, std::int64_t upper_x_depth, std::int64_t lower_y_depth,
-                       std::int64_t upper_y_depth, std::int64_t lower_z_depth, std::int64_t upper_z_depth, brix_model** result,
-                       brix_error* error)
+std::int32_t brix_crop(const brix_model* model, std::int64_t lower_x_depth, std::int64_t upper_x_depth,
+                       std::int64_t lower_y_depth, std::int64_t upper_y_depth, std::int64_t lower_z_depth,
+                       std::int64_t upper_z_depth, brix_model** result, brix_error* error)
 {
     return Guarded(error, [&] {
         MakeModel(result, Crop(VoxelsOf(model), lower_x_depth, upper_x_depth, lower_y_depth, upper_y_depth, lower_z_depth,
@@ -120,9 +120,8 @@ std::int32_t brix_intersect(const brix_model* const* models, std::int64_t model_
 std::int32_t brix_subtract(const brix_model* model, const brix_model* subtrahend, std::int64_t voxel_lod,
                            std::int32_t auto_adjust_extents, brix_model** result, brix_error* error)
 {
-    return Guarded(error, [&] {
-        MakeModel(result, Subtract(VoxelsOf(model), VoxelsOf(subtrahend), voxel_lod, auto_adjust_extents != 0));
-    });
+    return Guarded(
+        error, [&] { MakeModel(result, Subtract(VoxelsOf(model), VoxelsOf(subtrahend), voxel_lod, auto_adjust_extents != 0)); });
 }
 
 std::int32_t brix_invert(const brix_model* model, brix_model** result, brix_error* error)
@@ -133,37 +132,43 @@ std::int32_t brix_invert(const brix_model* model, brix_model** result, brix_erro
 // ---- Growth and shrinkage
 
 std::int32_t brix_expand_along_x(const brix_model* model, std::int32_t lower_offset, std::int32_t upper_offset,
-                                 const brix_model* guide, std::int32_t auto_adjust_extents, brix_model** result, brix_error* error)
+                                 const brix_model* guide, std::int32_t auto_adjust_extents, brix_model** result,
+                                 brix_error* error)
 {
     return Grown(ExpandAlongX, model, guide, auto_adjust_extents, result, error, lower_offset, upper_offset);
 }
 
 std::int32_t brix_expand_along_y(const brix_model* model, std::int32_t lower_offset, std::int32_t upper_offset,
-                                 const brix_model* guide, std::int32_t auto_adjust_extents, brix_model** result, brix_error* error)
+                                 const brix_model* guide, std::int32_t auto_adjust_extents, brix_model** result,
+                                 brix_error* error)
 {
     return Grown(ExpandAlongY, model, guide, auto_adjust_extents, result, error, lower_offset, upper_offset);
 }
 
 std::int32_t brix_expand_along_z(const brix_model* model, std::int32_t lower_offset, std::int32_t upper_offset,
-                                 const brix_model* guide, std::int32_t auto_adjust_extents, brix_model** result, brix_error* error)
+                                 const brix_model* guide, std::int32_t auto_adjust_extents, brix_model** result,
+                                 brix_error* error)
 {
     return Grown(ExpandAlongZ, model, guide, auto_adjust_extents, result, error, lower_offset, upper_offset);
 }
 
 std::int32_t brix_reduce_along_x(const brix_model* model, std::int32_t lower_offset, std::int32_t upper_offset,
-                                 const brix_model* guide, std::int32_t auto_adjust_extents, brix_model** result, brix_error* error)
+                                 const brix_model* guide, std::int32_t auto_adjust_extents, brix_model** result,
+                                 brix_error* error)
 {
     return Grown(ReduceAlongX, model, guide, auto_adjust_extents, result, error, lower_offset, upper_offset);
 }
 
 std::int32_t brix_reduce_along_y(const brix_model* model, std::int32_t lower_offset, std::int32_t upper_offset,
-                                 const brix_model* guide, std::int32_t auto_adjust_extents, brix_model** result, brix_error* error)
+                                 const brix_model* guide, std::int32_t auto_adjust_extents, brix_model** result,
+                                 brix_error* error)
 {
     return Grown(ReduceAlongY, model, guide, auto_adjust_extents, result, error, lower_offset, upper_offset);
 }
 
 std::int32_t brix_reduce_along_z(const brix_model* model, std::int32_t lower_offset, std::int32_t upper_offset,
-                                 const brix_model* guide, std::int32_t auto_adjust_extents, brix_model** result, brix_error* error)
+                                 const brix_model* guide, std::int32_t auto_adjust_extents, brix_model** result,
+                                 brix_error* error)
 {
     return Grown(ReduceAlongZ, model, guide, auto_adjust_extents, result, error, lower_offset, upper_offset);
 }

@@ -52,8 +52,8 @@ private:
 std::filesystem::path PathAt(const char* path, std::int64_t length)
 {
     if (length < 0) {
-        throw std::domain_error("The length of a file path cannot be negative. The value encountered was " + std::to_string(length) +
-                                ".");
+        throw std::domain_error("The length of a file path cannot be negative. The value encountered was " +
+                                std::to_string(length) + ".");
     }
     if (length > 0) RequireGiven(path);
     return length == 0 ? std::string() : std::string(path, static_cast<std::size_t>(length));
@@ -104,7 +104,8 @@ std::int32_t brix_triangle_normals(const double* triangles, std::int64_t triangl
     });
 }
 
-std::int32_t brix_load_stl(const char* path, std::int64_t path_length, std::int32_t swap_yz, brix_list** result, brix_error* error)
+std::int32_t brix_load_stl(const char* path, std::int64_t path_length, std::int32_t swap_yz, brix_list** result,
+                           brix_error* error)
 {
     return Guarded(error, [&] {
         RequireGiven(result);

@@ -43,12 +43,13 @@ std::int32_t brix_visibility_from_direction(const brix_model* model, const doubl
 }
 
 std::int32_t brix_visibility_from_point(const brix_model* model, const double* point_coords, std::int64_t voxel_lod,
-                                        double max_radius, double threshold, std::int32_t auto_adjust_extents, brix_model** result,
-                                        brix_error* error)
+                                        double max_radius, double threshold, std::int32_t auto_adjust_extents,
+                                        brix_model** result, brix_error* error)
 {
     return Guarded(error, [&] {
         const VoxelModel<bool>& voxels = VoxelsOf(model);
-        MakeModel(result, VisibilityFromPoint(voxels, BaseUnits(model, point_coords), voxel_lod,
-                                              voxels.AxesRef().FromWorldDistance(max_radius), threshold, auto_adjust_extents != 0));
+        MakeModel(result,
+                  VisibilityFromPoint(voxels, BaseUnits(model, point_coords), voxel_lod,
+                                      voxels.AxesRef().FromWorldDistance(max_radius), threshold, auto_adjust_extents != 0));
     });
 }

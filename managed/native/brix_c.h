@@ -53,7 +53,8 @@ BRIX_C_API int32_t brix_abi_version(void);
 /* The version of the engine, "0.1.0"; never NULL, not to be freed. */
 BRIX_C_API const char* brix_version_string(void);
 
-typedef enum brix_status {
+typedef enum brix_status
+{
     BRIX_OK = 0,
     BRIX_INVALID_ARGUMENT = 1, /* an argument breaks a rule (std::domain_error) */
     BRIX_OUT_OF_RANGE = 2,     /* an iterator that points outside its model was used (std::out_of_range) */
@@ -65,7 +66,8 @@ typedef enum brix_status {
 
 /* What went wrong. Start with all zero; pass the same one again only after brix_error_clear. `message` is UTF-8 text of `length`
  * bytes, followed by a zero byte. */
-typedef struct brix_error {
+typedef struct brix_error
+{
     int32_t status;
     int32_t is_owned; /* whether brix_error_clear has to free the message */
     int64_t length;
@@ -81,8 +83,8 @@ typedef struct brix_axes brix_axes;
 
 /* `voxel_spacing_0`  world width of a voxel at level 0;  `voxel_rotation`  degrees about the world's Z, counter-clockwise
  * `vertical_lod`     the level whose voxel width is the height of all voxels */
-BRIX_C_API int32_t brix_axes_create(double voxel_spacing_0, const double* voxel_origin, double voxel_rotation, int64_t vertical_lod,
-                                    brix_axes** result, brix_error* error);
+BRIX_C_API int32_t brix_axes_create(double voxel_spacing_0, const double* voxel_origin, double voxel_rotation,
+                                    int64_t vertical_lod, brix_axes** result, brix_error* error);
 BRIX_C_API void brix_axes_free(brix_axes* axes);
 
 /* In world units; degrees; a level. A level outside 0..5 counts as the nearest one, here and in the next three. */
@@ -95,10 +97,10 @@ BRIX_C_API int32_t brix_axes_vertical_lod(const brix_axes* axes, int64_t* result
 /* Indices of the voxel that holds a world point; world points of a voxel's lower corner and centre. */
 BRIX_C_API int32_t brix_axes_containing_voxel(const brix_axes* axes, const double* coords, int64_t voxel_lod, int64_t* result_3,
                                               brix_error* error);
-BRIX_C_API int32_t brix_axes_voxel_corner(const brix_axes* axes, const int64_t* voxel_indices, int64_t voxel_lod, double* result_3,
-                                          brix_error* error);
-BRIX_C_API int32_t brix_axes_voxel_center(const brix_axes* axes, const int64_t* voxel_indices, int64_t voxel_lod, double* result_3,
-                                          brix_error* error);
+BRIX_C_API int32_t brix_axes_voxel_corner(const brix_axes* axes, const int64_t* voxel_indices, int64_t voxel_lod,
+                                          double* result_3, brix_error* error);
+BRIX_C_API int32_t brix_axes_voxel_center(const brix_axes* axes, const int64_t* voxel_indices, int64_t voxel_lod,
+                                          double* result_3, brix_error* error);
 
 /* -1 exactly, "no limit", becomes the world distance of half the largest 64-bit integer; every other distance stays. */
 BRIX_C_API int32_t brix_axes_validate_distance(const brix_axes* axes, double distance, double* result, brix_error* error);
@@ -158,7 +160,8 @@ BRIX_C_API int32_t brix_detect_triangle_extents(const brix_axes* axes, const dou
 typedef struct brix_mesh brix_mesh;
 
 /* From triangles, merging corners that are equal; or from three doubles per vertex and three indices per triangle. */
-BRIX_C_API int32_t brix_mesh_from_triangles(const double* triangles, int64_t triangle_count, brix_mesh** result, brix_error* error);
+BRIX_C_API int32_t brix_mesh_from_triangles(const double* triangles, int64_t triangle_count, brix_mesh** result,
+                                            brix_error* error);
 BRIX_C_API int32_t brix_mesh_create(const double* vertices, int64_t vertex_count, const int32_t* indices, int64_t triangle_count,
                                     brix_mesh** result, brix_error* error);
 BRIX_C_API void brix_mesh_free(brix_mesh* mesh);
@@ -193,8 +196,8 @@ typedef struct brix_iterator brix_iterator;
 /* The voxel with these indices, or the one that holds a world point. It is not valid when it lies outside the model's extents. */
 BRIX_C_API int32_t brix_iterator_create(const brix_model* model, const int64_t* voxel_indices, int64_t voxel_lod,
                                         brix_iterator** result, brix_error* error);
-BRIX_C_API int32_t brix_iterator_at_point(const brix_model* model, const double* coords, int64_t voxel_lod, brix_iterator** result,
-                                          brix_error* error);
+BRIX_C_API int32_t brix_iterator_at_point(const brix_model* model, const double* coords, int64_t voxel_lod,
+                                          brix_iterator** result, brix_error* error);
 BRIX_C_API void brix_iterator_free(brix_iterator* iterator);
 
 /* The model that the iterator belongs to, as another object on the same voxels. */
@@ -230,9 +233,9 @@ BRIX_C_API int32_t brix_count_filled(const brix_model* model, int64_t voxel_lod,
 BRIX_C_API int32_t brix_crop(const brix_model* model, int64_t lower_x_depth, int64_t upper_x_depth, int64_t lower_y_depth,
                              int64_t upper_y_depth, int64_t lower_z_depth, int64_t upper_z_depth, brix_model** result,
                              brix_error* error);
-BRIX_C_API int32_t brix_enlarge(const brix_model* model, int64_t lower_x_padding, int64_t upper_x_padding, int64_t lower_y_padding,
-                                int64_t upper_y_padding, int64_t lower_z_padding, int64_t upper_z_padding, brix_model** result,
-                                brix_error* error);
+BRIX_C_API int32_t brix_enlarge(const brix_model* model, int64_t lower_x_padding, int64_t upper_x_padding,
+                                int64_t lower_y_padding, int64_t upper_y_padding, int64_t lower_z_padding,
+                                int64_t upper_z_padding, brix_model** result, brix_error* error);
 BRIX_C_API int32_t brix_auto_crop(const brix_model* model, brix_model** result, brix_error* error);
 BRIX_C_API int32_t brix_relocate(const brix_model* model, const brix_axes* new_axes, brix_model** result, brix_error* error);
 BRIX_C_API int32_t brix_resize(const brix_model* model, const brix_extents* new_extents, brix_model** result, brix_error* error);
@@ -240,8 +243,8 @@ BRIX_C_API int32_t brix_refine(const brix_model* model, int64_t new_finest_lod, 
 
 /* ---- Boolean operations (brix/operations/SolidOperations.h) ---- */
 
-BRIX_C_API int32_t brix_union(const brix_model* const* models, int64_t model_count, int64_t voxel_lod, int32_t auto_adjust_extents,
-                              brix_model** result, brix_error* error);
+BRIX_C_API int32_t brix_union(const brix_model* const* models, int64_t model_count, int64_t voxel_lod,
+                              int32_t auto_adjust_extents, brix_model** result, brix_error* error);
 BRIX_C_API int32_t brix_intersect(const brix_model* const* models, int64_t model_count, int64_t voxel_lod,
                                   int32_t auto_adjust_extents, brix_model** result, brix_error* error);
 BRIX_C_API int32_t brix_subtract(const brix_model* model, const brix_model* subtrahend, int64_t voxel_lod,
@@ -250,18 +253,24 @@ BRIX_C_API int32_t brix_invert(const brix_model* model, brix_model** result, bri
 
 /* ---- Growth and shrinkage (brix/operations/SurfaceOperations.h); `guide` may be NULL ---- */
 
-BRIX_C_API int32_t brix_expand_along_x(const brix_model* model, int32_t lower_offset, int32_t upper_offset, const brix_model* guide,
-                                       int32_t auto_adjust_extents, brix_model** result, brix_error* error);
-BRIX_C_API int32_t brix_expand_along_y(const brix_model* model, int32_t lower_offset, int32_t upper_offset, const brix_model* guide,
-                                       int32_t auto_adjust_extents, brix_model** result, brix_error* error);
-BRIX_C_API int32_t brix_expand_along_z(const brix_model* model, int32_t lower_offset, int32_t upper_offset, const brix_model* guide,
-                                       int32_t auto_adjust_extents, brix_model** result, brix_error* error);
-BRIX_C_API int32_t brix_reduce_along_x(const brix_model* model, int32_t lower_offset, int32_t upper_offset, const brix_model* guide,
-                                       int32_t auto_adjust_extents, brix_model** result, brix_error* error);
-BRIX_C_API int32_t brix_reduce_along_y(const brix_model* model, int32_t lower_offset, int32_t upper_offset, const brix_model* guide,
-                                       int32_t auto_adjust_extents, brix_model** result, brix_error* error);
-BRIX_C_API int32_t brix_reduce_along_z(const brix_model* model, int32_t lower_offset, int32_t upper_offset, const brix_model* guide,
-                                       int32_t auto_adjust_extents, brix_model** result, brix_error* error);
+BRIX_C_API int32_t brix_expand_along_x(const brix_model* model, int32_t lower_offset, int32_t upper_offset,
+                                       const brix_model* guide, int32_t auto_adjust_extents, brix_model** result,
+                                       brix_error* error);
+BRIX_C_API int32_t brix_expand_along_y(const brix_model* model, int32_t lower_offset, int32_t upper_offset,
+                                       const brix_model* guide, int32_t auto_adjust_extents, brix_model** result,
+                                       brix_error* error);
+BRIX_C_API int32_t brix_expand_along_z(const brix_model* model, int32_t lower_offset, int32_t upper_offset,
+                                       const brix_model* guide, int32_t auto_adjust_extents, brix_model** result,
+                                       brix_error* error);
+BRIX_C_API int32_t brix_reduce_along_x(const brix_model* model, int32_t lower_offset, int32_t upper_offset,
+                                       const brix_model* guide, int32_t auto_adjust_extents, brix_model** result,
+                                       brix_error* error);
+BRIX_C_API int32_t brix_reduce_along_y(const brix_model* model, int32_t lower_offset, int32_t upper_offset,
+                                       const brix_model* guide, int32_t auto_adjust_extents, brix_model** result,
+                                       brix_error* error);
+BRIX_C_API int32_t brix_reduce_along_z(const brix_model* model, int32_t lower_offset, int32_t upper_offset,
+                                       const brix_model* guide, int32_t auto_adjust_extents, brix_model** result,
+                                       brix_error* error);
 BRIX_C_API int32_t brix_expand_by_one_voxel(const brix_model* model, int32_t horizontal_adjacency, int32_t vertical_adjacency,
                                             const brix_model* guide, int32_t auto_adjust_extents, brix_model** result,
                                             brix_error* error);
@@ -286,7 +295,8 @@ BRIX_C_API int32_t brix_nearest_filled_horizontally(const brix_model* model, con
 
 /* ---- Fills (brix/operations/FillOperations.h); `point_coords` is a world point ---- */
 
-BRIX_C_API int32_t brix_fill_from_point(const brix_model* model, const double* point_coords, brix_model** result, brix_error* error);
+BRIX_C_API int32_t brix_fill_from_point(const brix_model* model, const double* point_coords, brix_model** result,
+                                        brix_error* error);
 BRIX_C_API int32_t brix_fill_exposed_regions(const brix_model* model, brix_model** result, brix_error* error);
 BRIX_C_API int32_t brix_fill_enclosed_regions(const brix_model* model, brix_model** result, brix_error* error);
 
@@ -299,8 +309,8 @@ BRIX_C_API int32_t brix_fill_enclosed_regions(const brix_model* model, brix_mode
 BRIX_C_API int32_t brix_visibility_from_direction(const brix_model* model, const double* direction, int64_t voxel_lod,
                                                   double threshold, brix_model** result, brix_error* error);
 BRIX_C_API int32_t brix_visibility_from_point(const brix_model* model, const double* point_coords, int64_t voxel_lod,
-                                              double max_radius, double threshold, int32_t auto_adjust_extents, brix_model** result,
-                                              brix_error* error);
+                                              double max_radius, double threshold, int32_t auto_adjust_extents,
+                                              brix_model** result, brix_error* error);
 
 /* ---- Conversions ---- */
 

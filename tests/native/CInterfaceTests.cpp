@@ -1,0 +1,388 @@
+// The C interface over the engine: what it adds (handles, statuses, parts of results, world units) and that each function reaches the
+// engine's function of its name with its arguments in order.
+#include "brix_c.h"
+
+#include "operations/BasicOperations.h"
+#include "operations/FillOperations.h"
+#include "operations/ProximityOperations.h"
+#include "operations/SliceRows.h"
+#include "operations/SolidOperations.h"
+#include "operations/SurfaceOperations.h"
+#include "support/FailingAllocations.h"
+#include "support/Messages.h"
+#include "triangles/Tessellation.h"
+#include "triangles/Voxelization.h"
+#include "visibility/Visibility.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <memory>
+
+namespace brix {
+namespace {
+
+using namespace tests;
+
+using Voxels = VoxelModel<bool>;
+constexpr std::int64_t most = std::numeric_limits<std::int64_t>::max();
+constexpr std::int64_t least = std::numeric_limits<std::int64_t>::min();
+constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+
+struct Free
+{
+    void operator()(brix_axes* object) const { brix_axes_free(object); }
+    void operator()(brix_extents* object) const { brix_extents_free(object); }
+    void operator()(brix_model* object) const { brix_model_free(object); }
+    void operator()(brix_iterator* object) const { brix_iterator_free(object); }
+    void operator()(brix_list* object) const { brix_list_free(object); }
+    void operator()(brix_mesh* object) const { brix_mesh_free(object); }
+    void operator()(brix_rows* object) const { brix_rows_free(object); }
+    void operator()(brix_path_model* object) const { brix_path_model_free(object); }
+};
+template <class Object> using Owned = std::unique_ptr<Object, Free>;
+
+struct Failure
+{
+    std::int32_t status = BRIX_OK;
+    std::string message;
+};
+
+// call(error) -> status
+template <class Call> Failure FailureOf(const Call& call)
+{
+    brix_error error{};
+    Failure failure;
+    failure.status = call(&error);
+    failure.message.assign(error.message == nullptr ? "" : error.message, static_cast<std::size_t>(error.length));
+    EXPECT_EQ(error.status, failure.status);
+    brix_error_clear(&error);
+    EXPECT_EQ(error.message, nullptr);
+    return failure;
+}
+
+// The object or number that function(arguments ..., result, error) gives.
+template <class Result, class... Parameters, class... Arguments>
+auto Get(std::int32_t (*function)(Parameters...), const Arguments&... arguments)
+{
+    Result result{};
+    const Failure failure = FailureOf([&](brix_error* error) { return function(arguments..., &result, error); });
+    EXPECT_EQ(failure.status, BRIX_OK) << failure.message;
+    if constexpr (std::is_pointer_v<Result>)
+        return Owned<std::remove_pointer_t<Result>>(result);
+    else
+        return result;
+}
+
+template <class Number, class... Parameters, class... Arguments>
+std::array<Number, 3> GetThree(std::int32_t (*function)(Parameters...), const Arguments&... arguments)
+{
+    std::array<Number, 3> result{};
+    const Failure failure = FailureOf([&](brix_error* error) { return function(arguments..., result.data(), error); });
+    EXPECT_EQ(failure.status, BRIX_OK) << failure.message;
+    return result;
+}
+
+// A tetrahedron's shell in a frame that is turned, moved and flat, in both languages.
+class CInterface : public ::testing::Test
+{
+protected:
+    std::vector<WorldTriangle> triangles_ = [] {
+        const std::array<std::array<double, 3>, 4> p{{{3, 1, 2}, {9, 2, 1}, {4, 8, 2}, {5, 3, 7}}};
+        return std::vector<WorldTriangle>{{p[0], p[2], p[1]}, {p[0], p[1], p[3]}, {p[1], p[2], p[3]}, {p[2], p[0], p[3]}};
+    }();
+    std::array<double, 3> origin_{1, -2, 0.5};
+    Axes axes_{1.5, origin_, 30, 2};
+    std::int64_t count_ = static_cast<std::int64_t>(triangles_.size());
+    const double* coords_ = triangles_.front().front().data();
+
+    Owned<brix_axes> cAxes_ = Get<brix_axes*>(brix_axes_create, 1.5, origin_.data(), 30.0, 2);
+    Owned<brix_extents> cExtents_ = Get<brix_extents*>(brix_detect_triangle_extents, cAxes_.get(), coords_, count_);
+    Owned<brix_model> cModel_ = Get<brix_model*>(brix_model_from_triangles, coords_, count_, cExtents_.get(), 3);
+    Owned<brix_model> cOther_ = Get<brix_model*>(brix_expand_along_x, cModel_.get(), 0, 2, nullptr, 0);
+    Voxels model_ = [this] {
+        const Extents extents = DetectTriangleExtents(axes_, triangles_);
+        TriangleModel filed(extents);
+        filed.AddWorldTriangles(triangles_);
+        Voxels voxels(extents, 3);
+        VoxelizeTriangleModel(voxels, filed);
+        return voxels;
+    }();
+    std::optional<Voxels> other_ = ExpandAlongX(model_, 0, 2, std::nullopt, false);
+    std::array<double, 3> inside_{5, 3.5, 3};
+    Triple insideUnits_ = axes_.FromWorldCoordinates(inside_);
+};
+
+// Same extents, finest level and slices at the finest level.
+void ExpectSame(const Voxels& expected, const brix_model* actual, const char* name)
+{
+    const std::int64_t lod = expected.FinestLOD();
+    ASSERT_EQ(Get<std::int64_t>(brix_model_finest_lod, actual), lod) << name;
+    const auto extents = Get<brix_extents*>(brix_model_extents, actual, lod);
+    const Triple lower = GetThree<std::int64_t>(brix_extents_lower_indices, extents.get());
+    const Triple upper = GetThree<std::int64_t>(brix_extents_upper_indices, extents.get());
+    ASSERT_EQ(lower, expected.ExtentsRef(lod).LowerIndices()) << name;
+    ASSERT_EQ(upper, expected.ExtentsRef(lod).UpperIndices()) << name;
+    for (std::int64_t z = lower[2]; z <= upper[2]; ++z) {
+        const auto rows = Get<brix_rows*>(brix_rows_at_slice, actual, 2, z, lod, 0, 0);
+        std::vector<std::uint8_t> row(static_cast<std::size_t>(upper[0] - lower[0] + 1));
+        std::int64_t index = 0;
+        for (const std::vector<bool>& expectedRow : RowsAtSliceZIndex(expected, z, lod, false, false)) {
+            ASSERT_EQ(brix_rows_copy(rows.get(), index++, 1, row.data(), nullptr), BRIX_OK);
+            ASSERT_EQ(std::vector<bool>(row.begin(), row.end()), expectedRow) << name << " at z " << z;
+        }
+    }
+}
+
+TEST_F(CInterface, ReachesTheOperationOfEachName)
+{
+    const auto expect = [&](const char* name, const Voxels& expected, auto function, const auto&... arguments) {
+        ExpectSame(expected, Get<brix_model*>(function, cModel_.get(), arguments...).get(), name);
+    };
+    ExpectSame(model_, cModel_.get(), "from triangles");
+    expect("crop", Crop(model_, 1, 2, 3, 1, 2, 0), brix_crop, 1, 2, 3, 1, 2, 0);
+    expect("enlarge", Enlarge(model_, 1, 2, 3, 4, 5, 6), brix_enlarge, 1, 2, 3, 4, 5, 6);
+    expect("auto-crop", AutoCrop(model_), brix_auto_crop);
+    expect("relocate", Relocate(model_, Axes(2, {0, 0, 0}, 0, 1)), brix_relocate,
+           Get<brix_axes*>(brix_axes_create, 2.0, std::array<double, 3>{}.data(), 0.0, 1).get());
+    const Extents box(axes_, {2, 1, 3}, {4, 5, 6}, 1);
+    expect("resize", Resize(model_, box), brix_resize,
+           Get<brix_extents*>(brix_extents_create, cAxes_.get(), Triple{2, 1, 3}.data(), Triple{4, 5, 6}.data(), 1).get());
+    expect("refine", Refine(model_, 4), brix_refine, 4);
+    expect("invert", Invert(model_), brix_invert);
+    expect("subtract", Subtract(model_, *other_, 3, false), brix_subtract, cOther_.get(), 3, 0);
+
+    const std::array<const brix_model*, 2> both{cModel_.get(), cOther_.get()};
+    ExpectSame(Union({&model_, &*other_}, 3, true), Get<brix_model*>(brix_union, both.data(), 2, 3, 1).get(), "union");
+    ExpectSame(Intersect({&model_, &*other_}, 2, true), Get<brix_model*>(brix_intersect, both.data(), 2, 2, 1).get(),
+               "intersect");
+
+    const std::optional<Voxels> none;
+    const auto* guide = cOther_.get();
+    const brix_model* noGuide = nullptr;
+    expect("expand x", ExpandAlongX(model_, 1, 3, none, true), brix_expand_along_x, 1, 3, noGuide, 1);
+    expect("expand y", ExpandAlongY(model_, 1, 3, other_, false), brix_expand_along_y, 1, 3, guide, 0);
+    expect("expand z", ExpandAlongZ(model_, 1, 3, none, true), brix_expand_along_z, 1, 3, noGuide, 1);
+    expect("expand by one", ExpandByOneVoxel(model_, 1, 2, none, true), brix_expand_by_one_voxel, 1, 2, noGuide, 1);
+    expect("expand disc", ExpandHorizontally(model_, 4, other_, false), brix_expand_horizontally, 4, guide, 0);
+    const auto ofOther = [&](const char* name, const Voxels& expected, auto function, const auto&... arguments) {
+        ExpectSame(expected, Get<brix_model*>(function, cOther_.get(), arguments...).get(), name);
+    };
+    ofOther("reduce x", ReduceAlongX(*other_, 1, 0, none, false), brix_reduce_along_x, 1, 0, noGuide, 0);
+    ofOther("reduce y", ReduceAlongY(*other_, 0, 1, none, true), brix_reduce_along_y, 0, 1, noGuide, 1);
+    ofOther("reduce z", ReduceAlongZ(*other_, 1, 0, model_, false), brix_reduce_along_z, 1, 0, cModel_.get(), 0);
+    ofOther("reduce by one", ReduceByOneVoxel(*other_, 2, 1, none, false), brix_reduce_by_one_voxel, 2, 1, noGuide, 0);
+    ofOther("reduce disc", ReduceHorizontally(*other_, 2, none, true), brix_reduce_horizontally, 2, noGuide, 1);
+
+    expect("fill from point", FillFromPoint(model_, insideUnits_), brix_fill_from_point, inside_.data());
+    expect("fill exposed", FillExposedRegions(model_), brix_fill_exposed_regions);
+    expect("fill enclosed", FillEnclosedRegions(model_), brix_fill_enclosed_regions);
+    expect("seen from a point", VisibilityFromPoint(model_, {0, 0, 0}, 2, axes_.FromWorldDistance(6), 0.3, true),
+           brix_visibility_from_point, origin_.data(), 2, 6.0, 0.3, 1);
+    EXPECT_EQ(Get<std::int64_t>(brix_count_filled, cModel_.get(), 2), CountFilled(model_, 2));
+    EXPECT_EQ(Get<std::int32_t>(brix_is_empty, cModel_.get(), 2), 0);
+    EXPECT_EQ(Get<std::int32_t>(brix_is_full, cModel_.get(), 2), 0);
+}
+
+TEST_F(CInterface, TurnsDirectionsIntoTheFrameWhateverTheirLengthAndItsOrigin)
+{
+    constexpr double length = 2800000000.0;
+    const double sin = std::sin(30 * 0.017453292519943295);
+    const double cos = std::cos(30 * 0.017453292519943295);
+    struct Case
+    {
+        std::array<double, 3> world;
+        Triple units;
+    };
+    const Case cases[] = {
+        {{0, 0, -1e-300}, {0, 0, -2800000000}},
+        {{cos * 1e300, sin * 1e300, 0}, {2800000000, 0, 0}},
+        {{-sin * 7, cos * 7, 0}, {0, 2800000000, 0}},
+        {{1, 2, -2}, {std::llround(length * (cos + 2 * sin) / 3), std::llround(length * (2 * cos - sin) / 3), -1866666667}},
+    };
+    for (const Case& c : cases) {
+        ExpectSame(VisibilityFromDirection(model_, c.units, 3, 0.4),
+                   Get<brix_model*>(brix_visibility_from_direction, cModel_.get(), c.world.data(), 3, 0.4).get(), "direction");
+    }
+    const std::string zero = MessageOf([&] { VisibilityFromDirection(model_, {0, 0, 0}, 3, 0.4); });
+    for (const std::array<double, 3>& direction : {std::array<double, 3>{0, 0, 0}, {nan, 0, 1}, {0, HUGE_VAL, 0}}) {
+        brix_model* result = nullptr;
+        const Failure failure = FailureOf([&](brix_error* error) {
+            return brix_visibility_from_direction(cModel_.get(), direction.data(), 3, 0.4, &result, error);
+        });
+        EXPECT_EQ(failure.message, zero);
+        EXPECT_EQ(result, nullptr);
+    }
+}
+
+TEST_F(CInterface, FindsSingleVoxelsAndKeepsTheirModelAlive)
+{
+    const auto same = [](const ConstVoxelIterator& expected, const Owned<brix_iterator>& actual) {
+        ASSERT_EQ(Get<std::int32_t>(brix_iterator_is_valid, actual.get()) != 0, expected.IsValid());
+        if (!expected.IsValid()) return;
+        EXPECT_EQ(GetThree<std::int64_t>(brix_iterator_voxel_indices, actual.get()), expected.VoxelIndices());
+        EXPECT_EQ(Get<std::int32_t>(brix_iterator_is_filled, actual.get()) != 0, expected.Value());
+        EXPECT_EQ(Get<std::int64_t>(brix_iterator_voxel_lod, actual.get()), expected.VoxelLOD());
+    };
+    const auto nearest = [&](auto function, const auto&... arguments) {
+        return Get<brix_iterator*>(function, cModel_.get(), inside_.data(), arguments...);
+    };
+    same(NearestFilledAlongX(model_, insideUnits_, 40, 1), nearest(brix_nearest_filled_along_x, 40, 1));
+    same(NearestFilledAlongX(model_, insideUnits_, 1, 40), nearest(brix_nearest_filled_along_x, 1, 40));
+    same(NearestFilledAlongY(model_, insideUnits_, 1, 40), nearest(brix_nearest_filled_along_y, 1, 40));
+    same(NearestFilledAlongZ(model_, insideUnits_, 40, 1), nearest(brix_nearest_filled_along_z, 40, 1));
+    same(NearestFilledHorizontally(model_, insideUnits_, 30), nearest(brix_nearest_filled_horizontally, 30));
+    same(std::as_const(model_).FindVoxel({5, 6, 7}, 3),
+         Get<brix_iterator*>(brix_iterator_create, cModel_.get(), Triple{5, 6, 7}.data(), 3));
+
+    auto voxel = Get<brix_iterator*>(brix_iterator_at_point, cModel_.get(), inside_.data(), 1);
+    cModel_.reset();
+    const Triple indices = axes_.ContainingVoxel(insideUnits_, 1);
+    EXPECT_EQ(GetThree<std::int64_t>(brix_iterator_voxel_indices, voxel.get()), indices);
+    EXPECT_EQ(GetThree<double>(brix_iterator_voxel_center, voxel.get()), axes_.ToWorldCoordinates(axes_.VoxelCenter(indices, 1)));
+    ExpectSame(model_, Get<brix_model*>(brix_iterator_model, voxel.get()).get(), "of an iterator");
+
+    voxel = Get<brix_iterator*>(brix_iterator_advance, voxel.get(), Triple{1, -1, 2}.data());
+    EXPECT_EQ(GetThree<std::int64_t>(brix_iterator_voxel_indices, voxel.get()), Plus(indices, {1, -1, 2}));
+    const auto outside = Get<brix_iterator*>(brix_iterator_advance, voxel.get(), Triple{most, least, 0}.data());
+    std::int32_t value = 7;
+    const Failure failure = FailureOf([&](brix_error* error) { return brix_iterator_is_filled(outside.get(), &value, error); });
+    EXPECT_EQ(failure.status, BRIX_OUT_OF_RANGE);
+    EXPECT_EQ(failure.message, "Attempt to operate on a voxel iterator that points outside the voxel model extents.");
+    EXPECT_EQ(value, 7);
+}
+
+TEST_F(CInterface, CopiesResultsWholeOrInParts)
+{
+    std::vector<WorldTriangle> expected;
+    TessellateVoxelModel(expected, model_, 2);
+    const auto list = Get<brix_list*>(brix_tessellate_voxel_model, cModel_.get(), 2);
+    std::int64_t size = 0;
+    std::int64_t width = 0;
+    ASSERT_EQ(brix_list_size(list.get(), &size, &width, nullptr), BRIX_OK);
+    ASSERT_EQ(size, static_cast<std::int64_t>(expected.size()));
+    ASSERT_EQ(width, 9);
+    std::vector<WorldTriangle> pieces(expected.size());
+    for (std::int64_t first = 0, count = 1; first < size; first += count, count = std::min(2 * count + 1, size - first)) {
+        double* place = pieces[static_cast<std::size_t>(first)].front().data();
+        ASSERT_EQ(brix_list_copy(list.get(), first, count, place, nullptr), BRIX_OK);
+    }
+    EXPECT_EQ(pieces, expected);
+
+    for (const auto& [first, count] :
+         {std::pair<std::int64_t, std::int64_t>{-1, 1}, {0, -1}, {0, size + 1}, {size + 1, 0}, {1, most}, {least, least}}) {
+        const Failure failure =
+            FailureOf([&](brix_error* error) { return brix_list_copy(list.get(), first, count, nullptr, error); });
+        EXPECT_EQ(failure.message, "The part to be copied must lie within the result. The part from " + std::to_string(first) +
+                                       " on, " + std::to_string(count) + " long, was requested of " + std::to_string(size) + ".");
+    }
+}
+
+TEST_F(CInterface, ReadsMeshesFromListsAndTriangles)
+{
+    const auto mesh = Get<brix_mesh*>(brix_mesh_from_triangles, coords_, count_);
+    std::int64_t vertices = 0;
+    std::int64_t triangles = 0;
+    ASSERT_EQ(brix_mesh_size(mesh.get(), &vertices, &triangles, nullptr), BRIX_OK);
+    ASSERT_EQ(vertices, 4);
+    ASSERT_EQ(triangles, 4);
+    std::vector<double> points(12);
+    std::vector<std::int32_t> indices(12);
+    ASSERT_EQ(brix_mesh_copy_vertices(mesh.get(), 0, 4, points.data(), nullptr), BRIX_OK);
+    ASSERT_EQ(brix_mesh_copy_indices(mesh.get(), 0, 4, indices.data(), nullptr), BRIX_OK);
+
+    const auto again = Get<brix_mesh*>(brix_mesh_create, points.data(), 4, indices.data(), 4);
+    std::vector<WorldTriangle> expanded(2);
+    ASSERT_EQ(brix_mesh_copy_triangles(again.get(), 1, 2, expanded.front().front().data(), nullptr), BRIX_OK);
+    EXPECT_EQ(expanded, std::vector(triangles_.begin() + 1, triangles_.begin() + 3));
+
+    indices[4] = 4;
+    brix_mesh* result = nullptr;
+    const auto create = [&](std::int64_t vertexCount, std::int64_t triangleCount) {
+        return FailureOf([&](brix_error* error) {
+                   return brix_mesh_create(points.data(), vertexCount, indices.data(), triangleCount, &result, error);
+               })
+            .status;
+    };
+    EXPECT_EQ(create(4, 4), BRIX_INVALID_ARGUMENT);
+    EXPECT_EQ(create(-1, 4), BRIX_INVALID_ARGUMENT);
+    EXPECT_EQ(create(4, least), BRIX_INVALID_ARGUMENT);
+    EXPECT_EQ(create(most, 4), BRIX_INVALID_ARGUMENT);
+}
+
+TEST_F(CInterface, RefusesNullWhereAnObjectIsNeeded)
+{
+    const auto refuses = [](auto call) {
+        const Failure failure = FailureOf(call);
+        EXPECT_EQ(failure.status, BRIX_NULL_ARGUMENT);
+        EXPECT_EQ(failure.message, "A required argument is a null pointer.");
+    };
+    brix_model* model = nullptr;
+    brix_axes* axes = nullptr;
+    std::int64_t number = 0;
+    refuses([&](brix_error* error) { return brix_axes_create(1, nullptr, 0, 0, &axes, error); });
+    refuses([&](brix_error* error) { return brix_axes_create(1, origin_.data(), 0, 0, nullptr, error); });
+    refuses([&](brix_error* error) { return brix_model_finest_lod(nullptr, &number, error); });
+    refuses([&](brix_error* error) { return brix_model_finest_lod(cModel_.get(), nullptr, error); });
+    refuses([&](brix_error* error) { return brix_union(nullptr, 1, 0, 0, &model, error); });
+    refuses([&](brix_error* error) { return brix_expand_along_x(nullptr, 1, 1, nullptr, 0, &model, error); });
+    refuses([&](brix_error* error) { return brix_model_from_triangles(nullptr, 1, cExtents_.get(), 0, &model, error); });
+    refuses([&](brix_error* error) { return brix_load_stl(nullptr, 3, 0, nullptr, error); });
+    refuses([&](brix_error* error) { return brix_list_copy(nullptr, 0, 0, nullptr, error); });
+
+    const brix_model* missing = nullptr;
+    EXPECT_EQ(FailureOf([&](brix_error* error) { return brix_union(&missing, 1, 0, 0, &model, error); }).status,
+              BRIX_INVALID_ARGUMENT);
+    EXPECT_EQ(brix_model_finest_lod(nullptr, &number, nullptr), BRIX_NULL_ARGUMENT); // without an error object
+    EXPECT_EQ(FailureOf([&](brix_error* error) {
+                  return brix_model_from_triangles(coords_, -1, cExtents_.get(), 0, &model, error);
+              }).status,
+              BRIX_INVALID_ARGUMENT);
+    EXPECT_EQ(FailureOf([&](brix_error* error) {
+                  return brix_model_from_triangles(coords_, most, cExtents_.get(), 0, &model, error);
+              }).status,
+              BRIX_INVALID_ARGUMENT);
+    EXPECT_EQ(
+        FailureOf([&](brix_error* error) { return brix_rows_at_slice(cModel_.get(), 3, 0, 0, 0, 0, nullptr, error); }).status,
+        BRIX_INVALID_ARGUMENT);
+    brix_error_clear(nullptr);
+    brix_model_free(nullptr);
+}
+
+TEST_F(CInterface, ReportsExhaustedMemoryAndLosesNothing)
+{
+    const std::int64_t alive = LiveAllocations();
+    std::int64_t failures = 0;
+    for (std::int64_t n = 1;; ++n) {
+        brix_model* result = nullptr;
+        const Failure failure = FailureOf([&](brix_error* error) {
+            const FailingAllocations armed(n);
+            return brix_expand_horizontally(cModel_.get(), 3, cOther_.get(), 1, &result, error);
+        });
+        if (failure.status == BRIX_OK) {
+            brix_model_free(result);
+            break;
+        }
+        ASSERT_EQ(failure.status, BRIX_OUT_OF_MEMORY);
+        ASSERT_EQ(failure.message, "std::bad_alloc");
+        ASSERT_EQ(result, nullptr);
+        ++failures;
+    }
+    EXPECT_GT(failures, 10);
+    EXPECT_EQ(LiveAllocations(), alive);
+}
+
+TEST(CInterfaceFiles, NameTheFileThatCannotBeRead)
+{
+    brix_list* list = nullptr;
+    const std::string path = "no such folder/no such file.stl";
+    const Failure failure = FailureOf(
+        [&](brix_error* error) { return brix_load_stl(path.data(), static_cast<std::int64_t>(path.size()), 0, &list, error); });
+    EXPECT_EQ(failure.status, BRIX_FILE_FAILURE);
+    EXPECT_EQ(failure.message, "Failed to open STL file \"" + path + "\".");
+    EXPECT_EQ(brix_abi_version(), BRIX_ABI_VERSION);
+}
+
+} // namespace
+} // namespace brix
