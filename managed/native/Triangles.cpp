@@ -49,6 +49,23 @@ private:
     std::vector<WorldTriangle> triangles_;
 };
 
+class TessellationList : public brix_list
+{
+public:
+    TessellationList(const VoxelModel<bool>& voxels, std::int64_t lod) : tessellation_(voxels, lod) {}
+
+    std::int64_t Size() const override { return tessellation_.TriangleCount(); }
+    std::int64_t Width() const override { return 9; }
+
+    void Copy(std::int64_t firstItem, std::int64_t itemCount, double* destination) const override
+    {
+        tessellation_.CopyTriangles(firstItem, itemCount, reinterpret_cast<WorldTriangle*>(destination));
+    }
+
+private:
+    Tessellation tessellation_;
+};
+
 std::filesystem::path PathAt(const char* path, std::int64_t length)
 {
     if (length < 0) {
@@ -136,9 +153,7 @@ std::int32_t brix_tessellate_voxel_model(const brix_model* model, std::int64_t v
 {
     return Guarded(error, [&] {
         RequireGiven(result);
-        std::vector<WorldTriangle> triangles;
-        TessellateVoxelModel(triangles, VoxelsOf(model), voxel_lod);
-        *result = new TriangleList(std::move(triangles));
+        *result = new TessellationList(VoxelsOf(model), voxel_lod);
     });
 }
 
