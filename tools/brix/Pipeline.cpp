@@ -195,7 +195,7 @@ std::vector<Step> MakeSteps()
              const std::int64_t radius = p.model.AxesRef().FromWorldDistance(a.Number());
              return VisibilityFromPoint(p.model, point, p.model.FinestLOD(), radius, a.Number(), p.autoAdjust);
          })},
-        {"visible-in-cone", "X Y Z DX DY DZ ANGLE RADIUS THRESHOLD", "of that, what lies in a cone along a direction of the grid",
+        {"visible-in-cone", "X Y Z DX DY DZ ANGLE RADIUS THRESHOLD", "what is seen in a cone along a direction of the grid",
          Replace([](const Pipeline& p, Arguments& a) {
              const Triple point = Point(p, a);
              const Triple direction = a.Direction();
@@ -203,7 +203,7 @@ std::vector<Step> MakeSteps()
              const std::int64_t radius = p.model.AxesRef().FromWorldDistance(a.Number());
              return VisibilityWithinCone(p.model, point, direction, angle, p.model.FinestLOD(), radius, a.Number(), p.autoAdjust);
          })},
-        {"visible-in-pyramid", "X Y Z DX DY DZ WIDTH HEIGHT RADIUS THRESHOLD", "of that, what a camera sees; angles in degrees",
+        {"visible-in-pyramid", "X Y Z DX DY DZ WIDTH HEIGHT RADIUS THRESHOLD", "what a camera sees; angles in degrees",
          Replace([](const Pipeline& p, Arguments& a) {
              const Triple point = Point(p, a);
              const Triple direction = a.Direction();
