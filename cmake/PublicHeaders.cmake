@@ -27,7 +27,9 @@ set(BRIX_INTERNAL_HEADERS
     visibility/BoxSweep.h
     visibility/Sight.h
     visibility/SightMask.h
+    visibility/SightOpening.h
     visibility/SightSphere.h
+    visibility/SightWedge.h
     visibility/StackView.h
     visibility/ValueCarrier.h
     visibility/VisibilitySweep.h)

@@ -67,7 +67,7 @@ Voxels Change(const Voxels& model, Bytes& bytes)
     const std::int64_t lod = model.FinestLOD();
     const bool flag = bytes.Below(2) == 1;
     const std::optional<Voxels> guide = bytes.Below(3) == 0 ? std::optional(Invert(model)) : std::nullopt;
-    switch (bytes.Below(11)) {
+    switch (bytes.Below(13)) {
     case 0:
         return ExpandAlongX(model, bytes.Small(), bytes.Small(), guide, flag);
     case 1:
@@ -89,6 +89,15 @@ Voxels Change(const Voxels& model, Bytes& bytes)
     case 9:
         return VisibilityFromDirection(model, {bytes.Take<std::int64_t>(), bytes.Small(), bytes.Small()}, lod,
                                        bytes.Small() / 64.0);
+    case 10:
+        return VisibilityWithinCone(model, {bytes.Take<std::int64_t>(), bytes.Small(), bytes.Small()},
+                                    {bytes.Take<std::int64_t>(), bytes.Small(), bytes.Small()},
+                                    bytes.Take<std::uint16_t>() / 128.0, lod, bytes.Take<std::int32_t>() % 400000,
+                                    bytes.Small() / 64.0, false);
+    case 11:
+        return VisibilityWithinPyramid(model, {bytes.Take<std::int32_t>(), bytes.Small(), bytes.Small()},
+                                       {bytes.Take<std::int64_t>(), bytes.Small(), bytes.Small()}, bytes.Small(), bytes.Small(),
+                                       lod, bytes.Take<std::int32_t>() % 400000, bytes.Small() / 64.0, flag);
     default:
         return VisibilityFromPoint(model, {bytes.Take<std::int64_t>(), bytes.Take<std::int32_t>(), bytes.Take<std::int32_t>()},
                                    lod, bytes.Take<std::int32_t>() % 400000, bytes.Small() / 64.0, false);

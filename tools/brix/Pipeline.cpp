@@ -54,6 +54,13 @@ public:
         return {x, y, Number()};
     }
 
+    Triple Direction()
+    {
+        const int x = Integer();
+        const int y = Integer();
+        return {x, y, Integer()};
+    }
+
 private:
     std::string Complaint(const std::string& wanted, const std::string& word) const
     {
@@ -179,16 +186,32 @@ std::vector<Step> MakeSteps()
          })},
         {"visible-along", "X Y Z THRESHOLD", "what is seen looking in a direction of the grid",
          Replace([](const Pipeline& p, Arguments& a) {
-             const int x = a.Integer();
-             const int y = a.Integer();
-             const int z = a.Integer();
-             return VisibilityFromDirection(p.model, {x, y, z}, p.model.FinestLOD(), a.Number());
+             const Triple direction = a.Direction();
+             return VisibilityFromDirection(p.model, direction, p.model.FinestLOD(), a.Number());
          })},
         {"visible-from", "X Y Z RADIUS THRESHOLD", "what is seen from a point, up to a distance",
          Replace([](const Pipeline& p, Arguments& a) {
              const Triple point = Point(p, a);
              const std::int64_t radius = p.model.AxesRef().FromWorldDistance(a.Number());
              return VisibilityFromPoint(p.model, point, p.model.FinestLOD(), radius, a.Number(), p.autoAdjust);
+         })},
+        {"visible-in-cone", "X Y Z DX DY DZ ANGLE RADIUS THRESHOLD", "what is seen in a cone along a direction of the grid",
+         Replace([](const Pipeline& p, Arguments& a) {
+             const Triple point = Point(p, a);
+             const Triple direction = a.Direction();
+             const double angle = a.Number();
+             const std::int64_t radius = p.model.AxesRef().FromWorldDistance(a.Number());
+             return VisibilityWithinCone(p.model, point, direction, angle, p.model.FinestLOD(), radius, a.Number(), p.autoAdjust);
+         })},
+        {"visible-in-pyramid", "X Y Z DX DY DZ WIDTH HEIGHT RADIUS THRESHOLD", "what a camera sees; angles in degrees",
+         Replace([](const Pipeline& p, Arguments& a) {
+             const Triple point = Point(p, a);
+             const Triple direction = a.Direction();
+             const double width = a.Number();
+             const double height = a.Number();
+             const std::int64_t radius = p.model.AxesRef().FromWorldDistance(a.Number());
+             return VisibilityWithinPyramid(p.model, point, direction, width, height, p.model.FinestLOD(), radius, a.Number(),
+                                            p.autoAdjust);
          })},
         {"write", "[LEVEL=]FILE", "write the voxels as STL", WriteModel},
         {"slice", "AXIS=POSITION FILE", "draw a slice as PNG", DrawModel},
