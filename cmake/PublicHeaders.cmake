@@ -7,11 +7,14 @@ set(BRIX_INTERNAL_HEADERS
     model/ForEachStack.h
     model/InstructionSet.h
     model/PropagateChunk.h
+    operations/FilledBounds.h
     operations/LevelGrid.h
+    operations/MergedExtents.h
     operations/Neighbourhood.h
     operations/NeighbourhoodPass.h
     operations/PlateFlood.h
     operations/RebuildModel.h
+    operations/RegionLabels.h
     operations/SurfacePasses.h
     triangles/BoxesOfStack.h
     triangles/ByteReader.h

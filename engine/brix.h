@@ -34,6 +34,7 @@
 #include "brix/operations/ProximityOperations.h"
 #include "brix/operations/SliceRows.h"
 #include "brix/operations/SolidOperations.h"
+#include "brix/operations/SpecialOperations.h"
 #include "brix/operations/SurfaceOperations.h"
 
 #include "brix/travel/PathModel.h"
