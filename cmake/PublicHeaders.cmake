@@ -18,9 +18,11 @@ set(BRIX_INTERNAL_HEADERS
     operations/SurfacePasses.h
     triangles/BoxesOfStack.h
     triangles/ByteReader.h
+    triangles/HeightSweep.h
     triangles/Lanes.h
     triangles/PackWorldTriangles.h
     triangles/PackedTriangles.h
+    triangles/StackFaces.h
     triangles/StlFormats.h
     triangles/TextNumbers.h
     triangles/TriangleConditions.h

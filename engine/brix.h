@@ -26,6 +26,8 @@
 
 #include "brix/triangles/StlFiles.h"
 
+#include "brix/triangles/Cuboidization.h"
+#include "brix/triangles/Solidization.h"
 #include "brix/triangles/Tessellation.h"
 #include "brix/triangles/Voxelization.h"
 
