@@ -68,11 +68,15 @@ void CuboidMaker::AddRunEnds(const VoxelStack<bool>& stack, const Triple& corner
     const auto isSolidBeside = [&](std::int64_t step) { return IsSolid(StackBeside(model_, lod_, corner, {step, 0, 0})); };
     if (stack.IsUnallocated() || (IsSolid(stack) && isSolidBeside(-16) && isSolidBeside(16))) return;
     const StackColumns columns(model_, lod_, stack, corner);
-    const auto add = [&](std::int64_t x, std::int64_t y, Heights heights) {
-        ends_.emplace_back(PackPosition(corner[1] + y), corner[0] + x, heights);
-    };
-    ForEachFaceBeside(columns, {-1, 0}, add);
-    ForEachFaceBeside(columns, {1, 0}, [&](std::int64_t x, std::int64_t y, Heights heights) { add(x + 1, y, heights); });
+    for (std::int64_t y = 0; y < 16; ++y) {
+        const std::uint64_t row = PackPosition(corner[1] + y);
+        for (std::int64_t x = 0; x < 16; ++x) {
+            const Heights first = FacesBeside(columns, x, y, {-1, 0});
+            const Heights last = FacesBeside(columns, x, y, {1, 0});
+            if (first != 0) ends_.emplace_back(row, corner[0] + x, first);
+            if (last != 0) ends_.emplace_back(row, corner[0] + x + 1, last);
+        }
+    }
 }
 
 } // namespace

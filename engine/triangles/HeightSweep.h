@@ -107,14 +107,18 @@ template <class Emit> void MergeCells(std::vector<Cell>& cells, const Emit& emit
     }
 }
 
-/// The same of cells that are given by their ends: each entry toggles heights of its line from its position on.
+/// The same of cells that are given by their ends: each entry toggles heights of its line from its position on. Where runs of two
+/// stacks meet, both entries cancel.
 template <class Emit> void MergeToggles(std::vector<Cell>& toggles, const Emit& emit)
 {
     SortCells(toggles);
     RunSweep sweep;
-    for (const Cell& toggle : toggles) {
-        sweep.Cover(toggle.Position(), sweep.Covered() ^ toggle.heights,
-                    [&](const IndexRange& range, Heights heights) { emit(toggle.Line(), range, heights); });
+    for (auto toggle = toggles.begin(); toggle != toggles.end();) {
+        const Cell& first = *toggle;
+        Heights toggled = 0;
+        for (; toggle != toggles.end() && toggle->key == first.key; ++toggle) toggled ^= toggle->heights;
+        sweep.Cover(first.Position(), sweep.Covered() ^ toggled,
+                    [&](const IndexRange& range, Heights heights) { emit(first.Line(), range, heights); });
     }
 }
 

@@ -24,13 +24,13 @@ public:
     }
 
 private:
-    // The faces of a layer of chunks to one side, as cells. Lines are the planes across x or y; or, towards z, where every height is
-    // a plane, the rows along x.
+    // The faces of a layer of chunks to one side, by the ends of their runs in each stack. Lines are the planes across x or y; or,
+    // towards z, where every height is a plane, the rows along x.
     struct Facing
     {
         Axis axis;
         Side side;
-        std::vector<Cell> faces{};
+        std::vector<Cell> ends{};
         HeightJoiner joiner{}; // of those across x and y
 
         std::int64_t Step() const { return side == Side::Upper ? 1 : -1; }
@@ -74,7 +74,7 @@ private:
 void RectangleMaker::AddLayer(std::int64_t chunkZ)
 {
     const std::int64_t bottom = chunkZ * ChunkHeight;
-    for (Facing& facing : facings_) facing.faces.clear();
+    for (Facing& facing : facings_) facing.ends.clear();
     ForEachStackOfLayer(model_, lod_, chunkZ, [&](const VoxelStore<bool>& store, const StackIndices& ij) {
         const VoxelStack<bool>& stack = store.VoxelStackRef(ij);
         const Triple corner = store.LowerIndices(ij);
@@ -101,27 +101,38 @@ void RectangleMaker::AddFaces(const VoxelStack<bool>& stack, const Triple& corne
 
 void RectangleMaker::AddFacesBeside(Facing& facing, const StackColumns& columns, const Triple& corner)
 {
-    const bool isAcrossX = facing.axis == Axis::X;
-    const std::array<std::int64_t, 2> step{isAcrossX ? facing.Step() : 0, isAcrossX ? 0 : facing.Step()};
-    ForEachFaceBeside(columns, step, [&](std::int64_t x, std::int64_t y, Heights heights) {
-        const std::array<std::int64_t, 2> voxel{corner[0] + x, corner[1] + y};
-        facing.faces.emplace_back(PackPosition(voxel[isAcrossX ? 0 : 1] + facing.Plane()), voxel[isAcrossX ? 1 : 0], heights);
-    });
+    const std::int64_t step = facing.Step();
+    const auto add = [&](std::int64_t plane, std::int64_t position, Heights heights) {
+        facing.ends.emplace_back(PackPosition(plane + facing.Plane()), position, heights);
+    };
+    if (facing.axis == Axis::X)
+        ForEachChange(
+            [&](std::int64_t x, std::int64_t y) {
+                return FacesBeside(columns, x, y, {step, 0});
+            },
+            [&](std::int64_t x, std::int64_t y, Heights heights) { add(corner[0] + x, corner[1] + y, heights); });
+    else
+        ForEachChange(
+            [&](std::int64_t y, std::int64_t x) {
+                return FacesBeside(columns, x, y, {0, step});
+            },
+            [&](std::int64_t y, std::int64_t x, Heights heights) { add(corner[1] + y, corner[0] + x, heights); });
 }
 
 void RectangleMaker::AddFacesStacked(Facing& facing, const StackColumns& columns, const Triple& corner)
 {
     const VoxelStack<bool>& other = StackBeside(model_, lod_, corner, {0, 0, 64 * facing.Step()});
     const VoxelPlate<bool>& beyond = facing.side == Side::Upper ? other.Plates().front() : other.Plates().back();
-    ForEachFaceStacked(columns, facing.side, beyond, [&](std::int64_t x, std::int64_t y, Heights heights) {
-        facing.faces.emplace_back(PackPosition(corner[1] + y), corner[0] + x, heights);
-    });
+    ForEachChange([&](std::int64_t y, std::int64_t x) { return FacesStacked(columns, x, y, facing.side, beyond); },
+                  [&](std::int64_t y, std::int64_t x, Heights heights) {
+                      facing.ends.emplace_back(PackPosition(corner[1] + y), corner[0] + x, heights);
+                  });
 }
 
 // Along the plane first, then upwards.
 void RectangleMaker::MergeUpright(Facing& facing, std::int64_t bottom)
 {
-    MergeCells(facing.faces, [&](std::uint64_t plane, const IndexRange& along, Heights heights) {
+    MergeToggles(facing.ends, [&](std::uint64_t plane, const IndexRange& along, Heights heights) {
         facing.joiner.Add(plane, along, heights, bottom, Writer(facing));
     });
     EndLayer(facing, bottom);
@@ -131,7 +142,7 @@ void RectangleMaker::MergeUpright(Facing& facing, std::int64_t bottom)
 void RectangleMaker::MergeLevel(Facing& facing, std::int64_t bottom)
 {
     runs_.clear();
-    MergeCells(facing.faces, [&](std::uint64_t row, const IndexRange& x, Heights heights) {
+    MergeToggles(facing.ends, [&](std::uint64_t row, const IndexRange& x, Heights heights) {
         runs_.emplace_back(PackRange(x), UnpackPosition(row), heights);
     });
     MergeCells(runs_, [&](std::uint64_t line, const IndexRange& y, Heights heights) {

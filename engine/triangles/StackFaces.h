@@ -71,29 +71,33 @@ inline StackColumns::StackColumns(const VoxelModel<bool>& model, std::int64_t lo
     Add(beside({0, 16, 0}), [&](const auto& plate, const auto& flip) { flip(plate.Row(0), number(1, 17), 1); });
 }
 
-/// Calls visit(x, y, heights) for the columns (offsets in the stack) that have faces towards a neighbour: at the heights at which
-/// the column is filled and the other one, `step` beside it, is not.
-template <class Visit>
-void ForEachFaceBeside(const StackColumns& columns, const std::array<std::int64_t, 2>& step, const Visit& visit)
+/// The heights at which a column (offsets in the stack) is filled and the one beside it is not.
+inline Heights FacesBeside(const StackColumns& columns, std::int64_t x, std::int64_t y, const std::array<std::int64_t, 2>& step)
 {
-    for (std::int64_t y = 0; y < 16; ++y) {
-        for (std::int64_t x = 0; x < 16; ++x) {
-            if (const Heights faces = columns.At(x, y) & ~columns.At(x + step[0], y + step[1]); faces != 0) visit(x, y, faces);
-        }
-    }
+    return columns.At(x, y) & ~columns.At(x + step[0], y + step[1]);
 }
 
-/// The same for faces to the upper or lower side, against the plate that lies upon the stack or under it.
-template <class Visit>
-void ForEachFaceStacked(const StackColumns& columns, Side side, const VoxelPlate<bool>& beyond, const Visit& visit)
+/// The heights at which a column is filled and what is above or below is not; `beyond` lies upon the stack or under it.
+inline Heights FacesStacked(const StackColumns& columns, std::int64_t x, std::int64_t y, Side side,
+                            const VoxelPlate<bool>& beyond)
 {
-    for (std::int64_t y = 0; y < 16; ++y) {
-        for (std::int64_t x = 0; x < 16; ++x) {
-            const Heights here = columns.At(x, y);
-            const Heights next = beyond.Value({x, y}) ? 1 : 0;
-            const Heights faces = here & ~(side == Side::Upper ? here >> 1 | next << 63 : here << 1 | next);
-            if (faces != 0) visit(x, y, faces);
+    const Heights here = columns.At(x, y);
+    const Heights next = beyond.Value({x, y}) ? 1 : 0;
+    return here & ~(side == Side::Upper ? here >> 1 | next << 63 : here << 1 | next);
+}
+
+/// Calls visit(line, position, heights) wherever heights come or go along one of sixteen lines of sixteen columns, at positions 0..16.
+/// The heights of a column are heightsAt(line, position).
+template <class HeightsAt, class Visit> void ForEachChange(const HeightsAt& heightsAt, const Visit& visit)
+{
+    for (std::int64_t line = 0; line < 16; ++line) {
+        Heights before = 0;
+        for (std::int64_t position = 0; position < 16; ++position) {
+            const Heights here = heightsAt(line, position);
+            if (here != before) visit(line, position, here ^ before);
+            before = here;
         }
+        if (before != 0) visit(line, std::int64_t{16}, before);
     }
 }
 
