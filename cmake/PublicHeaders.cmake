@@ -7,17 +7,22 @@ set(BRIX_INTERNAL_HEADERS
     model/ForEachStack.h
     model/InstructionSet.h
     model/PropagateChunk.h
+    operations/FilledBounds.h
     operations/LevelGrid.h
+    operations/MergedExtents.h
     operations/Neighbourhood.h
     operations/NeighbourhoodPass.h
     operations/PlateFlood.h
     operations/RebuildModel.h
+    operations/RegionLabels.h
     operations/SurfacePasses.h
     triangles/BoxesOfStack.h
     triangles/ByteReader.h
+    triangles/HeightSweep.h
     triangles/Lanes.h
     triangles/PackWorldTriangles.h
     triangles/PackedTriangles.h
+    triangles/StackFaces.h
     triangles/StlFormats.h
     triangles/TextNumbers.h
     triangles/TriangleConditions.h
