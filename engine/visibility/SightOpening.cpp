@@ -1,6 +1,8 @@
 #include "SightOpening.h"
 
+#include <bit>
 #include <cmath>
+#include <utility>
 
 namespace brix::sight {
 namespace {
