@@ -5,8 +5,8 @@
 //   VisibilityAlongX      direction (1, 0, 0)              VisibilityAlongXBaseline
 //   VisibilityAlongZ      direction (0, 0, -1)             VisibilityAlongZBaseline
 //   VisibilityFromPoint   from beside the scene            VisibilityFromPointBaseline
-//   VisibilityCone        the same, 20 degrees along x     VisibilityConeBaseline: the same sweep, then a test of every voxel
-//   VisibilityPyramid     60 x 40 degrees along (3, 1, -1) VisibilityPyramidBaseline
+//   VisibilityCone        the same, 20 degrees along y     VisibilityConeBaseline: the same sweep, then a test of every voxel
+//   VisibilityPyramid     60 x 40 degrees along (1, 3, -1) VisibilityPyramidBaseline
 #include "Measure.h"
 #include "model/ForEachStack.h"
 #include "operations/BasicOperations.h"
@@ -143,23 +143,23 @@ template <class Holds> void SeeDenselyWithin(DenseBytes& visible, const DenseByt
 
 constexpr double HalfDegree = 3.14159265358979323846 / 360;
 constexpr double ConeAngle = 20;
-constexpr Triple CameraDirection{3, 1, -1};
+constexpr Triple CameraDirection{1, 3, -1};
 constexpr std::array<double, 2> CameraAngles{60, 40};
 
 bool IsInCone(double x, double y, double z)
 {
     static const double cosine = std::cos(ConeAngle * HalfDegree);
-    return x >= cosine * std::sqrt(x * x + y * y + z * z);
+    return y >= cosine * std::sqrt(x * x + y * y + z * z);
 }
 
-// Forward is (3, 1, -1), to the right (1, -3, 0), up (3, 1, 10).
+// Forward is (1, 3, -1), to the right (3, -1, 0), up (1, 3, 10).
 bool IsInView(double x, double y, double z)
 {
     static const double horizontal = std::tan(CameraAngles[0] * HalfDegree);
     static const double vertical = std::tan(CameraAngles[1] * HalfDegree);
-    const double forward = (3 * x + y - z) / std::sqrt(11);
-    return std::abs(x - 3 * y) / std::sqrt(10) <= horizontal * forward &&
-           std::abs(3 * x + y + 10 * z) / std::sqrt(110) <= vertical * forward;
+    const double forward = (x + 3 * y - z) / std::sqrt(11);
+    return std::abs(3 * x - y) / std::sqrt(10) <= horizontal * forward &&
+           std::abs(x + 3 * y + 10 * z) / std::sqrt(110) <= vertical * forward;
 }
 
 VoxelModel<bool> ModelOf(const GriddedScene& scene)
@@ -249,7 +249,7 @@ void RegisterPoints()
     RegisterPoint(
         "VisibilityCone",
         [](const VoxelModel<bool>& model, const Triple& point) {
-            return VisibilityWithinCone(model, point, {1, 0, 0}, ConeAngle, Level, unlimited, Threshold, false);
+            return VisibilityWithinCone(model, point, {0, 1, 0}, ConeAngle, Level, unlimited, Threshold, false);
         },
         [](DenseBytes& visible, const DenseBytes& filled, const Triple& eye) {
             SeeDenselyWithin(visible, filled, eye, IsInCone);

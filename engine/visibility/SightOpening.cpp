@@ -1,6 +1,8 @@
 #include "SightOpening.h"
 
+#include <bit>
 #include <cmath>
+#include <utility>
 
 namespace brix::sight {
 namespace {
@@ -200,7 +202,7 @@ VoxelPlate<bool> SightCone::InsideAt(const Triple& corner) const
     return isInverted_ ? ~inCap : inCap;
 }
 
-/// A camera: unit vectors forward, to the right and up, and its half angles.
+/// A camera: unit vectors forward, to the right (or left) and up (or down), and its half angles.
 struct SightPyramid::Shape
 {
     Vector forward, right, up;
@@ -214,7 +216,6 @@ struct SightPyramid::Shape
             right = {level[1], -level[0], 0};
         }
         up = {right[1] * forward[2], -right[0] * forward[2], right[0] * forward[1] - right[1] * forward[0]};
-        if (up[2] < 0) up = {-up[0], -up[1], -up[2]};
     }
 
     // d * f sin >= |d * r| cos is two half-spaces with these normals; the same for up.

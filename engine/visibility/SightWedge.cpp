@@ -58,7 +58,7 @@ double SquaredSineOfHalf(double degrees)
 SightReach ReachOf(const SightCap& cap, std::int64_t radius)
 {
     const auto reach = [&](double cosine) {
-        const double distance = ShareReached(cap, cosine) * static_cast<double>(radius) * (1 + 1e-8);
+        const double distance = (ShareReached(cap, cosine) + 1e-7) * static_cast<double>(radius);
         return std::min(radius, static_cast<std::int64_t>(distance) + 1);
     };
     const Vector& axis = cap.axis;

@@ -4,6 +4,7 @@
 
 #include "../frame/Triples.h"
 
+#include <utility>
 #include <vector>
 
 namespace brix::sight {

@@ -216,10 +216,10 @@ struct Opening
         if (kind == None || offset == Triple{}) return true;
         const Reals to = Unit(ToReals(offset));
         const Reals forward = Unit(ToReals(direction));
-        if (kind == Cone) return Dot(to, forward) >= std::cos(angle * halfDegree) - 1e-15L;
+        if (kind == Cone) return Dot(to, forward) >= std::cos(static_cast<long double>(angle) * halfDegree) - 1e-15L;
         const Reals right = Across(forward, direction[0] == 0 && direction[1] == 0 ? Reals{0, 1, 0} : Reals{0, 0, 1});
         const auto isBetween = [&](const Reals& side, double degrees) {
-            const long double half = degrees * halfDegree;
+            const long double half = static_cast<long double>(degrees) * halfDegree;
             return std::abs(Dot(to, side)) * std::cos(half) <= Dot(to, forward) * std::sin(half) + 1e-12L;
         };
         return isBetween(right, angle) && isBetween(Across(right, forward), verticalAngle);
@@ -504,6 +504,25 @@ TEST(Visibility, OfATurnedSceneIsTurned)
         if (turn == Turn::SwapXY && isVertical && opening.kind == Opening::Pyramid)
             std::swap(opening.angle, opening.verticalAngle);
         expectTurned(view.See(turned, lod, 0.4), seen);
+    }
+}
+
+TEST(VisibilityWithin, APyramidLiesBetweenTheConesThatTouchItsSidesAndEdges)
+{
+    const VoxelModel<bool> model = MakeModel(ReferenceModel(Extents(Frame, {-12, -12, -3}, {11, 11, 2}, 2), 2, 2));
+    const auto left = [](const VoxelModel<bool>& a, const VoxelModel<bool>& b) {
+        return CountFilled(Subtract(a, b, 2, false), 2);
+    };
+    for (std::uint64_t seed = 1; seed <= 20; ++seed) {
+        Random random(seed);
+        const double angle = seed == 1 ? 90 : static_cast<double>(random.Between(1, 179));
+        const double outer = 2 * std::atan(std::sqrt(2) * std::tan(angle * std::acos(-1) / 360)) * 180 / std::acos(-1);
+        PointCase view{{5000, 5000, 20'000}, Unlimited, false, {Opening::Pyramid, RandomDirection(random), angle, angle}};
+        const VoxelModel<bool> pyramid = view.See(model, 2, 1);
+        view.opening.kind = Opening::Cone;
+        EXPECT_EQ(left(view.See(model, 2, 1), pyramid), 0) << view;
+        view.opening.angle = outer + 1e-9;
+        EXPECT_EQ(left(pyramid, view.See(model, 2, 1)), 0) << view;
     }
 }
 
