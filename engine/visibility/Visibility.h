@@ -58,8 +58,9 @@ VoxelModel<bool> VisibilityFromPoint(const VoxelModel<bool>& voxelModel, const s
 ///
 /// Throws std::domain_error when the direction is (0, 0, 0), then when the angle is not greater than 0 (or is NaN), or greater than
 /// 360; then as VisibilityFromPoint.
-/// Cost: as VisibilityFromPoint for the part of each octant that lies between the point and some voxel within the cone, no more: a
-/// cone along an axis sweeps little else than its own voxels, one along a diagonal of space a box around it.
+/// Cost: as VisibilityFromPoint for the voxels of each octant behind which, away from the point, some voxel lies within the cone: for a
+/// narrow cone the box from the point to its far end. That is little when the cone runs along an axis, and most of an octant when
+/// it runs along a diagonal of space through all of the extents.
 VoxelModel<bool> VisibilityWithinCone(const VoxelModel<bool>& voxelModel, const std::array<std::int64_t, 3>& point,
                                       const std::array<std::int64_t, 3>& direction, double angle, long long lod,
                                       long long maxRadius, double threshold, bool autoAdjustExtents);
