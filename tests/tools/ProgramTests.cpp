@@ -293,6 +293,19 @@ TEST_F(Program, RunsOperationsInARow)
     EXPECT_EQ(ContentOf(folder_ / "s.png").substr(1, 3), "PNG");
 }
 
+TEST_F(Program, KeepsTheLargestRegionAndWritesItsSurface)
+{
+    const WorldTriangle floor{{{0, 0, 0}, {30, 0, 0}, {0, 30, 0}}};
+    SaveTrianglesToBinarySTL(folder_ / "two.stl", {floor, {{{50, 50, 9}, {58, 50, 9}, {50, 58, 9}}}}, false);
+    SaveTrianglesToBinarySTL(folder_ / "one.stl", {floor}, false);
+    const Outcome outcome = Run("run two.stl -w 1.6 --lod 3 -- keep-largest write-surface s.stl write v.stl");
+    ASSERT_EQ(outcome.exitCode, 0) << outcome.error;
+    EXPECT_EQ(Reported(outcome, "keep-largest +(\\d+) voxels filled"),
+              Reported(Run("run one.stl -w 1.6 --lod 3 -- auto-crop"), "auto-crop +(\\d+) voxels filled"));
+    EXPECT_EQ(Reported(outcome, "s.stl: level 3, (\\d+) triangles"), static_cast<std::int64_t>(Load("s.stl").size()));
+    EXPECT_LT(Load("s.stl").size(), Load("v.stl").size());
+}
+
 TEST_F(Program, DrawsWhereAPersonCanWalk)
 {
     ASSERT_EQ(Run("scene building -o house.stl").exitCode, 0);
