@@ -13,6 +13,9 @@ set(BRIX_INTERNAL_HEADERS
     operations/PlateFlood.h
     operations/RebuildModel.h
     operations/SurfacePasses.h
+    travel/DistanceSearch.h
+    travel/LineWalk.h
+    travel/VoxelPainter.h
     triangles/BoxesOfStack.h
     triangles/ByteReader.h
     triangles/Lanes.h
