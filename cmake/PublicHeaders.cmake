@@ -16,6 +16,9 @@ set(BRIX_INTERNAL_HEADERS
     operations/RebuildModel.h
     operations/RegionLabels.h
     operations/SurfacePasses.h
+    travel/DistanceSearch.h
+    travel/LineWalk.h
+    travel/VoxelPainter.h
     triangles/BoxesOfStack.h
     triangles/ByteReader.h
     triangles/HeightSweep.h

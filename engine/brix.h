@@ -40,4 +40,10 @@
 #include "brix/operations/SurfaceOperations.h"
 
 #include "brix/travel/PathModel.h"
+#include "brix/travel/TraversableGraph.h"
+
+#include "brix/travel/DistanceField.h"
+
+#include "brix/travel/Path.h"
+
 #include "brix/visibility/Visibility.h"
