@@ -12,38 +12,25 @@
 
 namespace brix {
 
-/// The layer of a stack at a height that only ever grows. Heights may be counted from another origin: z = height + shift.
+/// The layer of a stack at a height that only ever grows.
 class LayerCursor
 {
 public:
-    explicit LayerCursor(const VoxelStack<bool>& stack, std::int64_t firstHeight = 0, std::int64_t shift = 0) : shift_(shift)
-    {
-        const auto offsets = stack.LayerOffsets();
-        const auto layer = firstHeight == 0 ? 0 : static_cast<std::size_t>(stack.LayerID(firstHeight));
-        plate_ = stack.Plates().data() + layer;
-        next_ = offsets.data() + layer + 1;
-        end_ = offsets.data() + offsets.size();
-    }
+    explicit LayerCursor(const VoxelStack<bool>& stack)
+        : plate_(stack.Plates().data()), starts_(stack.LayerStarts() & ~HeightSet{1})
+    {}
 
     const VoxelPlate<bool>& PlateRef() const { return *plate_; }
 
-    /// The first z above this layer.
-    std::int64_t End() const { return (next_ == end_ ? VoxelStack<bool>::Height : *next_) + shift_; }
+    /// The heights above 0 at which layers start.
+    HeightSet Starts() const { return starts_; }
 
     /// Moves to the layer that starts at z, if one does. Every layer's start must be visited.
-    void MoveTo(std::int64_t z)
-    {
-        if (next_ != end_ && *next_ + shift_ == z) {
-            ++next_;
-            ++plate_;
-        }
-    }
+    void MoveTo(std::int64_t z) { plate_ += starts_ >> z & 1; }
 
 private:
     const VoxelPlate<bool>* plate_;
-    const std::uint8_t* next_; // where the layer above starts
-    const std::uint8_t* end_;
-    std::int64_t shift_;
+    HeightSet starts_;
 };
 
 /// What a stack sees `distance` (1..64) voxels below or above, as if it were a stack: part of it and part of its neighbour.
@@ -71,26 +58,31 @@ class ShiftedCursor
 {
 public:
     explicit ShiftedCursor(const ShiftedStack& stack)
-        : boundary_(stack.Boundary()),
-          current_(boundary_ > 0 ? LayerCursor(stack.lower, stack.distance, -stack.distance)
-                                 : LayerCursor(stack.upper, 0, boundary_)),
-          upper_(stack.upper, 0, boundary_)
-    {}
+        : boundary_(stack.Boundary()), plate_(stack.upper.Plates().data()), upperPlate_(plate_)
+    {
+        if (boundary_ > 0) {
+            plate_ = &stack.lower.LayerVoxelPlateRef(stack.lower.LayerID(stack.distance));
+            starts_ = stack.lower.LayerStarts() >> stack.distance;
+        }
+        if (boundary_ < VoxelStack<bool>::Height) starts_ |= stack.upper.LayerStarts() << boundary_;
+        starts_ &= ~HeightSet{1};
+    }
 
-    const VoxelPlate<bool>& PlateRef() const { return current_.PlateRef(); }
-    std::int64_t End() const { return std::min(current_.End(), VoxelStack<bool>::Height); }
+    const VoxelPlate<bool>& PlateRef() const { return *plate_; }
+    HeightSet Starts() const { return starts_; }
     void MoveTo(std::int64_t z)
     {
         if (z == boundary_)
-            current_ = upper_;
+            plate_ = upperPlate_;
         else
-            current_.MoveTo(z);
+            plate_ += starts_ >> z & 1;
     }
 
 private:
     std::int64_t boundary_;
-    LayerCursor current_;
-    LayerCursor upper_;
+    const VoxelPlate<bool>* plate_;
+    const VoxelPlate<bool>* upperPlate_;
+    HeightSet starts_ = 0;
 };
 
 inline LayerCursor MakeCursor(const VoxelStack<bool>& stack) { return LayerCursor(stack); }
@@ -139,11 +131,12 @@ private:
 template <class Visit, class... Stacks> void ForEachCommonLayer(const Visit& visit, const Stacks&... stacks)
 {
     const auto walk = [&](auto... cursors) {
-        for (std::int64_t z = 0; z < VoxelStack<bool>::Height;) {
+        HeightSet starts = (cursors.Starts() | ... | 1);
+        while (starts != 0) {
+            const std::int64_t z = std::countr_zero(starts);
+            starts &= starts - 1;
             (cursors.MoveTo(z), ...);
-            const std::int64_t end = std::min({cursors.End()...});
-            visit(z, end, cursors.PlateRef()...);
-            z = end;
+            visit(z, starts != 0 ? std::countr_zero(starts) : VoxelStack<bool>::Height, cursors.PlateRef()...);
         }
     };
     walk(MakeCursor(stacks)...);

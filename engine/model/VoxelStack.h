@@ -19,6 +19,13 @@
 
 namespace brix {
 
+/// A set of a stack's heights: bit z for height z.
+using HeightSet = std::uint64_t;
+
+/// The heights z..63, and 0..z.
+constexpr HeightSet HeightsFrom(std::int64_t z) { return ~HeightSet{0} << z; }
+constexpr HeightSet HeightsUpTo(std::int64_t z) { return ~HeightSet{0} >> (63 - z); }
+
 template <class Value> class VoxelStack;
 
 template <> class VoxelStack<bool>
@@ -38,8 +45,11 @@ public:
     /// The number of layers, 1..64.
     std::int32_t LayerCount() const { return block_ == nullptr ? 1 : block_->layerCount; }
 
-    /// The layer that holds height z (0..63).
-    std::int32_t LayerID(std::int64_t z) const;
+    /// The heights at which layers start; 0 is one of them.
+    HeightSet LayerStarts() const { return block_ == nullptr ? 1 : block_->layerStarts; }
+
+    /// The layer that holds height z (0..63): as many layers start at or below z as lie below it, and one.
+    std::int32_t LayerID(std::int64_t z) const { return std::popcount(LayerStarts() & HeightsUpTo(z)) - 1; }
 
     /// The lowest and the highest height of a layer (0 .. LayerCount - 1).
     std::int64_t LowerOffset(std::int32_t layer) const { return LayerOffsets()[static_cast<std::size_t>(layer)]; }
@@ -84,14 +94,17 @@ public:
     friend bool operator==(const VoxelStack& a, const VoxelStack& b);
 
 private:
-    // The head of the one allocation; layerOffsets[capacity] follow at once and plates[capacity] at the next multiple of 16 bytes.
+    // The head of the one allocation; layerOffsets[capacity] follow at once, in the head's spare bytes, and plates[capacity] at the
+    // next multiple of 16 bytes.
     struct Block
     {
+        HeightSet layerStarts; // what the offsets say, as a set
         std::uint8_t layerCount;
         std::uint8_t capacity;
     };
 
-    static constexpr std::size_t PlatesStart(std::size_t capacity) { return (sizeof(Block) + capacity + 15) / 16 * 16; }
+    static constexpr std::size_t OffsetsStart = sizeof(HeightSet) + 2;
+    static constexpr std::size_t PlatesStart(std::size_t capacity) { return (OffsetsStart + capacity + 15) / 16 * 16; }
     static constexpr std::size_t BlockBytes(std::size_t capacity)
     {
         return PlatesStart(capacity) + capacity * sizeof(VoxelPlate<bool>);
