@@ -165,11 +165,52 @@ constexpr VoxelPlate<bool> TowardsLowerX(const VoxelPlate<bool>& here, const Vox
                    beyond);
 }
 
-/// The rows 16 - distance .. 31 - distance of two plates, one above the other: `lower` has the rows 0..15, `upper` 16..31.
+#if defined(__GNUC__)
+/// RowsAcross for the processors whose first byte is the lowest. Words of four rows are chosen first; what is left are shifts by rows.
+inline VoxelPlate<bool> RowsAcrossVectors(const VoxelPlate<bool>& lower, const VoxelPlate<bool>& upper, int distance)
+{
+    using Words [[gnu::vector_size(32)]] = std::uint64_t;
+    Words low;
+    Words high;
+    std::memcpy(&low, lower.rows.data(), sizeof low);
+    std::memcpy(&high, upper.rows.data(), sizeof high);
+
+    const int first = 16 - distance;
+    Words words = high; // the words from the one that holds row `first`
+    Words next = high;  // the words from the one above it
+    switch (first / 4) {
+    case 0:
+        words = low;
+        next = __builtin_shufflevector(low, high, 1, 2, 3, 4);
+        break;
+    case 1:
+        words = __builtin_shufflevector(low, high, 1, 2, 3, 4);
+        next = __builtin_shufflevector(low, high, 2, 3, 4, 5);
+        break;
+    case 2:
+        words = __builtin_shufflevector(low, high, 2, 3, 4, 5);
+        next = __builtin_shufflevector(low, high, 3, 4, 5, 6);
+        break;
+    case 3:
+        words = __builtin_shufflevector(low, high, 3, 4, 5, 6);
+        break;
+    default: // row 16: `upper` itself
+        break;
+    }
+    const int bits = 16 * (first % 4);
+    words = words >> bits | next << 1 << (63 - bits);
+    VoxelPlate<bool> result;
+    std::memcpy(result.rows.data(), &words, sizeof words);
+    return result;
+}
+#endif
+
+/// The rows 16 - distance .. 31 - distance of two plates, one above the other: `lower` has the rows 0..15, `upper` 16..31. The distance
+/// is 0..16.
 constexpr VoxelPlate<bool> RowsAcross(const VoxelPlate<bool>& lower, const VoxelPlate<bool>& upper, int distance)
 {
 #if defined(__GNUC__)
-    if (!std::is_constant_evaluated() && distance == 1) { // two instructions instead of a detour by memory
+    if (!std::is_constant_evaluated() && distance == 1) { // two instructions
         return MapVectors(
             [](auto& out, const auto& low, const auto& high) {
                 out = __builtin_shufflevector(low, high, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27, 28, 29, 30);
@@ -183,6 +224,8 @@ constexpr VoxelPlate<bool> RowsAcross(const VoxelPlate<bool>& lower, const Voxel
             },
             lower, upper);
     }
+    if (!std::is_constant_evaluated() && std::endian::native == std::endian::little)
+        return RowsAcrossVectors(lower, upper, distance);
 #endif
     const auto first = static_cast<std::size_t>(16 - distance);
     return MakePlate([&](std::size_t y) { return first + y < 16 ? lower.rows[first + y] : upper.rows[first + y - 16]; });
