@@ -16,9 +16,8 @@ namespace brix {
 class LayerCursor
 {
 public:
-    explicit LayerCursor(const VoxelStack<bool>& stack)
-        : plate_(stack.Plates().data()), starts_(stack.LayerStarts() & ~HeightSet{1})
-    {}
+    explicit LayerCursor(const VoxelStack<bool>& stack) : LayerCursor(stack.Plates().data(), stack.LayerStarts()) {}
+    LayerCursor(const VoxelPlate<bool>* plates, HeightSet starts) : plate_(plates), starts_(starts & ~HeightSet{1}) {}
 
     const VoxelPlate<bool>& PlateRef() const { return *plate_; }
 
@@ -85,8 +84,36 @@ private:
     HeightSet starts_ = 0;
 };
 
+/// The box lower..upper of a stack's offsets (inclusive, may reach beyond the stack), as if it were a stack that is filled inside it.
+class BoxStack
+{
+public:
+    BoxStack(const Triple& lower, const Triple& upper)
+    {
+        const std::int64_t begin = std::clamp<std::int64_t>(lower[2], 0, VoxelStack<bool>::Height);
+        const std::int64_t end = std::clamp<std::int64_t>(upper[2], begin - 1, VoxelStack<bool>::Height - 1) + 1;
+        if (begin > 0) Add(0, {});
+        if (begin < end) Add(begin, Box({lower[0], lower[1]}, {upper[0], upper[1]}));
+        if (begin < end && end < VoxelStack<bool>::Height) Add(end, {});
+        if (starts_ == 0) Add(0, {});
+    }
+
+    LayerCursor Cursor() const { return LayerCursor(plates_.data(), starts_); }
+
+private:
+    void Add(std::int64_t z, const VoxelPlate<bool>& plate)
+    {
+        plates_[static_cast<std::size_t>(std::popcount(starts_))] = plate;
+        starts_ |= HeightSet{1} << z;
+    }
+
+    std::array<VoxelPlate<bool>, 3> plates_; // below the box, in it, above it; without those that are not there
+    HeightSet starts_ = 0;
+};
+
 inline LayerCursor MakeCursor(const VoxelStack<bool>& stack) { return LayerCursor(stack); }
 inline ShiftedCursor MakeCursor(const ShiftedStack& stack) { return ShiftedCursor(stack); }
+inline LayerCursor MakeCursor(const BoxStack& box) { return box.Cursor(); }
 
 /// Collects layers from bottom to top, merging equal neighbours.
 class StackBuilder
@@ -150,6 +177,16 @@ template <class Rule, class... Stacks> void CombineStacks(VoxelStack<bool>& resu
         [&](std::int64_t z, std::int64_t, const auto&... plates) { builder.AppendMade(z, [&] { return rule(plates...); }); },
         stacks...);
     builder.WriteTo(result);
+}
+
+/// Makes `result` a stack with every voxel outside a box emptied. The result may be the stack.
+inline void CopyInsideBox(VoxelStack<bool>& result, const VoxelStack<bool>& stack, const BoxStack& box)
+{
+    if (stack.IsUnallocated())
+        result = VoxelStack<bool>();
+    else
+        CombineStacks(
+            result, [](const VoxelPlate<bool>& plate, const VoxelPlate<bool>& inside) { return plate & inside; }, stack, box);
 }
 
 } // namespace brix

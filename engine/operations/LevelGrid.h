@@ -50,9 +50,10 @@ public:
     /// A model on the extents whose finest level holds the grid's stacks, which are gone afterwards; coarser levels are left empty.
     VoxelModel<bool> TakeModel();
 
-private:
+    /// The stack that stands for all those which a grid does not have.
     static const VoxelStack<bool> Nothing;
 
+private:
     static Triple Corner(const Triple& stack) { return {16 * stack[0], 16 * stack[1], 64 * stack[2]}; }
     std::size_t Number(const Triple& stack) const
     {

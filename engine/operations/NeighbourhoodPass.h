@@ -17,7 +17,8 @@ struct Look
     std::int64_t distance;
 };
 
-/// A second level that has the last word on every plate of a pass: restrain(plate, guide's plate).
+/// A second level that has the last word on every plate of a pass: restrain(plate, guide's plate), which is the plate itself where the
+/// guide is empty.
 template <class Restrain> struct Restraint
 {
     const LevelGrid* guide; // may be null: no restraint
@@ -80,18 +81,18 @@ bool Pass(LevelGrid& grid, const StacksOf& stacksOf, const Rule& rule, const Res
         stacksOf(stack, [&](const auto&... sources) {
             if ((IsUnallocated(sources) && ...)) {
                 result = Stack();
-            } else if (restraint.guide == nullptr || restraint.guide->StackAt(stack).IsUnallocated()) {
-                CombineStacks(result, rule, sources...);
-            } else {
-                const auto restrained = [&](const Plate& guide, const auto&... plates) {
-                    return restraint.restrain(rule(plates...), guide);
-                };
-                CombineStacks(result, restrained, restraint.guide->StackAt(stack), sources...);
+                return;
             }
+            const Stack& guide = restraint.guide != nullptr ? restraint.guide->StackAt(stack) : LevelGrid::Nothing;
+            if (guide.IsUnallocated() && grid.IsInside(stack)) {
+                CombineStacks(result, rule, sources...);
+                return;
+            }
+            const auto restrained = [&](const Plate& inside, const Plate& barrier, const auto&... plates) {
+                return inside & restraint.restrain(rule(plates...), barrier);
+            };
+            CombineStacks(result, restrained, BoxStack(grid.LowerOffset(stack), grid.UpperOffset(stack)), guide, sources...);
         });
-        if (!result.IsUnallocated() && !grid.IsInside(stack)) {
-            result.FillOutsideBox(grid.LowerOffset(stack), grid.UpperOffset(stack), false);
-        }
         isChanged = isChanged || !(result == grid.StackAt(stack));
     };
     RunWith(instructionSet, [&] { grid.Rewrite(write); });

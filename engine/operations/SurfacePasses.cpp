@@ -96,7 +96,8 @@ template <class Change> VoxelModel<bool> SurfacePasses<Change>::Finish(bool auto
         Pass(grid_, withSource, finish, Restraint<RestrainPlate>{nullptr, {}});
     }
     VoxelModel<bool> result = grid_.TakeModel();
-    return autoCrop ? AutoCrop(std::move(result)) : Resize(std::move(result), source_.ExtentsRef(source_.FinestLOD()));
+    return autoCrop ? AutoCrop(std::move(result))
+                    : PropagatedOnExtents(std::move(result), source_.ExtentsRef(source_.FinestLOD()));
 }
 
 template class SurfacePasses<Growth>;
