@@ -1,5 +1,7 @@
 #include "VoxelStack.h"
 
+#include "CombineStacks.h"
+
 #include <cstring>
 #include <new>
 #include <utility>
@@ -9,7 +11,6 @@ namespace {
 
 using Plate = VoxelPlate<bool>;
 
-constexpr Plate NoPlate{};
 constexpr std::uint8_t NoOffset = 0;
 
 } // namespace
@@ -18,13 +19,6 @@ VoxelStack<bool>::Block* VoxelStack<bool>::MakeBlock(std::size_t capacity)
 {
     void* const memory = ::operator new(BlockBytes(capacity));
     return new (memory) Block{0, 0, static_cast<std::uint8_t>(capacity)};
-}
-
-std::uint8_t* VoxelStack<bool>::Offsets(Block* block) { return reinterpret_cast<std::uint8_t*>(block) + OffsetsStart; }
-
-Plate* VoxelStack<bool>::PlatesOf(Block* block)
-{
-    return reinterpret_cast<Plate*>(reinterpret_cast<std::byte*>(block) + PlatesStart(block->capacity));
 }
 
 void VoxelStack<bool>::Release() noexcept
@@ -57,12 +51,6 @@ VoxelStack<bool>& VoxelStack<bool>::operator=(VoxelStack&& other) noexcept
 {
     std::swap(block_, other.block_);
     return *this;
-}
-
-std::span<const Plate> VoxelStack<bool>::Plates() const
-{
-    if (block_ == nullptr) return {&NoPlate, 1};
-    return {PlatesOf(block_), block_->layerCount};
 }
 
 std::span<const std::uint8_t> VoxelStack<bool>::LayerOffsets() const
@@ -184,24 +172,12 @@ void VoxelStack<bool>::Decompress()
 
 void VoxelStack<bool>::FillOutsideBox(const Triple& lower, const Triple& upper, bool value)
 {
-    if (IsUnallocated() && !value) return;
-    const Plate outside = value ? FilledPlate() : Plate{};
-    std::int32_t first = 0;
-    if (lower[2] > 0) {
-        first = lower[2] < Height ? IsolateLevel(lower[2], true, false) : LayerCount();
-        for (std::int32_t layer = 0; layer < first; ++layer) LayerVoxelPlateRef(layer) = outside;
-    }
-    std::int32_t end = LayerCount();
-    if (upper[2] < Height - 1) {
-        end = upper[2] >= 0 ? IsolateLevel(upper[2], false, true) + 1 : 0;
-        for (std::int32_t layer = end; layer < LayerCount(); ++layer) LayerVoxelPlateRef(layer) = outside;
-    }
-    const Plate inside = Box({lower[0], lower[1]}, {upper[0], upper[1]});
-    for (std::int32_t layer = first; layer < end && !brix::IsFull(inside); ++layer) {
-        Plate& plate = LayerVoxelPlateRef(layer);
-        plate = (plate & inside) | AndNot(outside, inside);
-    }
-    Compress();
+    const BoxStack box(lower, upper);
+    if (value)
+        CombineStacks(
+            *this, [](const Plate& plate, const Plate& inside) { return plate | ~inside; }, *this, box);
+    else
+        CopyInsideBox(*this, *this, box);
 }
 
 bool operator==(const VoxelStack<bool>& a, const VoxelStack<bool>& b)

@@ -54,7 +54,7 @@ public:
     /// The stack that holds a voxel of this level; it may not be valid.
     StackIndices ContainingStack(const Triple& voxelIndices) const
     {
-        return {FloorDivide(voxelIndices[0] - lowerIndices_[0], 16), FloorDivide(voxelIndices[1] - lowerIndices_[1], 16)};
+        return {FloorShift(voxelIndices[0] - lowerIndices_[0], 4), FloorShift(voxelIndices[1] - lowerIndices_[1], 4)};
     }
 
     /// Bytes of the heap that the store owns.
