@@ -26,11 +26,11 @@ constexpr std::array<std::array<std::size_t, 3>, 12> BoxTriangles{{
 // A box of voxel indices, lower corners inclusive, upper exclusive, at an address in the output.
 void WriteBox(WorldTriangle* output, const Axes& axes, const Triple& lower, const Triple& upper)
 {
+    // World x and y do not depend on the height, nor does world z on anything else: four corners have the numbers of all eight.
+    const std::array standing{axes.ToWorldCoordinates(lower), axes.ToWorldCoordinates({upper[0], lower[1], lower[2]}),
+                              axes.ToWorldCoordinates({lower[0], upper[1], lower[2]}), axes.ToWorldCoordinates(upper)};
     std::array<std::array<double, 3>, 8> corners;
-    for (std::size_t k = 0; k < 8; ++k) {
-        corners[k] =
-            axes.ToWorldCoordinates({k & 1 ? upper[0] : lower[0], k & 2 ? upper[1] : lower[1], k & 4 ? upper[2] : lower[2]});
-    }
+    for (std::size_t k = 0; k < 8; ++k) corners[k] = {standing[k & 3][0], standing[k & 3][1], standing[k & 4 ? 3 : 0][2]};
     for (const auto& [a, b, c] : BoxTriangles) *output++ = {corners[a], corners[b], corners[c]};
 }
 
