@@ -29,6 +29,13 @@ public:
     /// Throws what the constructor throws, for a level outside 0..5 among others.
     Extents RescaledCopy(std::int64_t newLOD) const;
 
+    /// Whether two boxes hold the same voxels of the same level and frame.
+    friend bool operator==(const Extents& a, const Extents& b)
+    {
+        return a.axes_ == b.axes_ && a.voxelLOD_ == b.voxelLOD_ && a.lowerIndices_ == b.lowerIndices_ &&
+               a.upperIndices_ == b.upperIndices_;
+    }
+
 private:
     Axes axes_;
     Triple lowerIndices_;

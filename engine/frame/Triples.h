@@ -31,6 +31,9 @@ constexpr std::int64_t FloorDivide(std::int64_t value, std::int64_t divisor)
     return value / divisor - (value % divisor < 0 ? 1 : 0);
 }
 
+/// floor(value / 2^bits).
+constexpr std::int64_t FloorShift(std::int64_t value, std::int64_t bits) { return value >> bits; }
+
 constexpr Triple Plus(const Triple& a, const Triple& b) { return {a[0] + b[0], a[1] + b[1], a[2] + b[2]}; }
 constexpr Triple Minus(const Triple& a, const Triple& b) { return {a[0] - b[0], a[1] - b[1], a[2] - b[2]}; }
 

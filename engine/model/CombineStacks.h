@@ -12,38 +12,24 @@
 
 namespace brix {
 
-/// The layer of a stack at a height that only ever grows. Heights may be counted from another origin: z = height + shift.
+/// The layer of a stack at a height that only ever grows.
 class LayerCursor
 {
 public:
-    explicit LayerCursor(const VoxelStack<bool>& stack, std::int64_t firstHeight = 0, std::int64_t shift = 0) : shift_(shift)
-    {
-        const auto offsets = stack.LayerOffsets();
-        const auto layer = firstHeight == 0 ? 0 : static_cast<std::size_t>(stack.LayerID(firstHeight));
-        plate_ = stack.Plates().data() + layer;
-        next_ = offsets.data() + layer + 1;
-        end_ = offsets.data() + offsets.size();
-    }
+    explicit LayerCursor(const VoxelStack<bool>& stack) : LayerCursor(stack.Plates().data(), stack.LayerStarts()) {}
+    LayerCursor(const VoxelPlate<bool>* plates, HeightSet starts) : plate_(plates), starts_(starts & ~HeightSet{1}) {}
 
     const VoxelPlate<bool>& PlateRef() const { return *plate_; }
 
-    /// The first z above this layer.
-    std::int64_t End() const { return (next_ == end_ ? VoxelStack<bool>::Height : *next_) + shift_; }
+    /// The heights above 0 at which layers start.
+    HeightSet Starts() const { return starts_; }
 
     /// Moves to the layer that starts at z, if one does. Every layer's start must be visited.
-    void MoveTo(std::int64_t z)
-    {
-        if (next_ != end_ && *next_ + shift_ == z) {
-            ++next_;
-            ++plate_;
-        }
-    }
+    void MoveTo(std::int64_t z) { plate_ += starts_ >> z & 1; }
 
 private:
     const VoxelPlate<bool>* plate_;
-    const std::uint8_t* next_; // where the layer above starts
-    const std::uint8_t* end_;
-    std::int64_t shift_;
+    HeightSet starts_;
 };
 
 /// What a stack sees `distance` (1..64) voxels below or above, as if it were a stack: part of it and part of its neighbour.
@@ -71,30 +57,63 @@ class ShiftedCursor
 {
 public:
     explicit ShiftedCursor(const ShiftedStack& stack)
-        : boundary_(stack.Boundary()),
-          current_(boundary_ > 0 ? LayerCursor(stack.lower, stack.distance, -stack.distance)
-                                 : LayerCursor(stack.upper, 0, boundary_)),
-          upper_(stack.upper, 0, boundary_)
-    {}
+        : boundary_(stack.Boundary()), plate_(stack.upper.Plates().data()), upperPlate_(plate_)
+    {
+        if (boundary_ > 0) {
+            plate_ = &stack.lower.LayerVoxelPlateRef(stack.lower.LayerID(stack.distance));
+            starts_ = stack.lower.LayerStarts() >> stack.distance;
+        }
+        if (boundary_ < VoxelStack<bool>::Height) starts_ |= stack.upper.LayerStarts() << boundary_;
+        starts_ &= ~HeightSet{1};
+    }
 
-    const VoxelPlate<bool>& PlateRef() const { return current_.PlateRef(); }
-    std::int64_t End() const { return std::min(current_.End(), VoxelStack<bool>::Height); }
+    const VoxelPlate<bool>& PlateRef() const { return *plate_; }
+    HeightSet Starts() const { return starts_; }
     void MoveTo(std::int64_t z)
     {
         if (z == boundary_)
-            current_ = upper_;
+            plate_ = upperPlate_;
         else
-            current_.MoveTo(z);
+            plate_ += starts_ >> z & 1;
     }
 
 private:
     std::int64_t boundary_;
-    LayerCursor current_;
-    LayerCursor upper_;
+    const VoxelPlate<bool>* plate_;
+    const VoxelPlate<bool>* upperPlate_;
+    HeightSet starts_ = 0;
+};
+
+/// The box lower..upper of a stack's offsets (inclusive, may reach beyond the stack), as if it were a stack that is filled inside it.
+class BoxStack
+{
+public:
+    BoxStack(const Triple& lower, const Triple& upper)
+    {
+        const std::int64_t begin = std::clamp<std::int64_t>(lower[2], 0, VoxelStack<bool>::Height);
+        const std::int64_t end = std::clamp<std::int64_t>(upper[2], begin - 1, VoxelStack<bool>::Height - 1) + 1;
+        if (begin > 0) Add(0, {});
+        if (begin < end) Add(begin, Box({lower[0], lower[1]}, {upper[0], upper[1]}));
+        if (begin < end && end < VoxelStack<bool>::Height) Add(end, {});
+        if (starts_ == 0) Add(0, {});
+    }
+
+    LayerCursor Cursor() const { return LayerCursor(plates_.data(), starts_); }
+
+private:
+    void Add(std::int64_t z, const VoxelPlate<bool>& plate)
+    {
+        plates_[static_cast<std::size_t>(std::popcount(starts_))] = plate;
+        starts_ |= HeightSet{1} << z;
+    }
+
+    std::array<VoxelPlate<bool>, 3> plates_; // below the box, in it, above it; without those that are not there
+    HeightSet starts_ = 0;
 };
 
 inline LayerCursor MakeCursor(const VoxelStack<bool>& stack) { return LayerCursor(stack); }
 inline ShiftedCursor MakeCursor(const ShiftedStack& stack) { return ShiftedCursor(stack); }
+inline LayerCursor MakeCursor(const BoxStack& box) { return box.Cursor(); }
 
 /// Collects layers from bottom to top, merging equal neighbours.
 class StackBuilder
@@ -139,11 +158,12 @@ private:
 template <class Visit, class... Stacks> void ForEachCommonLayer(const Visit& visit, const Stacks&... stacks)
 {
     const auto walk = [&](auto... cursors) {
-        for (std::int64_t z = 0; z < VoxelStack<bool>::Height;) {
+        HeightSet starts = (cursors.Starts() | ... | 1);
+        while (starts != 0) {
+            const std::int64_t z = std::countr_zero(starts);
+            starts &= starts - 1;
             (cursors.MoveTo(z), ...);
-            const std::int64_t end = std::min({cursors.End()...});
-            visit(z, end, cursors.PlateRef()...);
-            z = end;
+            visit(z, starts != 0 ? std::countr_zero(starts) : VoxelStack<bool>::Height, cursors.PlateRef()...);
         }
     };
     walk(MakeCursor(stacks)...);
@@ -157,6 +177,16 @@ template <class Rule, class... Stacks> void CombineStacks(VoxelStack<bool>& resu
         [&](std::int64_t z, std::int64_t, const auto&... plates) { builder.AppendMade(z, [&] { return rule(plates...); }); },
         stacks...);
     builder.WriteTo(result);
+}
+
+/// Makes `result` a stack with every voxel outside a box emptied. The result may be the stack.
+inline void CopyInsideBox(VoxelStack<bool>& result, const VoxelStack<bool>& stack, const BoxStack& box)
+{
+    if (stack.IsUnallocated())
+        result = VoxelStack<bool>();
+    else
+        CombineStacks(
+            result, [](const VoxelPlate<bool>& plate, const VoxelPlate<bool>& inside) { return plate & inside; }, stack, box);
 }
 
 } // namespace brix

@@ -1,5 +1,5 @@
-// Hot loops are compiled twice: portably, and for x86 processors with AVX2. Which one runs is asked of the processor. Both give the
-// same bits; tests run both.
+// Hot loops are compiled twice: portably, and for x86 processors with AVX2 and the bit instructions that came with it. Which one runs
+// is asked of the processor. Both give the same bits; tests run both.
 #pragma once
 
 namespace brix {
@@ -14,12 +14,14 @@ enum class InstructionSet
 
 inline InstructionSet FastestInstructionSet()
 {
-    return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("popcnt") ? InstructionSet::Avx2 : InstructionSet::Portable;
+    const bool hasAll = __builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi") && __builtin_cpu_supports("bmi2") &&
+                        __builtin_cpu_supports("popcnt");
+    return hasAll ? InstructionSet::Avx2 : InstructionSet::Portable;
 }
 
 // `flatten` pulls everything that the work calls into this one function, so that no function compiled for AVX2 can be linked into
 // code that runs on older processors.
-template <class Work> [[gnu::target("avx2,popcnt"), gnu::flatten]] void RunWithAvx2(const Work& work) { work(); }
+template <class Work> [[gnu::target("avx2,bmi,bmi2,popcnt"), gnu::flatten]] void RunWithAvx2(const Work& work) { work(); }
 
 /// Runs work() in the code compiled for an instruction set, which the processor must have.
 template <class Work> void RunWith(InstructionSet instructionSet, const Work& work)

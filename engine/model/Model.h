@@ -4,6 +4,7 @@
 
 #include "../frame/Extents.h"
 
+#include <bit>
 #include <vector>
 
 namespace brix {
@@ -22,8 +23,10 @@ constexpr Triple ChunkLowerIndices(const Triple& chunkIndices, std::int64_t voxe
 /// Indices of the chunk that holds a voxel of a level.
 constexpr Triple ChunkOfVoxel(const Triple& voxelIndices, std::int64_t voxelLOD)
 {
-    const std::int64_t width = ChunkWidth << NearestLevel(voxelLOD);
-    return {FloorDivide(voxelIndices[0], width), FloorDivide(voxelIndices[1], width), FloorDivide(voxelIndices[2], ChunkHeight)};
+    const std::int64_t widthBits = std::countr_zero(static_cast<std::uint64_t>(ChunkWidth)) + NearestLevel(voxelLOD);
+    constexpr std::int64_t heightBits = std::countr_zero(static_cast<std::uint64_t>(ChunkHeight));
+    return {FloorShift(voxelIndices[0], widthBits), FloorShift(voxelIndices[1], widthBits),
+            FloorShift(voxelIndices[2], heightBits)};
 }
 
 template <class Chunk> class Model

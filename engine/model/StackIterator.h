@@ -34,10 +34,22 @@ public:
         stackIndices_ = stackIndices;
     }
 
+    /// The stack that holds a voxel, if the model does: the short way for a voxel that mostly is inside the extents. Throws as above.
+    static StackIteratorBase OfVoxelInside(VoxelModelType& model, const Triple& voxelIndices, std::int64_t lod)
+    {
+        StackIteratorBase iterator(model, lod);
+        if (model.ContainsVoxel(voxelIndices, lod)) {
+            iterator.chunkIndices_ = ChunkOfVoxel(voxelIndices, lod);
+            iterator.store_ = &model.ChunkRef(iterator.chunkIndices_).VoxelStoreRef(lod);
+            iterator.stackIndices_ = iterator.store_->ContainingStack(voxelIndices);
+        }
+        return iterator;
+    }
+
     /// An iterator that is not valid, standing for a voxel that the model does not have. Throws as above.
     StackIteratorBase(VoxelModelType& model, std::int64_t lod) : model_(&model), lod_(lod)
     {
-        RequireIteratorLevel(model.FinestLOD(), lod);
+        if (lod < 0 || lod > model.FinestLOD()) RequireIteratorLevel(model.FinestLOD(), lod);
     }
 
     /// A read-only iterator at the place of a mutable one.

@@ -13,15 +13,10 @@ template <class VoxelModelType> class VoxelIteratorBase
 public:
     /// The voxel with these indices; not valid when it lies outside the extents.
     /// Throws std::domain_error when the level is negative or beyond the model's finest one.
-    VoxelIteratorBase(VoxelModelType& model, const Triple& voxelIndices, std::int64_t lod) : stack_(model, voxelIndices, lod)
+    VoxelIteratorBase(VoxelModelType& model, const Triple& voxelIndices, std::int64_t lod)
+        : stack_(StackIteratorBase<VoxelModelType>::OfVoxelInside(model, voxelIndices, lod))
     {
         if (!stack_.IsValid()) return;
-        if (!stack_.VoxelStoreRef().ExtentsRef().ContainsVoxel(voxelIndices)) {
-            stack_ = StackIteratorBase<VoxelModelType>(model, lod);
-            return;
-        }
-        lowerOffset_ = stack_.LowerOffset();
-        upperOffset_ = stack_.UpperOffset();
         const Triple offset = Minus(voxelIndices, stack_.LowerIndices());
         xy_ = {offset[0], offset[1]};
         z_ = offset[2];
@@ -35,12 +30,7 @@ public:
     template <class Other>
     requires(std::is_same_v<const Other, VoxelModelType> && !std::is_same_v<Other, VoxelModelType>)
         VoxelIteratorBase(const VoxelIteratorBase<Other>& other)
-        : stack_(other.stack_),
-          lowerOffset_(other.lowerOffset_),
-          upperOffset_(other.upperOffset_),
-          xy_(other.xy_),
-          z_(other.z_),
-          layer_(other.layer_)
+        : stack_(other.stack_), xy_(other.xy_), z_(other.z_), layer_(other.layer_)
     {}
 
     bool IsValid() const { return stack_.IsValid(); }
@@ -71,7 +61,7 @@ public:
     {
         Validate();
         const Triple offset = PlusSaturated({xy_[0], xy_[1], z_}, step);
-        if (!IsWithin(offset, lowerOffset_, upperOffset_)) {
+        if (!IsWithin(offset, stack_.LowerOffset(), stack_.UpperOffset())) {
             return *this = VoxelIteratorBase(VoxelModelRef(), PlusSaturated(stack_.LowerIndices(), offset), VoxelLOD());
         }
         xy_ = {offset[0], offset[1]};
@@ -98,8 +88,6 @@ private:
     }
 
     StackIteratorBase<VoxelModelType> stack_;
-    Triple lowerOffset_{}; // the part of the stack that lies in the extents
-    Triple upperOffset_{};
     std::array<std::int64_t, 2> xy_{};
     std::int64_t z_ = 0;
     std::int32_t layer_ = 0;

@@ -31,6 +31,12 @@ public:
 
     std::int64_t FinestLOD() const { return finestLOD_; }
 
+    /// Whether a voxel of a level, which must be one of 0..FinestLOD(), lies inside the extents.
+    bool ContainsVoxel(const Triple& voxelIndices, std::int64_t lod) const
+    {
+        return ExtentsAtLevel(lod).ContainsVoxel(voxelIndices);
+    }
+
     /// The extents in voxels of a level, 0..FinestLOD(). Throws std::domain_error for any other level.
     const Extents& ExtentsRef(std::int64_t lod) const;
 

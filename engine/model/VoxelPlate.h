@@ -40,11 +40,11 @@ template <> struct VoxelPlate<bool>
         return static_cast<std::uint16_t>(column);
     }
 
+    // As memory, where that can be: two plates that differ then mostly do so in the first two words that are looked at.
     friend constexpr bool operator==(const VoxelPlate& a, const VoxelPlate& b)
     {
-        const auto first = std::bit_cast<std::array<std::uint64_t, 4>>(a.rows);
-        const auto second = std::bit_cast<std::array<std::uint64_t, 4>>(b.rows);
-        return ((first[0] ^ second[0]) | (first[1] ^ second[1]) | (first[2] ^ second[2]) | (first[3] ^ second[3])) == 0;
+        if (std::is_constant_evaluated()) return a.rows == b.rows;
+        return std::memcmp(a.rows.data(), b.rows.data(), sizeof a.rows) == 0;
     }
 };
 
@@ -123,7 +123,10 @@ constexpr bool IsFull(const VoxelPlate<bool>& plate) { return plate == FilledPla
 constexpr std::int64_t Count(const VoxelPlate<bool>& plate)
 {
     int count = 0;
-    for (const std::uint64_t word : std::bit_cast<std::array<std::uint64_t, 4>>(plate.rows)) count += std::popcount(word);
+    for (std::size_t y = 0; y < VoxelPlate<bool>::Side; y += 4) {
+        std::array<std::uint16_t, 4> rows{plate.rows[y], plate.rows[y + 1], plate.rows[y + 2], plate.rows[y + 3]};
+        count += std::popcount(std::bit_cast<std::uint64_t>(rows));
+    }
     return count;
 }
 
@@ -162,11 +165,52 @@ constexpr VoxelPlate<bool> TowardsLowerX(const VoxelPlate<bool>& here, const Vox
                    beyond);
 }
 
-/// The rows 16 - distance .. 31 - distance of two plates, one above the other: `lower` has the rows 0..15, `upper` 16..31.
+#if defined(__GNUC__)
+/// RowsAcross for the processors whose first byte is the lowest. Words of four rows are chosen first; what is left are shifts by rows.
+inline VoxelPlate<bool> RowsAcrossVectors(const VoxelPlate<bool>& lower, const VoxelPlate<bool>& upper, int distance)
+{
+    using Words [[gnu::vector_size(32)]] = std::uint64_t;
+    Words low;
+    Words high;
+    std::memcpy(&low, lower.rows.data(), sizeof low);
+    std::memcpy(&high, upper.rows.data(), sizeof high);
+
+    const int first = 16 - distance;
+    Words words = high; // the words from the one that holds row `first`
+    Words next = high;  // the words from the one above it
+    switch (first / 4) {
+    case 0:
+        words = low;
+        next = __builtin_shufflevector(low, high, 1, 2, 3, 4);
+        break;
+    case 1:
+        words = __builtin_shufflevector(low, high, 1, 2, 3, 4);
+        next = __builtin_shufflevector(low, high, 2, 3, 4, 5);
+        break;
+    case 2:
+        words = __builtin_shufflevector(low, high, 2, 3, 4, 5);
+        next = __builtin_shufflevector(low, high, 3, 4, 5, 6);
+        break;
+    case 3:
+        words = __builtin_shufflevector(low, high, 3, 4, 5, 6);
+        break;
+    default: // row 16: `upper` itself
+        break;
+    }
+    const int bits = 16 * (first % 4);
+    words = words >> bits | next << 1 << (63 - bits);
+    VoxelPlate<bool> result;
+    std::memcpy(result.rows.data(), &words, sizeof words);
+    return result;
+}
+#endif
+
+/// The rows 16 - distance .. 31 - distance of two plates, one above the other: `lower` has the rows 0..15, `upper` 16..31. The distance
+/// is 0..16.
 constexpr VoxelPlate<bool> RowsAcross(const VoxelPlate<bool>& lower, const VoxelPlate<bool>& upper, int distance)
 {
 #if defined(__GNUC__)
-    if (!std::is_constant_evaluated() && distance == 1) { // two instructions instead of a detour by memory
+    if (!std::is_constant_evaluated() && distance == 1) { // two instructions
         return MapVectors(
             [](auto& out, const auto& low, const auto& high) {
                 out = __builtin_shufflevector(low, high, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27, 28, 29, 30);
@@ -180,6 +224,8 @@ constexpr VoxelPlate<bool> RowsAcross(const VoxelPlate<bool>& lower, const Voxel
             },
             lower, upper);
     }
+    if (!std::is_constant_evaluated() && std::endian::native == std::endian::little)
+        return RowsAcrossVectors(lower, upper, distance);
 #endif
     const auto first = static_cast<std::size_t>(16 - distance);
     return MakePlate([&](std::size_t y) { return first + y < 16 ? lower.rows[first + y] : upper.rows[first + y - 16]; });
@@ -243,11 +289,53 @@ constexpr std::array<std::uint16_t, 8> JoinPairs(const VoxelPlate<bool>& plate)
     return joined;
 }
 
+#if defined(__GNUC__)
+/// HalfResolution for the processors whose first byte is the lowest, all rows of two plates beside each other at once.
+inline VoxelPlate<bool> HalfResolutionOfVectors(const VoxelPlate<bool>& lowerXlowerY, const VoxelPlate<bool>& upperXlowerY,
+                                                const VoxelPlate<bool>& lowerXupperY, const VoxelPlate<bool>& upperXupperY)
+{
+    using Rows [[gnu::vector_size(32)]] = std::uint16_t;
+    using RowPairs [[gnu::vector_size(32)]] = std::uint32_t;
+
+    // Rows 2y and 2y + 1 of a plate are the lower and the upper half of number y. Both are joined for the two plates at once, which
+    // gives a row of 32 bits; then every pair of its bits is joined, and the results move together in four steps:
+    //     a0 b0 a1 b1 ..   becomes   a0|b0 - a1|b1 - ..  (a bit, a gap),  then two bits and two gaps, four and four, eight and eight
+    const auto join = [](RowPairs& row, const VoxelPlate<bool>& lowerX, const VoxelPlate<bool>& upperX) {
+        RowPairs left;
+        RowPairs right;
+        std::memcpy(&left, lowerX.rows.data(), sizeof left);
+        std::memcpy(&right, upperX.rows.data(), sizeof right);
+        row = ((left | left >> 16) & 0x0000FFFF) | ((right | right << 16) & 0xFFFF0000);
+        row = (row | row >> 1) & 0x55555555;
+        row = (row | row >> 1) & 0x33333333;
+        row = (row | row >> 2) & 0x0F0F0F0F;
+        row = (row | row >> 4) & 0x00FF00FF;
+        row = (row | row >> 8) & 0x0000FFFF;
+    };
+    RowPairs lowerRows;
+    RowPairs upperRows;
+    join(lowerRows, lowerXlowerY, upperXlowerY);
+    join(upperRows, lowerXupperY, upperXupperY);
+
+    const RowPairs mixed = lowerRows | upperRows << 16; // rows y and y + 8 side by side
+    Rows rows;
+    std::memcpy(&rows, &mixed, sizeof rows);
+    rows = __builtin_shufflevector(rows, rows, 0, 2, 4, 6, 8, 10, 12, 14, 1, 3, 5, 7, 9, 11, 13, 15);
+    VoxelPlate<bool> plate;
+    std::memcpy(plate.rows.data(), &rows, sizeof rows);
+    return plate;
+}
+#endif
+
 /// The plate of the next coarser level that four plates of one height make: each becomes a quarter of it, at the lower or upper
 /// half along x and along y.
 constexpr VoxelPlate<bool> HalfResolution(const VoxelPlate<bool>& lowerXlowerY, const VoxelPlate<bool>& upperXlowerY,
                                           const VoxelPlate<bool>& lowerXupperY, const VoxelPlate<bool>& upperXupperY)
 {
+#if defined(__GNUC__)
+    if (!std::is_constant_evaluated() && std::endian::native == std::endian::little)
+        return HalfResolutionOfVectors(lowerXlowerY, upperXlowerY, lowerXupperY, upperXupperY);
+#endif
     const std::array quarters{JoinPairs(lowerXlowerY), JoinPairs(upperXlowerY), JoinPairs(lowerXupperY), JoinPairs(upperXupperY)};
     VoxelPlate<bool> plate;
     for (std::size_t y = 0; y < 8; ++y) {

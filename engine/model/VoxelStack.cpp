@@ -1,5 +1,8 @@
 #include "VoxelStack.h"
 
+#include "CombineStacks.h"
+
+#include <cstring>
 #include <new>
 #include <utility>
 
@@ -8,7 +11,6 @@ namespace {
 
 using Plate = VoxelPlate<bool>;
 
-constexpr Plate NoPlate{};
 constexpr std::uint8_t NoOffset = 0;
 
 } // namespace
@@ -16,14 +18,7 @@ constexpr std::uint8_t NoOffset = 0;
 VoxelStack<bool>::Block* VoxelStack<bool>::MakeBlock(std::size_t capacity)
 {
     void* const memory = ::operator new(BlockBytes(capacity));
-    return new (memory) Block{0, static_cast<std::uint8_t>(capacity)};
-}
-
-std::uint8_t* VoxelStack<bool>::Offsets(Block* block) { return reinterpret_cast<std::uint8_t*>(block) + sizeof(Block); }
-
-Plate* VoxelStack<bool>::PlatesOf(Block* block)
-{
-    return reinterpret_cast<Plate*>(reinterpret_cast<std::byte*>(block) + PlatesStart(block->capacity));
+    return new (memory) Block{0, 0, static_cast<std::uint8_t>(capacity)};
 }
 
 void VoxelStack<bool>::Release() noexcept
@@ -33,18 +28,22 @@ void VoxelStack<bool>::Release() noexcept
     block_ = nullptr;
 }
 
-VoxelStack<bool>::VoxelStack(const VoxelStack& other)
-{
-    if (other.block_ != nullptr) Assign(other.Plates(), other.LayerOffsets());
-}
+VoxelStack<bool>::VoxelStack(const VoxelStack& other) { *this = other; }
 
 VoxelStack<bool>& VoxelStack<bool>::operator=(const VoxelStack& other)
 {
     if (this == &other) return *this;
-    if (other.block_ == nullptr)
+    if (other.block_ == nullptr) {
         Release();
-    else
-        Assign(other.Plates(), other.LayerOffsets());
+        return *this;
+    }
+    const std::size_t capacity = other.block_->capacity;
+    if (block_ == nullptr || block_->capacity != capacity) {
+        Block* const block = MakeBlock(capacity);
+        Release();
+        block_ = block;
+    }
+    std::memcpy(static_cast<void*>(block_), other.block_, BlockBytes(capacity));
     return *this;
 }
 
@@ -52,12 +51,6 @@ VoxelStack<bool>& VoxelStack<bool>::operator=(VoxelStack&& other) noexcept
 {
     std::swap(block_, other.block_);
     return *this;
-}
-
-std::span<const Plate> VoxelStack<bool>::Plates() const
-{
-    if (block_ == nullptr) return {&NoPlate, 1};
-    return {PlatesOf(block_), block_->layerCount};
 }
 
 std::span<const std::uint8_t> VoxelStack<bool>::LayerOffsets() const
@@ -74,6 +67,9 @@ void VoxelStack<bool>::Assign(std::span<const Plate> plates, std::span<const std
         Release();
         block_ = block;
     }
+    HeightSet starts = 0;
+    for (const std::uint8_t offset : layerOffsets) starts |= HeightSet{1} << offset;
+    block_->layerStarts = starts;
     block_->layerCount = static_cast<std::uint8_t>(plates.size());
     std::copy(layerOffsets.begin(), layerOffsets.end(), Offsets(block_));
     std::copy(plates.begin(), plates.end(), PlatesOf(block_));
@@ -84,6 +80,7 @@ void VoxelStack<bool>::Allocate()
 {
     if (block_ != nullptr) return;
     block_ = MakeBlock(1);
+    block_->layerStarts = 1;
     block_->layerCount = 1;
     *Offsets(block_) = 0;
     *PlatesOf(block_) = Plate{};
@@ -97,19 +94,11 @@ void VoxelStack<bool>::Resize(std::size_t layerCount)
         const std::size_t kept = std::min<std::size_t>(layerCount, block_->layerCount);
         std::copy_n(Offsets(block_), kept, Offsets(block));
         std::copy_n(PlatesOf(block_), kept, PlatesOf(block));
+        block->layerStarts = block_->layerStarts;
         Release();
         block_ = block;
     }
     block_->layerCount = static_cast<std::uint8_t>(layerCount);
-}
-
-std::int32_t VoxelStack<bool>::LayerID(std::int64_t z) const
-{
-    if (IsFullyDecompressed()) return static_cast<std::int32_t>(z);
-    const auto offsets = LayerOffsets();
-    std::size_t layer = 1;
-    while (layer < offsets.size() && offsets[layer] <= z) ++layer;
-    return static_cast<std::int32_t>(layer) - 1;
 }
 
 Plate& VoxelStack<bool>::LayerVoxelPlateRef(std::int32_t layer)
@@ -125,7 +114,10 @@ void VoxelStack<bool>::Compress()
     Plate* const plates = PlatesOf(block_);
     std::size_t kept = 1;
     for (std::size_t layer = 1; layer < block_->layerCount; ++layer) {
-        if (plates[layer] == plates[kept - 1]) continue; // equal to the layer below, which is the last one kept
+        if (plates[layer] == plates[kept - 1]) { // equal to the layer below, which is the last one kept
+            block_->layerStarts &= ~(HeightSet{1} << offsets[layer]);
+            continue;
+        }
         if (layer != kept) {
             offsets[kept] = offsets[layer];
             plates[kept] = plates[layer];
@@ -147,6 +139,7 @@ void VoxelStack<bool>::InsertCopyOfLayer(std::int32_t layer, std::int64_t z)
     std::copy_backward(offsets + layer, offsets + count, offsets + count + 1);
     std::copy_backward(plates + layer, plates + count, plates + count + 1);
     offsets[layer + 1] = static_cast<std::uint8_t>(z);
+    block_->layerStarts |= HeightSet{1} << z;
 }
 
 std::int32_t VoxelStack<bool>::IsolateLevel(std::int64_t z, bool splitBelow, bool splitAbove)
@@ -171,6 +164,7 @@ void VoxelStack<bool>::Decompress()
             plates[z] = LayerVoxelPlateRef(layer);
         }
     }
+    block->layerStarts = HeightsFrom(0);
     block->layerCount = static_cast<std::uint8_t>(Height);
     Release();
     block_ = block;
@@ -178,32 +172,19 @@ void VoxelStack<bool>::Decompress()
 
 void VoxelStack<bool>::FillOutsideBox(const Triple& lower, const Triple& upper, bool value)
 {
-    if (IsUnallocated() && !value) return;
-    const Plate outside = value ? FilledPlate() : Plate{};
-    std::int32_t first = 0;
-    if (lower[2] > 0) {
-        first = lower[2] < Height ? IsolateLevel(lower[2], true, false) : LayerCount();
-        for (std::int32_t layer = 0; layer < first; ++layer) LayerVoxelPlateRef(layer) = outside;
-    }
-    std::int32_t end = LayerCount();
-    if (upper[2] < Height - 1) {
-        end = upper[2] >= 0 ? IsolateLevel(upper[2], false, true) + 1 : 0;
-        for (std::int32_t layer = end; layer < LayerCount(); ++layer) LayerVoxelPlateRef(layer) = outside;
-    }
-    const Plate inside = Box({lower[0], lower[1]}, {upper[0], upper[1]});
-    for (std::int32_t layer = first; layer < end && !brix::IsFull(inside); ++layer) {
-        Plate& plate = LayerVoxelPlateRef(layer);
-        plate = (plate & inside) | AndNot(outside, inside);
-    }
-    Compress();
+    const BoxStack box(lower, upper);
+    if (value)
+        CombineStacks(
+            *this, [](const Plate& plate, const Plate& inside) { return plate | ~inside; }, *this, box);
+    else
+        CopyInsideBox(*this, *this, box);
 }
 
 bool operator==(const VoxelStack<bool>& a, const VoxelStack<bool>& b)
 {
-    const auto equal = [](const auto& first, const auto& second) {
-        return std::equal(first.begin(), first.end(), second.begin(), second.end());
-    };
-    return equal(a.LayerOffsets(), b.LayerOffsets()) && equal(a.Plates(), b.Plates());
+    if (a.LayerStarts() != b.LayerStarts()) return false;
+    const auto plates = a.Plates();
+    return std::equal(plates.begin(), plates.end(), b.Plates().begin());
 }
 
 } // namespace brix

@@ -4,7 +4,6 @@
 #include "../frame/Extents.h"
 #include "VoxelStack.h"
 
-#include <cassert>
 #include <vector>
 
 namespace brix {
@@ -25,7 +24,7 @@ public:
     /// Stacks in a row of the store, 2^L.
     std::int64_t StacksPerRow() const { return stacksPerRow_; }
 
-    /// The stacks that the extents touch, inclusive. Only these are kept; the others are empty.
+    /// The stacks that the extents touch, inclusive. Only these are ever written by operations, and only these take memory.
     StackIndices LowerStack() const { return lowerStack_; }
     StackIndices UpperStack() const { return upperStack_; }
     bool IsStackValid(const StackIndices& ij) const
@@ -33,15 +32,16 @@ public:
         return lowerStack_[0] <= ij[0] && ij[0] <= upperStack_[0] && lowerStack_[1] <= ij[1] && ij[1] <= upperStack_[1];
     }
 
-    /// The stack of column i and row j, each 0 .. StacksPerRow() - 1. To be written, it must be valid.
+    /// The stack of column i and row j, each 0 .. StacksPerRow() - 1. One that is not valid is empty; to ask for it to be written makes
+    /// the store keep all of its stacks, which moves the others.
     VoxelStack<bool>& VoxelStackRef(const StackIndices& ij)
     {
-        assert(IsStackValid(ij));
+        if (!IsKept(ij)) KeepAllStacks();
         return stacks_[StackNumber(ij)];
     }
     const VoxelStack<bool>& VoxelStackRef(const StackIndices& ij) const
     {
-        return IsStackValid(ij) ? stacks_[StackNumber(ij)] : Nothing;
+        return IsKept(ij) ? stacks_[StackNumber(ij)] : Nothing;
     }
 
     /// Voxel indices of the chunk's, and of a stack's, corners.
@@ -62,7 +62,7 @@ public:
     /// The stack that holds a voxel of this level; it may not be valid.
     StackIndices ContainingStack(const Triple& voxelIndices) const
     {
-        return {FloorDivide(voxelIndices[0] - lowerIndices_[0], 16), FloorDivide(voxelIndices[1] - lowerIndices_[1], 16)};
+        return {FloorShift(voxelIndices[0] - lowerIndices_[0], 4), FloorShift(voxelIndices[1] - lowerIndices_[1], 4)};
     }
 
     /// Bytes of the heap that the store owns.
@@ -71,18 +71,24 @@ public:
 private:
     static const VoxelStack<bool> Nothing;
 
+    bool IsKept(const StackIndices& ij) const
+    {
+        return lowerKept_[0] <= ij[0] && ij[0] <= upperKept_[0] && lowerKept_[1] <= ij[1] && ij[1] <= upperKept_[1];
+    }
     std::size_t StackNumber(const StackIndices& ij) const
     {
-        return static_cast<std::size_t>((ij[1] - lowerStack_[1]) * (upperStack_[0] - lowerStack_[0] + 1) + ij[0] -
-                                        lowerStack_[0]);
+        return static_cast<std::size_t>((ij[1] - lowerKept_[1]) * (upperKept_[0] - lowerKept_[0] + 1) + ij[0] - lowerKept_[0]);
     }
+    void KeepAllStacks();
 
     Extents extents_;
     Triple lowerIndices_;
     std::int64_t stacksPerRow_;
     StackIndices lowerStack_;
     StackIndices upperStack_;
-    std::vector<VoxelStack<bool>> stacks_; // the valid ones, row by row
+    StackIndices lowerKept_; // the valid ones, until another one is to be written
+    StackIndices upperKept_;
+    std::vector<VoxelStack<bool>> stacks_; // the kept ones, row by row
 };
 
 } // namespace brix

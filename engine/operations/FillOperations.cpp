@@ -17,13 +17,9 @@ namespace {
 using Plate = VoxelPlate<bool>;
 using Stack = VoxelStack<bool>;
 
-// The heights of a stack, bit z for height z: sets of runs are sets of the heights at which these start.
-using Heights = std::uint64_t;
-
-constexpr Heights From(std::int64_t z) { return ~Heights{0} << z; }
-constexpr Heights UpTo(std::int64_t z) { return ~Heights{0} >> (63 - z); }
-constexpr std::int64_t LowestOf(Heights heights) { return std::countr_zero(heights); }
-constexpr std::int64_t HighestOf(Heights heights) { return static_cast<std::int64_t>(std::bit_width(heights)) - 1; }
+// Sets of runs are sets of the heights at which these start.
+constexpr std::int64_t LowestOf(HeightSet heights) { return std::countr_zero(heights); }
+constexpr std::int64_t HighestOf(HeightSet heights) { return static_cast<std::int64_t>(std::bit_width(heights)) - 1; }
 
 struct Run
 {
@@ -34,15 +30,15 @@ struct Run
 // The runs of a stack. Those of a stack outside the grid are none at all.
 struct StackRuns
 {
-    Heights starts = 0;
-    Heights unsettled = 0; // runs with open voxels that are not reached
-    Heights entered = 0;   // runs into which the flood came since it last spread in the stack
+    HeightSet starts = 0;
+    HeightSet unsettled = 0; // runs with open voxels that are not reached
+    HeightSet entered = 0;   // runs into which the flood came since it last spread in the stack
     std::size_t firstRun = 0;
 
-    Heights StartOf(std::int64_t z) const { return std::bit_floor(starts & UpTo(z)); }
+    HeightSet StartOf(std::int64_t z) const { return std::bit_floor(starts & HeightsUpTo(z)); }
     std::int64_t EndOf(std::int64_t start) const
     {
-        const Heights above = starts & ~UpTo(start);
+        const HeightSet above = starts & ~HeightsUpTo(start);
         return above != 0 ? LowestOf(above) : Stack::Height;
     }
 };
@@ -64,7 +60,7 @@ public:
 private:
     Run& RunAt(const StackRuns& stack, std::int64_t start)
     {
-        return runs_[stack.firstRun + static_cast<std::size_t>(std::popcount(stack.starts & UpTo(start))) - 1];
+        return runs_[stack.firstRun + static_cast<std::size_t>(std::popcount(stack.starts & HeightsUpTo(start))) - 1];
     }
     std::size_t Number(const Triple& stack) const
     {
@@ -75,19 +71,19 @@ private:
 
     void AddStack(const Stack& obstacles, StackRuns& stack);
     void EnterRun(StackRuns& stack, std::int64_t start, const Plate& plate);
-    void EnterRuns(std::size_t number, Heights heights, const Plate& plate);
+    void EnterRuns(std::size_t number, HeightSet heights, const Plate& plate);
 
     // The runs of the stack at work that have grown, and those of them that have not yet spread upwards and downwards.
     struct Growth
     {
-        Heights grown = 0;
-        Heights notAbove = 0;
-        Heights notBelow = 0;
+        HeightSet grown = 0;
+        HeightSet notAbove = 0;
+        HeightSet notBelow = 0;
     };
     void SpreadInStack(std::size_t number);
-    template <Side side> void SpreadStacked(std::size_t number, Growth& growth, Heights& pending);
+    template <Side side> void SpreadStacked(std::size_t number, Growth& growth, HeightSet& pending);
     void SettleRun(StackRuns& stack, std::int64_t start, Growth& growth);
-    void SpreadAside(std::size_t number, Heights grown);
+    void SpreadAside(std::size_t number, HeightSet grown);
 
     const LevelGrid& grid_;
     Triple lower_; // of a grid with one more stack on all sides, so that every stack has its neighbours
@@ -118,7 +114,7 @@ void Flood::AddStack(const Stack& obstacles, StackRuns& stack)
     const auto offsets = obstacles.LayerOffsets();
     stack.firstRun = runs_.size();
     for (std::size_t layer = 0; layer < plates.size(); ++layer) {
-        const Heights start = Heights{1} << offsets[layer];
+        const HeightSet start = HeightSet{1} << offsets[layer];
         stack.starts |= start;
         if (!IsFull(plates[layer])) stack.unsettled |= start;
         runs_.push_back({~plates[layer], Plate{}});
@@ -130,7 +126,7 @@ void Flood::EnterVoxel(const Triple& voxel)
     const Triple stack = LevelGrid::ContainingStack(voxel);
     const Triple offset = Minus(voxel, {16 * stack[0], 16 * stack[1], 64 * stack[2]});
     const std::array<std::int64_t, 2> xy{offset[0], offset[1]};
-    EnterRuns(Number(stack), Heights{1} << offset[2], Box(xy, xy));
+    EnterRuns(Number(stack), HeightSet{1} << offset[2], Box(xy, xy));
 }
 
 void Flood::EnterFaces()
@@ -141,9 +137,9 @@ void Flood::EnterFaces()
         const Triple lower = Minus(extents.LowerIndices(), corner); // offsets of the faces, also of those far from this stack
         const Triple upper = Minus(extents.UpperIndices(), corner);
         if (lower[0] >= 0 || lower[1] >= 0 || upper[0] < 16 || upper[1] < 16)
-            EnterRuns(Number(stack), From(0), ~Box({lower[0] + 1, lower[1] + 1}, {upper[0] - 1, upper[1] - 1}));
-        if (lower[2] >= 0) EnterRuns(Number(stack), Heights{1} << lower[2], FilledPlate());
-        if (upper[2] < 64) EnterRuns(Number(stack), Heights{1} << upper[2], FilledPlate());
+            EnterRuns(Number(stack), HeightsFrom(0), ~Box({lower[0] + 1, lower[1] + 1}, {upper[0] - 1, upper[1] - 1}));
+        if (lower[2] >= 0) EnterRuns(Number(stack), HeightSet{1} << lower[2], FilledPlate());
+        if (upper[2] < 64) EnterRuns(Number(stack), HeightSet{1} << upper[2], FilledPlate());
     });
 }
 
@@ -154,15 +150,15 @@ void Flood::EnterRun(StackRuns& stack, std::int64_t start, const Plate& plate)
     const Plate reached = run.reached | (plate & run.open);
     if (reached == run.reached) return;
     run.reached = reached;
-    stack.entered |= Heights{1} << start;
+    stack.entered |= HeightSet{1} << start;
 }
 
 // Enters the runs of a stack that have any of the heights, and lets the stack wait for its turn.
-void Flood::EnterRuns(std::size_t number, Heights heights, const Plate& plate)
+void Flood::EnterRuns(std::size_t number, HeightSet heights, const Plate& plate)
 {
     StackRuns& stack = stacks_[number];
     const bool isWaiting = stack.entered != 0;
-    Heights runs = stack.unsettled & (heights | stack.StartOf(LowestOf(heights)));
+    HeightSet runs = stack.unsettled & (heights | stack.StartOf(LowestOf(heights)));
     for (; runs != 0; runs &= runs - 1) EnterRun(stack, LowestOf(runs), plate);
     if (!isWaiting && stack.entered != 0) waiting_.push_back(number);
 }
@@ -191,19 +187,19 @@ void Flood::SpreadInStack(std::size_t number)
 }
 
 // Takes the runs that were entered, and those that have not yet spread to this side, in the order in which they stand.
-template <Side side> void Flood::SpreadStacked(std::size_t number, Growth& growth, Heights& pending)
+template <Side side> void Flood::SpreadStacked(std::size_t number, Growth& growth, HeightSet& pending)
 {
     StackRuns& stack = stacks_[number];
-    const auto next = [](Heights heights) { return side == Side::Upper ? LowestOf(heights) : HighestOf(heights); };
-    const auto beyond = [](std::int64_t z) { return side == Side::Upper ? ~UpTo(z) : UpTo(z) >> 1; };
-    for (Heights runs = stack.entered | pending; runs != 0;) {
+    const auto next = [](HeightSet heights) { return side == Side::Upper ? LowestOf(heights) : HighestOf(heights); };
+    const auto beyond = [](std::int64_t z) { return side == Side::Upper ? ~HeightsUpTo(z) : HeightsUpTo(z) >> 1; };
+    for (HeightSet runs = stack.entered | pending; runs != 0;) {
         const std::int64_t start = next(runs);
         if ((stack.entered >> start & 1) != 0) SettleRun(stack, start, growth);
-        pending &= ~(Heights{1} << start);
+        pending &= ~(HeightSet{1} << start);
         const Plate& reached = RunAt(stack, start).reached;
-        if (const Heights others = stack.starts & beyond(start); others == 0)
-            EnterRuns(side == Side::Upper ? number + perLayer_ : number - perLayer_, side == Side::Upper ? UpTo(0) : From(63),
-                      reached);
+        if (const HeightSet others = stack.starts & beyond(start); others == 0)
+            EnterRuns(side == Side::Upper ? number + perLayer_ : number - perLayer_,
+                      side == Side::Upper ? HeightsUpTo(0) : HeightsFrom(63), reached);
         else if (const std::int64_t neighbour = next(others); (stack.unsettled >> neighbour & 1) != 0)
             EnterRun(stack, neighbour, reached);
         runs = (stack.entered | pending) & beyond(start);
@@ -213,7 +209,7 @@ template <Side side> void Flood::SpreadStacked(std::size_t number, Growth& growt
 // Spreads inside a run that was entered.
 void Flood::SettleRun(StackRuns& stack, std::int64_t start, Growth& growth)
 {
-    const Heights bit = Heights{1} << start;
+    const HeightSet bit = HeightSet{1} << start;
     Run& run = RunAt(stack, start);
     run.reached = SpreadInPlate(run.reached, run.open);
     if (run.reached == run.open) stack.unsettled &= ~bit;
@@ -224,11 +220,11 @@ void Flood::SettleRun(StackRuns& stack, std::int64_t start, Growth& growth)
 }
 
 // Through the columns and rows that face the stacks beside this one.
-void Flood::SpreadAside(std::size_t number, Heights grown)
+void Flood::SpreadAside(std::size_t number, HeightSet grown)
 {
     for (; grown != 0; grown &= grown - 1) {
         const std::int64_t start = LowestOf(grown);
-        const Heights heights = From(start) & UpTo(stacks_[number].EndOf(start) - 1);
+        const HeightSet heights = HeightsFrom(start) & HeightsUpTo(stacks_[number].EndOf(start) - 1);
         const Plate reached = RunAt(stacks_[number], start).reached;
         EnterRuns(number - 1, heights, TowardsUpperX(Plate{}, reached));
         EnterRuns(number + 1, heights, TowardsLowerX(Plate{}, reached));
@@ -241,7 +237,7 @@ template <class Visit> void Flood::ForEachRun(const Triple& stack, const Visit& 
 {
     const StackRuns& runs = stacks_[Number(stack)];
     const Run* run = &runs_[runs.firstRun];
-    for (Heights starts = runs.starts; starts != 0; starts &= starts - 1) visit(LowestOf(starts), *run++);
+    for (HeightSet starts = runs.starts; starts != 0; starts &= starts - 1) visit(LowestOf(starts), *run++);
 }
 
 // The level's result, with every layer made of a run by a rule. The grid gives its stacks away.

@@ -58,6 +58,10 @@ public:
 
     /// The stacks are numbered from 0 to StackCount() - 1: x innermost, then y, then z.
     std::size_t StackCount() const { return stacks_.size(); }
+
+    /// The stack that stands for all those which a grid does not have.
+    static const VoxelStack<bool> Nothing;
+
     std::size_t Number(const Triple& stack) const
     {
         const Triple offset = Minus(stack, lower_);
@@ -65,8 +69,6 @@ public:
     }
 
 private:
-    static const VoxelStack<bool> Nothing;
-
     static Triple Corner(const Triple& stack) { return {16 * stack[0], 16 * stack[1], 64 * stack[2]}; }
 
     Extents extents_;

@@ -9,7 +9,7 @@
 
 namespace brix {
 
-/// What a pass looks at: the voxels `distance` away on one side (1..16 along x and y, 1..64 along z).
+/// What a pass looks at: the voxels `distance` (1 or more) away on one side.
 struct Look
 {
     Axis axis;
@@ -17,17 +17,51 @@ struct Look
     std::int64_t distance;
 };
 
-/// A second level that has the last word on every plate of a pass: restrain(plate, guide's plate).
+/// A second level that has the last word on every plate of a pass: restrain(plate, guide's plate), which is the plate itself where the
+/// guide is empty.
 template <class Restrain> struct Restraint
 {
     const LevelGrid* guide; // may be null: no restraint
     Restrain restrain;
 };
 
-inline Triple NeighbourOf(Triple stack, Axis axis, Side side)
+/// Voxels in a stack along an axis.
+constexpr std::int64_t StackSize(Axis axis) { return axis == Axis::Z ? VoxelStack<bool>::Height : VoxelStack<bool>::Side; }
+
+inline Triple NeighbourOf(Triple stack, Axis axis, Side side, std::int64_t count = 1)
 {
-    stack[static_cast<std::size_t>(axis)] += side == Side::Lower ? -1 : 1;
+    stack[static_cast<std::size_t>(axis)] += side == Side::Lower ? -count : count;
     return stack;
+}
+
+/// Calls work(constant) with a type whose `value` is the axis.
+template <class Work> bool WithAxis(Axis axis, const Work& work)
+{
+    switch (axis) {
+    case Axis::X:
+        return work(std::integral_constant<Axis, Axis::X>());
+    case Axis::Y:
+        return work(std::integral_constant<Axis, Axis::Y>());
+    case Axis::Z:
+        break;
+    }
+    return work(std::integral_constant<Axis, Axis::Z>());
+}
+
+/// What each voxel of a plate sees `distance` (1..16) voxels towards a side along x or y.
+template <Axis axis, Side side>
+VoxelPlate<bool> Towards(const VoxelPlate<bool>& here, const VoxelPlate<bool>& beyond, std::int64_t distance)
+{
+    const int steps = static_cast<int>(distance);
+    if constexpr (axis == Axis::X)
+        return side == Side::Lower ? TowardsLowerX(here, beyond, steps) : TowardsUpperX(here, beyond, steps);
+    else
+        return side == Side::Lower ? TowardsLowerY(here, beyond, steps) : TowardsUpperY(here, beyond, steps);
+}
+
+template <Side side> ShiftedStack SeenTowards(const VoxelStack<bool>& here, const VoxelStack<bool>& beyond, std::int64_t distance)
+{
+    return side == Side::Lower ? SeenBelow(here, beyond, distance) : SeenAbove(here, beyond, distance);
 }
 
 inline bool IsUnallocated(const VoxelStack<bool>& stack) { return stack.IsUnallocated(); }
@@ -47,22 +81,48 @@ bool Pass(LevelGrid& grid, const StacksOf& stacksOf, const Rule& rule, const Res
         stacksOf(stack, [&](const auto&... sources) {
             if ((IsUnallocated(sources) && ...)) {
                 result = Stack();
-            } else if (restraint.guide == nullptr || restraint.guide->StackAt(stack).IsUnallocated()) {
-                CombineStacks(result, rule, sources...);
-            } else {
-                const auto restrained = [&](const Plate& guide, const auto&... plates) {
-                    return restraint.restrain(rule(plates...), guide);
-                };
-                CombineStacks(result, restrained, restraint.guide->StackAt(stack), sources...);
+                return;
             }
+            const Stack& guide = restraint.guide != nullptr ? restraint.guide->StackAt(stack) : LevelGrid::Nothing;
+            if (guide.IsUnallocated() && grid.IsInside(stack)) {
+                CombineStacks(result, rule, sources...);
+                return;
+            }
+            const auto restrained = [&](const Plate& inside, const Plate& barrier, const auto&... plates) {
+                return inside & restraint.restrain(rule(plates...), barrier);
+            };
+            CombineStacks(result, restrained, BoxStack(grid.LowerOffset(stack), grid.UpperOffset(stack)), guide, sources...);
         });
-        if (!result.IsUnallocated() && !grid.IsInside(stack)) {
-            result.FillOutsideBox(grid.LowerOffset(stack), grid.UpperOffset(stack), false);
-        }
         isChanged = isChanged || !(result == grid.StackAt(stack));
     };
     RunWith(instructionSet, [&] { grid.Rewrite(write); });
     return isChanged;
+}
+
+// PassAlong for one axis and side. What is seen lies in two stacks, which are `skipped` and one more stacks away.
+template <Axis axis, Side side, class Rule, class Restrain>
+bool PassTowards(LevelGrid& grid, std::int64_t distance, const Rule& rule, const Restraint<Restrain>& restraint,
+                 InstructionSet instructionSet)
+{
+    using Plate = VoxelPlate<bool>;
+    const std::int64_t skipped = (distance - 1) / StackSize(axis);
+    const std::int64_t steps = distance - skipped * StackSize(axis);
+    const auto withSeen = [&](const Triple& stack, const auto& combine) {
+        const VoxelStack<bool>& near = grid.StackAt(NeighbourOf(stack, axis, side, skipped));
+        const VoxelStack<bool>& far = grid.StackAt(NeighbourOf(stack, axis, side, skipped + 1));
+        if constexpr (axis == Axis::Z)
+            combine(grid.StackAt(stack), SeenTowards<side>(near, far, steps));
+        else
+            combine(grid.StackAt(stack), near, far);
+    };
+    if constexpr (axis == Axis::Z) {
+        return Pass(grid, withSeen, rule, restraint, instructionSet);
+    } else {
+        const auto ruleTowards = [&](const Plate& here, const Plate& near, const Plate& far) {
+            return rule(here, Towards<axis, side>(near, far, steps));
+        };
+        return Pass(grid, withSeen, ruleTowards, restraint, instructionSet);
+    }
 }
 
 /// Rewrites every plate by rule(here, seen), each voxel of `seen` being what the voxel sees where the pass looks.
@@ -70,29 +130,39 @@ template <class Rule, class Restrain>
 bool PassAlong(LevelGrid& grid, const Look& look, const Rule& rule, const Restraint<Restrain>& restraint,
                InstructionSet instructionSet = FastestInstructionSet())
 {
+    return WithAxis(look.axis, [&](auto axis) {
+        if (look.side == Side::Lower)
+            return PassTowards<axis.value, Side::Lower>(grid, look.distance, rule, restraint, instructionSet);
+        return PassTowards<axis.value, Side::Upper>(grid, look.distance, rule, restraint, instructionSet);
+    });
+}
+
+/// Rewrites every plate by rule(rule(here, seen on the lower side), seen on the upper side), looking no farther than the size of a
+/// stack (1 .. StackSize) on either.
+template <class Rule, class Restrain>
+bool PassBothWays(LevelGrid& grid, Axis alongAxis, std::int64_t lowerDistance, std::int64_t upperDistance, const Rule& rule,
+                  const Restraint<Restrain>& restraint, InstructionSet instructionSet = FastestInstructionSet())
+{
     using Plate = VoxelPlate<bool>;
-    const auto [axis, side, distance] = look;
-    const auto withNeighbour = [&grid, axis = axis, side = side](const Triple& stack, const auto& combine) {
-        combine(grid.StackAt(stack), grid.StackAt(NeighbourOf(stack, axis, side)));
-    };
-    const auto passBeside = [&, steps = static_cast<int>(distance)](const auto& towards) {
-        const auto ruleBeside = [&](const Plate& here, const Plate& beyond) { return rule(here, towards(here, beyond, steps)); };
-        return Pass(grid, withNeighbour, ruleBeside, restraint, instructionSet);
-    };
-    switch (axis) {
-    case Axis::X:
-        return side == Side::Lower ? passBeside(TowardsLowerX) : passBeside(TowardsUpperX);
-    case Axis::Y:
-        return side == Side::Lower ? passBeside(TowardsLowerY) : passBeside(TowardsUpperY);
-    case Axis::Z:
-        break;
-    }
-    const auto withStacked = [&, side = side, distance = distance](const Triple& stack, const auto& combine) {
-        const VoxelStack<bool>& here = grid.StackAt(stack);
-        const VoxelStack<bool>& neighbour = grid.StackAt(NeighbourOf(stack, Axis::Z, side));
-        combine(here, side == Side::Lower ? SeenBelow(here, neighbour, distance) : SeenAbove(here, neighbour, distance));
-    };
-    return Pass(grid, withStacked, rule, restraint, instructionSet);
+    return WithAxis(alongAxis, [&](auto axis) {
+        const auto withSeen = [&](const Triple& stack, const auto& combine) {
+            const VoxelStack<bool>& here = grid.StackAt(stack);
+            const VoxelStack<bool>& lower = grid.StackAt(NeighbourOf(stack, axis, Side::Lower));
+            const VoxelStack<bool>& upper = grid.StackAt(NeighbourOf(stack, axis, Side::Upper));
+            if constexpr (axis == Axis::Z)
+                combine(here, SeenBelow(here, lower, lowerDistance), SeenAbove(here, upper, upperDistance));
+            else
+                combine(here, lower, upper);
+        };
+        const auto ruleBothWays = [&](const Plate& here, const Plate& lower, const Plate& upper) {
+            if constexpr (axis == Axis::Z)
+                return rule(rule(here, lower), upper);
+            else
+                return rule(rule(here, Towards<axis.value, Side::Lower>(here, lower, lowerDistance)),
+                            Towards<axis.value, Side::Upper>(here, upper, upperDistance));
+        };
+        return Pass(grid, withSeen, ruleBothWays, restraint, instructionSet);
+    });
 }
 
 /// Rewrites every plate by rule(here, HorizontalNeighbours).

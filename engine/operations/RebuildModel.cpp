@@ -1,29 +1,42 @@
 #include "RebuildModel.h"
 
+#include "../model/CombineStacks.h"
 #include "../model/ForEachStack.h"
+#include "../model/InstructionSet.h"
 #include "../model/PropagateLevel.h"
+#include "BasicOperations.h"
 
 #include <utility>
 
 namespace brix {
 namespace {
 
+// A const stack is copied, a mutable one taken, with what lies outside the extents cut off.
+template <class Stack> void TransferStack(VoxelStore<bool>& to, const StackIndices& ij, Stack& from)
+{
+    VoxelStack<bool>& stack = to.VoxelStackRef(ij);
+    const Triple lower = to.LowerOffset(ij);
+    const Triple upper = to.UpperOffset(ij);
+    if (lower != Triple{} || upper != Triple{15, 15, 63}) return CopyInsideBox(stack, from, BoxStack(lower, upper));
+    stack = std::move(from);
+    stack.Compress(); // hosts may leave equal layers
+}
+
 // Source is a const model, whose stacks are copied, or a mutable one, whose stacks are taken.
 template <class Source> VoxelModel<bool> TransferOneLevel(Source& source, const Extents& newExtents, std::int64_t newFinestLOD)
 {
     VoxelModel<bool> result(newExtents, newFinestLOD);
     const std::int64_t lod = std::min(source.FinestLOD(), newFinestLOD);
-    ForEachTriple(Highest(source.LowerChunkIndices(), result.LowerChunkIndices()),
-                  Lowest(source.UpperChunkIndices(), result.UpperChunkIndices()), [&](const Triple& chunkIndices) {
-                      auto& from = source.ChunkRef(chunkIndices).VoxelStoreRef(lod);
-                      ForEachStackOfStore(result.ChunkRef(chunkIndices).VoxelStoreRef(lod),
-                                          [&](VoxelStore<bool>& to, const StackIndices& ij) {
-                                              if (!from.IsStackValid(ij)) return;
-                                              VoxelStack<bool>& stack = to.VoxelStackRef(ij);
-                                              stack = std::move(from.VoxelStackRef(ij));
-                                              stack.FillOutsideBox(to.LowerOffset(ij), to.UpperOffset(ij), false);
-                                          });
-                  });
+    RunWith(FastestInstructionSet(), [&] {
+        ForEachTriple(Highest(source.LowerChunkIndices(), result.LowerChunkIndices()),
+                      Lowest(source.UpperChunkIndices(), result.UpperChunkIndices()), [&](const Triple& chunkIndices) {
+                          auto& from = source.ChunkRef(chunkIndices).VoxelStoreRef(lod);
+                          ForEachStackOfStore(result.ChunkRef(chunkIndices).VoxelStoreRef(lod),
+                                              [&](VoxelStore<bool>& to, const StackIndices& ij) {
+                                                  if (from.IsStackValid(ij)) TransferStack(to, ij, from.VoxelStackRef(ij));
+                                              });
+                      });
+    });
     return result;
 }
 
@@ -48,6 +61,12 @@ VoxelModel<bool> RebuildModel(const VoxelModel<bool>& source, const Extents& new
 VoxelModel<bool> RebuildModel(VoxelModel<bool>&& source, const Extents& newExtents, std::int64_t newFinestLOD)
 {
     return Propagated(TransferOneLevel(source, newExtents, newFinestLOD), std::min(source.FinestLOD(), newFinestLOD));
+}
+
+VoxelModel<bool> PropagatedOnExtents(VoxelModel<bool>&& model, const Extents& extents)
+{
+    const std::int64_t lod = model.FinestLOD();
+    return model.ExtentsRef(lod) == extents ? Propagated(std::move(model), lod) : Resize(std::move(model), extents);
 }
 
 Extents MovedExtents(const VoxelModel<bool>& model, const Triple& lowerStep, const Triple& upperStep)

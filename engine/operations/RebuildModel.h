@@ -16,6 +16,10 @@ VoxelModel<bool> RebuildModel(VoxelModel<bool>&& source, const Extents& newExten
 /// levels are empty, until PropagateLevel or RebuildModel follows.
 VoxelModel<bool> CopyOneLevel(const VoxelModel<bool>& source, const Extents& newExtents, std::int64_t newFinestLOD);
 
+/// What Resize gives for a model whose finest level an operation has just made, in canonical form and inside its extents: where the
+/// extents stay, the levels follow without a copy.
+VoxelModel<bool> PropagatedOnExtents(VoxelModel<bool>&& model, const Extents& extents);
+
 /// The model's extents at its finest level with both corners moved by numbers of voxels of any size.
 /// Throws what the Extents constructor throws for the corners that this gives.
 Extents MovedExtents(const VoxelModel<bool>& model, const Triple& lowerStep, const Triple& upperStep);

@@ -18,52 +18,123 @@ using Plate = VoxelPlate<bool>;
 using Store = VoxelStore<bool>;
 using Stack = VoxelStack<bool>;
 
-// Replaces every stack of `target` that lies in a chunk of `other`, too, by combine(stack, the other's stack).
-template <class Combine>
-void CombineModels(VoxelModel<bool>& target, const VoxelModel<bool>& other, std::int64_t lod, const Combine& combine)
-{
-    RunWith(FastestInstructionSet(), [&] {
-        ForEachTriple(Highest(target.LowerChunkIndices(), other.LowerChunkIndices()),
-                      Lowest(target.UpperChunkIndices(), other.UpperChunkIndices()), [&](const Triple& chunk) {
-                          const Store& from = other.ChunkRef(chunk).VoxelStoreRef(lod);
-                          ForEachStackOfStore(target.ChunkRef(chunk).VoxelStoreRef(lod), [&](Store& to, const StackIndices& ij) {
-                              combine(to.VoxelStackRef(ij), from.VoxelStackRef(ij));
-                          });
-                      });
-    });
-}
+const Stack Nothing;
 
-void AddVoxels(VoxelModel<bool>& target, const VoxelModel<bool>& other, std::int64_t lod)
+// The combinations of two sets. Same(a, b) gives the stack that is the result without a look at plates, if one is.
+struct InAny
 {
-    CombineModels(target, other, lod, [](Stack& stack, const Stack& added) {
-        if (added.IsUnallocated()) return;
-        if (stack.IsUnallocated())
-            stack = added;
-        else
-            CombineStacks(
-                stack, [](const Plate& a, const Plate& b) { return a | b; }, stack, added);
-    });
-}
+    static const Stack* Same(const Stack& a, const Stack& b) { return b.IsUnallocated() ? &a : a.IsUnallocated() ? &b : nullptr; }
+    Plate operator()(const Plate& a, const Plate& b) const { return a | b; }
+};
 
-void KeepVoxels(VoxelModel<bool>& target, const VoxelModel<bool>& other, std::int64_t lod)
+struct InBoth
 {
-    CombineModels(target, other, lod, [](Stack& stack, const Stack& kept) {
-        if (stack.IsUnallocated()) return;
-        if (kept.IsUnallocated())
-            stack = Stack();
-        else
-            CombineStacks(
-                stack, [](const Plate& a, const Plate& b) { return a & b; }, stack, kept);
-    });
-}
+    static const Stack* Same(const Stack& a, const Stack& b)
+    {
+        return a.IsUnallocated() ? &a : b.IsUnallocated() || &a == &b ? &b : nullptr;
+    }
+    Plate operator()(const Plate& a, const Plate& b) const { return a & b; }
+};
 
-void RemoveVoxels(VoxelModel<bool>& target, const VoxelModel<bool>& other, std::int64_t lod)
+struct InFirstOnly
 {
-    CombineModels(target, other, lod, [](Stack& stack, const Stack& removed) {
-        if (stack.IsUnallocated() || removed.IsUnallocated()) return;
+    static const Stack* Same(const Stack& a, const Stack& b) { return a.IsUnallocated() || b.IsUnallocated() ? &a : nullptr; }
+    Plate operator()(const Plate& a, const Plate& b) const { return AndNot(a, b); }
+};
+
+struct NotInFirst
+{
+    static const Stack* Same(const Stack&, const Stack&) { return nullptr; }
+    Plate operator()(const Plate& a, const Plate&) const { return ~a; }
+};
+
+// What a stack becomes, with everything outside a box emptied.
+template <class Rule> void CombineInsideBox(Stack& result, const Rule& rule, const Stack& a, const Stack& b, const BoxStack& box)
+{
+    if (const Stack* const same = rule.Same(a, b))
+        CopyInsideBox(result, *same, box);
+    else
         CombineStacks(
-            stack, [](const Plate& a, const Plate& b) { return AndNot(a, b); }, stack, removed);
-    });
+            result, [&](const Plate& x, const Plate& y, const Plate& inside) { return inside & rule(x, y); }, a, b, box);
+}
+
+// A chunk's store, if there are such a model and chunk.
+const Store* StoreOf(const VoxelModel<bool>* model, const Triple& chunk, std::int64_t lod)
+{
+    return model != nullptr && model->IsChunkValid(chunk) ? &model->ChunkRef(chunk).VoxelStoreRef(lod) : nullptr;
+}
+
+// Makes a level of `result`, which may be one of the two, what a rule makes of two models at that level. A missing model is empty. With a clip, which lies inside the result's extents, everything outside it is emptied.
+template <class Rule>
+void Combine(VoxelModel<bool>& result, std::int64_t lod, const Rule& rule, const VoxelModel<bool>* first,
+             const VoxelModel<bool>* second, const std::optional<Extents>& clip)
+{
+    const auto combineChunk = [&](const Triple& chunk) {
+        const Store* const a = StoreOf(first, chunk, lod);
+        const Store* const b = StoreOf(second, chunk, lod);
+        ForEachStackOfStore(result.ChunkRef(chunk).VoxelStoreRef(lod), [&](Store& to, const StackIndices& ij) {
+            Stack& stack = to.VoxelStackRef(ij);
+            const Stack& x = a != nullptr ? a->VoxelStackRef(ij) : Nothing;
+            const Stack& y = b != nullptr ? b->VoxelStackRef(ij) : Nothing;
+            const Triple corner = to.LowerIndices(ij);
+            const Triple lower = clip ? Minus(clip->LowerCornerClamp(corner), corner) : Triple{};
+            const Triple upper = clip ? Minus(clip->UpperCornerClamp(to.UpperIndices(ij)), corner) : Triple{15, 15, 63};
+            if (lower != Triple{} || upper != Triple{15, 15, 63}) {
+                CombineInsideBox(stack, rule, x, y, BoxStack(lower, upper));
+            } else if (const Stack* const same = rule.Same(x, y)) {
+                stack = *same;
+                if (clip) stack.Compress(); // a copy of what a host may have left with equal layers
+            } else {
+                CombineStacks(stack, rule, x, y);
+            }
+        });
+    };
+    RunWith(FastestInstructionSet(),
+            [&] { ForEachTriple(result.LowerChunkIndices(), result.UpperChunkIndices(), combineChunk); });
+}
+
+// A model that holds a level: the given one or, where that is coarser, its refinement within extents.
+class ModelAtLevel
+{
+public:
+    ModelAtLevel(const VoxelModel<bool>& model, const Extents& within, std::int64_t lod) : model_(&model)
+    {
+        if (model.FinestLOD() >= lod) return;
+        refined_.emplace(RebuildModel(model, within, lod));
+        model_ = &*refined_;
+    }
+    ModelAtLevel(const ModelAtLevel&) = delete;
+    ModelAtLevel& operator=(const ModelAtLevel&) = delete;
+
+    const VoxelModel<bool>* Pointer() const { return model_; }
+
+private:
+    const VoxelModel<bool>* model_;
+    std::optional<VoxelModel<bool>> refined_;
+};
+
+// Combines all models of a list, a single one with itself: the first two at once, as their result needs memory but once. Coarser models
+// are refined within(model).
+template <class Rule, class Within>
+void CombineAll(VoxelModel<bool>& result, const Rule& rule, const ModelPointers& models, const Within& within,
+                const std::optional<Extents>& clip)
+{
+    const std::int64_t lod = result.FinestLOD();
+    {
+        const ModelAtLevel first(*models[0], within(*models[0]), lod);
+        if (models.size() == 1) return Combine(result, lod, rule, first.Pointer(), first.Pointer(), clip);
+        const ModelAtLevel second(*models[1], within(*models[1]), lod);
+        Combine(result, lod, rule, first.Pointer(), second.Pointer(), clip);
+    }
+    for (std::size_t i = 2; i < models.size(); ++i)
+        Combine(result, lod, rule, &result, ModelAtLevel(*models[i], within(*models[i]), lod).Pointer(), clip);
+}
+
+VoxelModel<bool> CroppedOrPropagated(VoxelModel<bool>&& model, bool autoCrop)
+{
+    if (autoCrop) return AutoCrop(std::move(model));
+    PropagateLevel(model, model.FinestLOD());
+    return std::move(model);
 }
 
 } // namespace
@@ -75,15 +146,9 @@ VoxelModel<bool> Union(const ModelPointers& models, std::int64_t lod, bool autoC
     RequireSameAxes(models);
 
     VoxelModel<bool> result(BoundingExtents(models, lod), lod);
-    for (const VoxelModel<bool>* model : models) {
-        if (model->FinestLOD() >= lod)
-            AddVoxels(result, *model, lod);
-        else
-            AddVoxels(result, Refine(*model, lod), lod);
-    }
-    if (autoCrop) return AutoCrop(std::move(result));
-    PropagateLevel(result, lod);
-    return result;
+    const auto ownExtents = [](const VoxelModel<bool>& model) { return model.ExtentsRef(model.FinestLOD()); };
+    CombineAll(result, InAny(), models, ownExtents, std::nullopt);
+    return CroppedOrPropagated(std::move(result), autoCrop);
 }
 
 VoxelModel<bool> Intersect(const ModelPointers& models, std::int64_t lod, bool autoCrop)
@@ -94,17 +159,10 @@ VoxelModel<bool> Intersect(const ModelPointers& models, std::int64_t lod, bool a
 
     const Extents bounding = BoundingExtents(models, lod);
     const std::optional<Extents> common = CommonExtents(models, lod);
-    VoxelModel<bool> result(bounding, lod);
-    for (std::size_t i = 0; common && i < models.size(); ++i) {
-        const bool isRefined = models[i]->FinestLOD() < lod;
-        if (i == 0)
-            result = isRefined ? RebuildModel(*models[i], *common, lod) : CopyOneLevel(*models[i], *common, lod);
-        else if (isRefined)
-            KeepVoxels(result, RebuildModel(*models[i], *common, lod), lod);
-        else
-            KeepVoxels(result, *models[i], lod);
-    }
-    return autoCrop ? AutoCrop(std::move(result)) : Resize(std::move(result), bounding);
+    VoxelModel<bool> result(common && autoCrop ? *common : bounding, lod);
+    const auto commonExtents = [&](const VoxelModel<bool>&) { return *common; };
+    if (common) CombineAll(result, InBoth(), models, commonExtents, common);
+    return CroppedOrPropagated(std::move(result), autoCrop);
 }
 
 VoxelModel<bool> Subtract(const VoxelModel<bool>& model, const VoxelModel<bool>& subtrahend, std::int64_t lod, bool autoCrop)
@@ -112,31 +170,30 @@ VoxelModel<bool> Subtract(const VoxelModel<bool>& model, const VoxelModel<bool>&
     RequireLevel("The level of detail for voxel model subtraction", lod);
     RequireSameAxes({&model, &subtrahend});
 
-    VoxelModel<bool> result = model.FinestLOD() > lod   ? model
-                              : model.FinestLOD() < lod ? Refine(model, lod)
-                                                        : CopyOneLevel(model, model.ExtentsRef(lod), lod);
-    if (const std::optional<Extents> common = CommonExtents({&model, &subtrahend}, lod)) {
-        if (subtrahend.FinestLOD() >= lod)
-            RemoveVoxels(result, subtrahend, lod);
-        else
-            RemoveVoxels(result, RebuildModel(subtrahend, *common, lod), lod);
+    const Extents bounding = BoundingExtents({&model, &subtrahend}, lod);
+    const std::optional<Extents> common = CommonExtents({&model, &subtrahend}, lod);
+    std::optional<ModelAtLevel> removed;
+    if (common) removed.emplace(subtrahend, *common, lod);
+    const VoxelModel<bool>* const removedModel = removed ? removed->Pointer() : nullptr;
+
+    if (model.FinestLOD() > lod) {
+        VoxelModel<bool> result = model;
+        Combine(result, lod, InFirstOnly(), &result, removedModel, std::nullopt);
+        PropagateLevel(result, lod); // the coarser levels follow once more when the result gets its extents
+        return autoCrop ? AutoCrop(std::move(result)) : Resize(std::move(result), bounding);
     }
-    if (lod < result.FinestLOD()) PropagateLevel(result, lod); // the coarser levels follow when the result gets its extents
-    if (autoCrop) return AutoCrop(std::move(result));
-    return Resize(std::move(result), BoundingExtents({&model, &subtrahend}, lod));
+    const ModelAtLevel reduced(model, model.ExtentsRef(model.FinestLOD()), lod);
+    const Extents& extents = reduced.Pointer()->ExtentsRef(lod);
+    VoxelModel<bool> result(autoCrop ? extents : bounding, lod);
+    Combine(result, lod, InFirstOnly(), reduced.Pointer(), removedModel, extents);
+    return CroppedOrPropagated(std::move(result), autoCrop);
 }
 
 VoxelModel<bool> Invert(const VoxelModel<bool>& model)
 {
     const std::int64_t lod = model.FinestLOD();
     VoxelModel<bool> result(model.ExtentsRef(lod), lod);
-    CombineModels(result, model, lod, [](Stack& stack, const Stack& source) {
-        CombineStacks(
-            stack, [](const Plate& plate) { return ~plate; }, source);
-    });
-    ForEachStack(result, lod, [](Store& store, const StackIndices& ij) {
-        store.VoxelStackRef(ij).FillOutsideBox(store.LowerOffset(ij), store.UpperOffset(ij), false);
-    });
+    Combine(result, lod, NotInFirst(), &model, nullptr, model.ExtentsRef(lod));
     PropagateLevel(result, lod);
     return result;
 }

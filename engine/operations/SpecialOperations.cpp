@@ -263,16 +263,16 @@ public:
     {
         builders_.clear();
         builders_.resize(levels.size());
-        for (std::int64_t z = 0; z < Stack::Height;) {
-            std::int64_t end = Stack::Height;
+        HeightSet starts = 1;
+        for (const Weighted& stack : stacks_) starts |= stack.layers.Starts();
+        for (; starts != 0; starts &= starts - 1) {
+            const std::int64_t z = std::countr_zero(starts);
             sums_.Restart();
             for (Weighted& stack : stacks_) {
                 stack.layers.MoveTo(z);
                 sums_.Add(stack.layers.PlateRef(), stack.weight);
-                end = std::min(end, stack.layers.End());
             }
             for (std::size_t i = 0; i < levels.size(); ++i) builders_[i].Append(z, sums_.AtLeast(levels[i]));
-            z = end;
         }
         for (std::size_t i = 0; i < levels.size(); ++i) builders_[i].WriteTo(*results[i]);
     }

@@ -25,8 +25,7 @@ constexpr Margins MarginsAround(std::int64_t horizontal, std::int64_t vertical)
 template <class Change>
 VoxelModel<bool> ChangeAlong(SurfacePasses<Change> passes, Axis axis, int lowerOffset, int upperOffset, bool autoCrop)
 {
-    passes.Along(axis, Side::Lower, lowerOffset);
-    passes.Along(axis, Side::Upper, upperOffset);
+    passes.Along(axis, lowerOffset, upperOffset);
     return passes.Finish(autoCrop);
 }
 

@@ -13,8 +13,8 @@ namespace brix {
 /// `guideVoxels`        a barrier: never filled, never crossed; what the model held there stays
 /// `autoAdjustExtents`  true: nothing is clipped, and the result is bounded by its filled voxels; false: the extents stay
 /// Throws std::domain_error when an offset is negative, the lower one first; what the Extents constructor throws when the growth would
-/// leave the index space; when the guide's frame differs. Cost: stored layers times the logarithm of the offsets, or the offsets where
-/// there is a guide.
+/// leave the index space; when the guide's frame differs. Cost: stored layers times the logarithm of the larger offset or, where there is
+/// a guide, times the sum of both.
 VoxelModel<bool> ExpandAlongX(const VoxelModel<bool>& voxelModel, int lowerOffset, int upperOffset,
                               const std::optional<VoxelModel<bool>>& guideVoxels, bool autoAdjustExtents);
 VoxelModel<bool> ExpandAlongY(const VoxelModel<bool>& voxelModel, int lowerOffset, int upperOffset,

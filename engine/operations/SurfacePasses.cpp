@@ -30,16 +30,43 @@ SurfacePasses<Change>::SurfacePasses(const VoxelModel<bool>& source, const std::
     Pass(grid_, withGuide, RestrainPlate(), Restraint<RestrainPlate>{nullptr, {}});
 }
 
-// Without a guide, what reaches one voxel in one pass reaches two more in the next and four more in the third: a pass may look as far
-// as the faces have moved so far, and one more.
-template <class Change> void SurfacePasses<Change>::Along(Axis axis, Side side, std::int64_t count)
+// With a guide, nothing is known beyond the next voxel.
+template <class Change> void SurfacePasses<Change>::StepByStep(Axis axis, Side seenSide, std::int64_t count)
 {
-    const Side seenSide = side == Side::Lower ? Change::SeenSideOfLower : Change::SeenSideOfUpper;
-    const std::int64_t farthest = guide_ ? 1 : axis == Axis::Z ? VoxelStack<bool>::Height : VoxelStack<bool>::Side;
-    for (std::int64_t moved = 0; moved < count;) {
-        const std::int64_t distance = std::min({moved + 1, count - moved, farthest});
-        if (!PassAlong(grid_, {axis, seenSide, distance}, Change::Along, Guided())) return; // all further passes would do nothing
-        moved += distance;
+    for (std::int64_t moved = 0; moved < count; ++moved) {
+        if (!PassAlong(grid_, {axis, seenSide, 1}, AlongRule(), Guided())) return; // all further passes would do nothing
+    }
+}
+
+// One pass that looks so far to both sides, or to the one whose distance is not 0. Returns whether anything has changed.
+template <class Change> bool SurfacePasses<Change>::Look(Axis axis, std::int64_t towardsLower, std::int64_t towardsUpper)
+{
+    const bool isNear = towardsLower <= StackSize(axis) && towardsUpper <= StackSize(axis);
+    if (isNear && towardsLower > 0 && towardsUpper > 0)
+        return PassBothWays(grid_, axis, towardsLower, towardsUpper, AlongRule(), Guided());
+    const bool isLower = towardsLower > 0 && PassAlong(grid_, {axis, Side::Lower, towardsLower}, AlongRule(), Guided());
+    const bool isUpper = towardsUpper > 0 && PassAlong(grid_, {axis, Side::Upper, towardsUpper}, AlongRule(), Guided());
+    return isLower || isUpper;
+}
+
+// Without a guide, what reaches one voxel in one pass reaches two more in the next and four more in the third: a pass may look as far
+// as it has seen on a side so far, and one more. Both sides go together, as neither is in the other's way.
+template <class Change> void SurfacePasses<Change>::Along(Axis axis, std::int64_t lower, std::int64_t upper)
+{
+    constexpr bool areSidesCrossed = Change::SeenSideOfLower == Side::Upper;
+    if (guide_) {
+        StepByStep(axis, Change::SeenSideOfLower, lower);
+        StepByStep(axis, Change::SeenSideOfUpper, upper);
+        return;
+    }
+    std::int64_t toSeeLower = areSidesCrossed ? upper : lower;
+    std::int64_t toSeeUpper = areSidesCrossed ? lower : upper;
+    for (std::int64_t farthest = 1; toSeeLower > 0 || toSeeUpper > 0; farthest *= 2) {
+        const std::int64_t towardsLower = std::min(toSeeLower, farthest);
+        const std::int64_t towardsUpper = std::min(toSeeUpper, farthest);
+        if (!Look(axis, towardsLower, towardsUpper)) return; // all further passes would do nothing
+        toSeeLower -= towardsLower;
+        toSeeUpper -= towardsUpper;
     }
 }
 
@@ -65,10 +92,12 @@ template <class Change> VoxelModel<bool> SurfacePasses<Change>::Finish(bool auto
         const auto withSource = [&](const Triple& stack, const auto& combine) {
             combine(grid_.StackAt(stack), source.StackAt(stack), guide_->StackAt(stack));
         };
-        Pass(grid_, withSource, Change::Finish, Restraint<RestrainPlate>{nullptr, {}});
+        const auto finish = [](const auto&... plates) { return Change::Finish(plates...); };
+        Pass(grid_, withSource, finish, Restraint<RestrainPlate>{nullptr, {}});
     }
     VoxelModel<bool> result = grid_.TakeModel();
-    return autoCrop ? AutoCrop(std::move(result)) : Resize(std::move(result), source_.ExtentsRef(source_.FinestLOD()));
+    return autoCrop ? AutoCrop(std::move(result))
+                    : PropagatedOnExtents(std::move(result), source_.ExtentsRef(source_.FinestLOD()));
 }
 
 template class SurfacePasses<Growth>;

@@ -60,8 +60,8 @@ public:
     /// Works on the model's finest level, on its extents with `margins`. The source must outlive the passes.
     SurfacePasses(const VoxelModel<bool>& source, const std::optional<VoxelModel<bool>>& guide, const Margins& margins);
 
-    /// Moves the faces that look to `side` by `count` voxels.
-    void Along(Axis axis, Side side, std::int64_t count);
+    /// Moves the faces that look to the lower side along an axis by `lower` voxels, then those that look to the upper side by `upper`.
+    void Along(Axis axis, std::int64_t lower, std::int64_t upper);
 
     /// One pass that changes the voxels with enough neighbours. Returns whether there were any.
     bool Beside(std::int64_t least);
@@ -79,7 +79,19 @@ private:
         }
     };
 
+    // An object, as a function would be called through its address for every plate.
+    struct AlongRule
+    {
+        VoxelPlate<bool> operator()(const VoxelPlate<bool>& here, const VoxelPlate<bool>& seen) const
+        {
+            return Change::Along(here, seen);
+        }
+    };
+
     Restraint<RestrainPlate> Guided() const { return {guide_ ? &*guide_ : nullptr, {}}; }
+
+    void StepByStep(Axis axis, Side seenSide, std::int64_t count);
+    bool Look(Axis axis, std::int64_t towardsLower, std::int64_t towardsUpper);
 
     const VoxelModel<bool>& source_;
     LevelGrid grid_;

@@ -52,19 +52,16 @@ Tessellation::Tessellation(const VoxelModel<bool>& model, std::int64_t lod)
 
 std::int64_t Tessellation::TriangleCount() const { return TrianglesPerBox * static_cast<std::int64_t>(boxes_.size()); }
 
-// The frame turns about z, so that four of the corners have all the coordinates of the eight.
 void Tessellation::WriteBox(const Box& box, WorldTriangle* output) const
 {
+    const auto corner = [&](std::int64_t x, std::int64_t y, std::int64_t z) {
+        return axes_.ToWorldCoordinates({x * voxelSize_[0], y * voxelSize_[1], z * voxelSize_[2]});
+    };
+    // World x and y do not depend on the height, nor does world z on anything else: four corners have the numbers of all eight.
+    const std::array standing{corner(box.lower[0], box.lower[1], box.lower[2]), corner(box.upper[0], box.lower[1], box.lower[2]),
+                              corner(box.lower[0], box.upper[1], box.lower[2]), corner(box.upper[0], box.upper[1], box.upper[2])};
     std::array<std::array<double, 3>, 8> corners;
-    for (std::size_t k = 0; k < 4; ++k) {
-        corners[k] = axes_.ToWorldCoordinates({(k & 1 ? box.upper[0] : box.lower[0]) * voxelSize_[0],
-                                               (k & 2 ? box.upper[1] : box.lower[1]) * voxelSize_[1],
-                                               (k & 2 ? box.upper[2] : box.lower[2]) * voxelSize_[2]});
-        corners[k + 4] = corners[k];
-    }
-    for (std::size_t k = 0; k < 2; ++k) {
-        std::swap(corners[k + 2][2], corners[k + 4][2]);
-    }
+    for (std::size_t k = 0; k < 8; ++k) corners[k] = {standing[k & 3][0], standing[k & 3][1], standing[k & 4 ? 3 : 0][2]};
     for (const auto& [a, b, c] : BoxTriangles) *output++ = {corners[a], corners[b], corners[c]};
 }
 

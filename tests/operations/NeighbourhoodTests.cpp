@@ -155,16 +155,34 @@ TEST(NeighbourhoodPass, SeesAlongEveryAxisAtEveryDistance)
     ForEachPassCase(1, 120, [](Random& random, const PassCase& test) {
         for (const Axis axis : AllAxes) {
             const Side side = random.OneIn(2) ? Side::Lower : Side::Upper;
-            const std::int64_t distance = random.OneIn(3) ? 1 : random.Between(1, axis == Axis::Z ? 64 : 16);
-            Triple step{};
-            step[static_cast<std::size_t>(axis)] = side == Side::Lower ? -distance : distance;
+            const std::int64_t size = StackSize(axis);
+            const std::int64_t distance = random.OneIn(3) ? 1 : random.Between(1, random.OneIn(3) ? 3 * size : size);
+            const std::int64_t lower = random.Between(1, size);
+            const std::int64_t upper = random.OneIn(2) ? lower : random.Between(1, size);
+            const auto seenFrom = [axis](Triple voxel, std::int64_t step) {
+                voxel[static_cast<std::size_t>(axis)] += step;
+                return voxel;
+            };
             ExpectPass(
                 test,
                 [&](LevelGrid& grid, const auto& restraint) {
                     const auto rule = [](const Plate& here, const Plate& seen) { return AndNot(here | seen, here & seen); };
                     return PassAlong(grid, {axis, side, distance}, rule, restraint, test.instructionSet);
                 },
-                [&](const Triple& voxel) { return test.source.Value(voxel) != test.source.Value(Plus(voxel, step)); });
+                [&](const Triple& voxel) {
+                    return test.source.Value(voxel) !=
+                           test.source.Value(seenFrom(voxel, side == Side::Lower ? -distance : distance));
+                });
+            ExpectPass(
+                test,
+                [&](LevelGrid& grid, const auto& restraint) {
+                    const auto rule = [](const Plate& here, const Plate& seen) { return here | seen; };
+                    return PassBothWays(grid, axis, lower, upper, rule, restraint, test.instructionSet);
+                },
+                [&](const Triple& voxel) {
+                    return test.source.Value(voxel) || test.source.Value(seenFrom(voxel, -lower)) ||
+                           test.source.Value(seenFrom(voxel, upper));
+                });
         }
     });
 }
