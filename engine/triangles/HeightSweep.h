@@ -89,9 +89,26 @@ private:
     Heights covered_ = 0;
 };
 
+/// Sorts by key: short lists by comparing, long ones digit by digit from the lowest up, which leaves digits out that all keys share.
 inline void SortCells(std::vector<Cell>& cells)
 {
-    std::sort(cells.begin(), cells.end(), [](const Cell& a, const Cell& b) { return a.key < b.key; });
+    constexpr std::size_t shortest = 2000;
+    constexpr int digitBits = 8;
+    const auto isBefore = [](const Cell& a, const Cell& b) { return a.key < b.key; };
+    if (cells.size() < shortest) return std::sort(cells.begin(), cells.end(), isBefore);
+
+    std::uint64_t differing = 0;
+    for (const Cell& cell : cells) differing |= cell.key ^ cells.front().key;
+    std::vector<Cell> sorted(cells);
+    for (int shift = 0; shift < 64; shift += digitBits) {
+        const auto digitOf = [shift](std::uint64_t key) { return static_cast<std::size_t>(key >> shift & 0xFF); };
+        if (digitOf(differing) == 0) continue;
+        std::array<std::size_t, 257> starts{}; // of each digit; counted one place higher
+        for (const Cell& cell : cells) ++starts[digitOf(cell.key) + 1];
+        for (std::size_t digit = 1; digit < starts.size(); ++digit) starts[digit] += starts[digit - 1];
+        for (const Cell& cell : cells) sorted[starts[digitOf(cell.key)]++] = cell;
+        cells.swap(sorted);
+    }
 }
 
 /// Calls emit(line, range, heights) for the longest runs of cells at equal heights. Sorts the cells; no two have one place.
