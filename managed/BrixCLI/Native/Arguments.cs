@@ -1,0 +1,77 @@
+using System;
+using System.Collections.Generic;
+using System.Runtime.InteropServices;
+
+namespace BrixCLI;
+
+/// <summary>Three voxel indices or numbers of voxels, as the C interface reads and writes them.</summary>
+[StructLayout(LayoutKind.Sequential)]
+internal struct IndexTriple
+{
+    internal long X, Y, Z;
+
+    internal static IndexTriple Of(List<int>? list, string parameter)
+    {
+        Arguments.RequireThree(list, parameter);
+        return new IndexTriple { X = list![0], Y = list[1], Z = list[2] };
+    }
+
+    internal readonly List<int> ToList() => new List<int>(3) { unchecked((int)X), unchecked((int)Y), unchecked((int)Z) };
+
+    internal readonly IndexTriple With(int dimIndex, long value) => dimIndex switch
+    {
+        0 => new IndexTriple { X = value, Y = Y, Z = Z },
+        1 => new IndexTriple { X = X, Y = value, Z = Z },
+        _ => new IndexTriple { X = X, Y = Y, Z = value },
+    };
+
+    internal readonly long Component(int dimIndex) => dimIndex switch { 0 => X, 1 => Y, _ => Z };
+}
+
+/// <summary>The inclusive bounds of a box of voxels.</summary>
+[StructLayout(LayoutKind.Sequential)]
+internal struct IndexBox
+{
+    internal IndexTriple Lower, Upper;
+}
+
+/// <summary>A world point or vector.</summary>
+[StructLayout(LayoutKind.Sequential)]
+internal struct PointTriple
+{
+    internal double X, Y, Z;
+
+    internal static PointTriple Of(List<double>? list, string parameter)
+    {
+        Arguments.RequireThree(list, parameter);
+        return new PointTriple { X = list![0], Y = list[1], Z = list[2] };
+    }
+
+    internal readonly List<double> ToList() => new List<double>(3) { X, Y, Z };
+}
+
+/// <summary>The managed layer's own checks, and the only place where their sentences are built.</summary>
+internal static class Arguments
+{
+    internal static Exception Null(string parameter) => new Exception("The argument " + parameter + " cannot be null.");
+
+    internal static T Required<T>(T? value, string parameter) where T : class => value ?? throw Null(parameter);
+
+    internal static void RequireThree<T>(List<T>? list, string parameter)
+    {
+        if (list == null) throw Null(parameter);
+        if (list.Count < 3) throw NotThree(parameter, list.Count);
+    }
+
+    internal static Exception NotThree(string parameter, int count) => new Exception("The argument " + parameter +
+        " must hold three numbers. The number of items encountered was " + count + ".");
+
+    internal static void RequireDivisible(int count, int divisor, string sentence)
+    {
+        if (count % divisor != 0) throw new Exception(sentence);
+    }
+
+    internal const string TrianglesOfNine = "The number of triangle vertex coordinates must be divisible by nine.";
+    internal const string IndicesOfThree = "The number of triangle vertex indices must be divisible by three.";
+    internal const string VerticesOfThree = "The number of vertex coordinates must be divisible by three.";
+}

@@ -1,0 +1,23 @@
+using System;
+using System.Runtime.InteropServices;
+using System.Text;
+
+namespace BrixCLI;
+
+/// <summary>brix_error of the C interface.</summary>
+[StructLayout(LayoutKind.Sequential)]
+internal unsafe struct NativeError
+{
+    private int status;
+    private int isOwned;
+    private long length;
+    private byte* message;
+
+    /// <summary>The exception for a call that failed; frees the native text.</summary>
+    internal static Exception Take(NativeError* error, int status)
+    {
+        string text = error->message == null ? "" : Encoding.UTF8.GetString(error->message, checked((int)error->length));
+        NativeMethods.brix_error_clear(error);
+        return new Exception(text.Length > 0 ? text : "The voxel engine failed with status " + status + " and no message.");
+    }
+}

@@ -1,0 +1,77 @@
+using System;
+using System.Collections.Generic;
+#if NET
+using System.Runtime.InteropServices;
+#endif
+
+namespace BrixCLI;
+
+internal unsafe delegate TResult PinnedUse<TItem, TResult>(TItem* items) where TItem : unmanaged;
+
+/// <summary>
+/// Large lists on their way across. On .NET 10 the engine reads and writes the memory of the list itself; where the runtime does
+/// not let anybody there, one bulk copy each way takes its place.
+/// </summary>
+internal static unsafe class NumberLists
+{
+    /// <summary>Calls `use` with the items of a list, pinned; null when there are none.</summary>
+    internal static TResult Pinned<TItem, TResult>(List<TItem> list, PinnedUse<TItem, TResult> use) where TItem : unmanaged
+    {
+#if NET
+        fixed (TItem* items = CollectionsMarshal.AsSpan(list)) return use(items);
+#else
+        fixed (TItem* items = Guarded(list.Count, list.ToArray)) return use(items);
+#endif
+    }
+
+    /// <summary>A list of `length` items that `fill` writes, all of them.</summary>
+    internal static List<TItem> Filled<TItem>(int length, PinnedUse<TItem, int> fill) where TItem : unmanaged
+    {
+#if NET
+        var list = Guarded(length, () => new List<TItem>(length));
+        CollectionsMarshal.SetCount(list, length);
+        Pinned(list, fill);
+        return list;
+#else
+        TItem[] buffer = Guarded(length, () => new TItem[length]);
+        fixed (TItem* items = buffer) fill(items);
+        return Guarded(length, () => new List<TItem>(buffer));
+#endif
+    }
+
+    /// <summary>Runs a call on the numbers of a list.</summary>
+    internal static TResult WithItems<TResult>(List<double> list, NativeCall<double, TResult> call)
+        where TResult : unmanaged => Pinned<double, TResult>(list, items => Engine.CallAt(items, call));
+
+    /// <summary>The numbers of a native list, which is freed also when there is no room for them.
+    /// `requireCount` may refuse the number of items before there is a list.</summary>
+    internal static List<double> Take(IntPtr list, Action<long>? requireCount = null)
+    {
+        try {
+            ListSize size = SizeOf(list);
+            requireCount?.Invoke(size.ItemCount);
+            return Filled<double>(SizeLimits.ListLength(size.ItemCount, size.Width), items => Engine.Call<int>(
+                (_, error) => NativeMethods.brix_list_copy(list, 0, size.ItemCount, items, error)));
+        } finally {
+            NativeMethods.brix_list_free(list);
+        }
+    }
+
+    private struct ListSize
+    {
+        internal long ItemCount, Width;
+    }
+
+    private static ListSize SizeOf(IntPtr list) =>
+        Engine.Call<ListSize>((size, error) => NativeMethods.brix_list_size(list, &size->ItemCount, &size->Width, error));
+
+    /// <summary>Runs an allocation; memory that is not there is reported as System.Exception, as every other failure.</summary>
+    private static T Guarded<T>(int length, Func<T> allocate)
+    {
+        try {
+            return allocate();
+        } catch (OutOfMemoryException exception) {
+            throw new Exception("There is not enough memory for a list of " + length + " numbers.", exception);
+        }
+    }
+}
