@@ -1,0 +1,176 @@
+using System;
+using System.Collections.Generic;
+using System.Globalization;
+using System.Linq;
+using static BrixCLI.Tests.Scene;
+
+namespace BrixCLI.Tests;
+
+public class ModelTests
+{
+    private const string Nine = "The number of triangle vertex coordinates must be divisible by nine.";
+
+    private static string TooMany(string count, string limit) => "Total voxel count of " + count + " exceeds limit of " + limit +
+        ". Verify that the voxel width is specified in the correct units, then increase the limit as needed.";
+
+    [Fact]
+    public void ConstructorsVoxelizeInTheFrameTheyAreGiven()
+    {
+        List<double> triangle = Triangles([(40, -1, 7)]);
+        using AxesCLI axes = Axes();
+        using ExtentsCLI extents = Extents((39, -2, 6), (41, 0, 9));
+        using var empty = new VoxelModelCLI(extents, 4, 16);
+        Assert.Equal("(19, -1, 6)..(20, 0, 9): ", Read(empty, 4).ToString());
+        using var inExtents = new VoxelModelCLI(triangle, extents, 5, 36);
+        Assert.Equal("(39, -2, 6)..(41, 0, 9): (40, -1, 7)", Read(inExtents).ToString());
+        using var inAxes = new VoxelModelCLI(triangle, axes, 5, 1e9);
+        Assert.Equal("(1, -1, 7)..(1, -1, 7): (1, -1, 7)", Read(inAxes, 0).ToString());
+        Assert.Equal([(40, -1, 7)], Read(inAxes).Filled);
+        using var inWidth = new VoxelModelCLI(triangle, 64.0, 4, 3, 1e9); // from the world's origin: 8 wide, 4 high
+        Assert.Equal([(6, 2, 9)], Read(inWidth, 3).Filled);
+        using var nothing = new VoxelModelCLI([], axes, 0, 1e9);
+        using ExtentsCLI around = nothing.Extents(0);
+        Assert.Equal([-25, -25, -40], around.LowerIndices());
+        Assert.True(BasicOperationsCLI.IsEmpty(nothing));
+        Assert.Equal([4, 5, 3, 0], new[] { empty, inExtents, inWidth, nothing }.Select(model => model.FinestLOD()));
+    }
+
+    [Fact]
+    public void VoxelsAreCountedAtTheFinestLevelBeforeAnythingElse()
+    {
+        using AxesCLI axes = Axes();
+        using ExtentsCLI extents = Extents((0, 0, 0), (2, 1, 0)); // 6 voxels at level 5, 2 at level 4
+        foreach (double allowed in new[] { 6, 6.5, double.NaN, double.PositiveInfinity }) {
+            VoxelModelCLI.ValidateVoxelCount(extents, 5, allowed);
+            new VoxelModelCLI(extents, 5, allowed).Dispose();
+        }
+        VoxelModelCLI.ValidateVoxelCount(extents, 4, 2);
+        Assert.Equal(TooMany("2", "1"), MessageOf(() => VoxelModelCLI.ValidateVoxelCount(extents, 4, 1)));
+        Assert.Equal(TooMany("6", "5"), MessageOf(() => new VoxelModelCLI(extents, 5, 5)));
+        Assert.Equal(TooMany("6", "-1"), MessageOf(() => new VoxelModelCLI([1], extents, 5, -1)));
+        Assert.Equal(Nine, MessageOf(() => new VoxelModelCLI([1], extents, 5, 6)));
+        Assert.Equal(Nine, MessageOf(() => new VoxelModelCLI([1], axes, 5, -1)));
+        Assert.Equal(TooMany("1024", "1023"), MessageOf(() => new VoxelModelCLI(Triangles([(0, 0, 0)]), axes, 5, 1023)));
+        foreach (double width in new[] { 0, -1, double.NaN }) {
+            Assert.Equal("The voxel width must be positive.", MessageOf(() => new VoxelModelCLI([1], width, 9, 9, -1)));
+        }
+        Assert.Contains("less than 6", MessageOf(() => new VoxelModelCLI([1], 1, 6, 9, -1)));
+        Assert.Equal(Nine, MessageOf(() => new VoxelModelCLI([1], 1, 5, 9, -1)));
+    }
+
+    [Fact]
+    public void NumbersInMessagesFollowTheCulture()
+    {
+        CultureInfo culture = CultureInfo.CurrentCulture;
+        CultureInfo.CurrentCulture = new CultureInfo("de-DE");
+        try {
+            Assert.Equal(TooMany("1,5E+20", "0,5"), MessageOf(() => SizeLimits.RequireVoxels(1.5e20, 0.5)));
+        } finally {
+            CultureInfo.CurrentCulture = culture;
+        }
+    }
+
+    [Fact]
+    public void TriangleLimitsAreStrictAndInOrder()
+    {
+        SizeLimits.RequireTriangles(238609294, 238609294);
+        SizeLimits.RequireTriangles(7, double.NaN);
+        Assert.Equal("Total triangle count of 238609295 exceeds absolute limit of 238609294.",
+            MessageOf(() => SizeLimits.RequireTriangles(238609295, 238609295)));
+        Assert.Equal("Total triangle count of 238609295 exceeds limit of 5. Consider displaying the voxels at a coarser level of detail.",
+            MessageOf(() => SizeLimits.RequireTriangles(238609295, 5)));
+        // The largest array is a little shorter than the largest count of a list.
+        Assert.Equal(2147483583, SizeLimits.ListLength(238609287, 9));
+        Assert.Equal("A list of 238609288 times 9 numbers exceeds the 2147483591 items that the .NET runtime allows in a list.",
+            MessageOf(() => SizeLimits.ListLength(238609288, 9)));
+    }
+
+    [Fact]
+    public void VoxelIteratorsReadOneVoxel()
+    {
+        VoxelModelCLI model = Model((-1, 0, 2), (3, 2, 4), (2, 1, 3));
+        using var byIndices = new VoxelIteratorCLI(model, [2, 1, 3], 5);
+        using var byPoint = new VoxelIteratorCLI(model, Centre((2, 1, 3)), 5);
+        using var coarse = new VoxelIteratorCLI(model, Centre((2, 1, 3)), 4);
+        model.Dispose(); // the iterators keep what they need
+        foreach (VoxelIteratorCLI voxel in new[] { byIndices, byPoint }) {
+            Assert.Equal([2, 1, 3], voxel.VoxelIndices());
+            Assert.Equal((5, true, true), (voxel.VoxelLOD(), voxel.IsValid(), voxel.IsFilled()));
+            Assert.Equal(Centre((2, 1, 3)), voxel.VoxelCenter());
+        }
+        Assert.Equal([1, 0, 3], coarse.VoxelIndices());
+        Assert.Equal(4, coarse.VoxelLOD());
+
+        using VoxelIteratorCLI next = byIndices.Advance(-3, 1, -1);
+        Assert.Equal([-1, 2, 2], next.VoxelIndices());
+        Assert.False(next.IsFilled());
+        Assert.Equal([2, 1, 3], byIndices.VoxelIndices());
+        using ExtentsCLI extents = coarse.VoxelExtents();
+        Assert.Equal([1, 0, 3], extents.LowerIndices());
+        Assert.Equal([1, 0, 3], extents.UpperIndices());
+        Assert.Equal(4, extents.VoxelLOD());
+
+        using VoxelIteratorCLI outside = byIndices.Advance(2, 0, 0);
+        Assert.Equal((5, false), (outside.VoxelLOD(), outside.IsValid()));
+        foreach (Action use in new Action[] {
+            () => outside.VoxelIndices(), () => outside.IsFilled(), () => outside.VoxelCenter(), () => outside.VoxelExtents(),
+            () => outside.Advance(-2, 0, 0)
+        }) {
+            Assert.Equal("Attempt to operate on a voxel iterator that points outside the voxel model extents.", MessageOf(use));
+        }
+    }
+
+    // Rows and columns of a slice, for each axis it can be perpendicular to.
+    [Theory]
+    [InlineData(0), InlineData(1), InlineData(2)]
+    public void SlicesShowTheirRows(int dimIndex)
+    {
+        Cells cells = Cells.Random(5, 0.4);
+        VoxelModelCLI model = Model(cells);
+        using var slice = new SliceIteratorCLI(model, dimIndex, 1, 5);
+        model.Dispose();
+        int rowDim = dimIndex == 2 ? 1 : 2;
+        int columnDim = dimIndex == 0 ? 1 : 0;
+        int At(Cell cell, int dim) => dim == 0 ? cell.X : dim == 1 ? cell.Y : cell.Z;
+        Cell lower = cells.Lower, upper = cells.Upper;
+        foreach ((bool fromUpperRow, bool fromUpperColumn) in new[] { (false, false), (true, false), (false, true), (true, true) }) {
+            var rows = cells.All().Where(cell => At(cell, dimIndex) == 1).GroupBy(cell => At(cell, rowDim))
+                .OrderBy(row => fromUpperRow ? -row.Key : row.Key)
+                .Select(row => row.OrderBy(cell => fromUpperColumn ? -At(cell, columnDim) : At(cell, columnDim)).Select(cells.Holds));
+            Assert.Equal(rows, slice.SliceBools(fromUpperRow, fromUpperColumn));
+            Assert.Equal(rows, slice.SliceData(fromUpperRow, fromUpperColumn));
+        }
+        Cell Fixed(Cell cell) => dimIndex == 0 ? cell with { X = 1 } : dimIndex == 1 ? cell with { Y = 1 } : cell with { Z = 1 };
+        Assert.Equal(Indices(Fixed(lower)), slice.LowerIndices());
+        Assert.Equal(Indices(Fixed(upper)), slice.UpperIndices());
+        using ExtentsCLI extents = slice.SliceExtents();
+        Assert.Equal(Indices(Fixed(upper)), extents.UpperIndices());
+        Assert.Equal(5, extents.VoxelLOD());
+        Assert.Equal(cells.With(Fixed(lower), Fixed(upper)).ToString(), Take(slice.SliceVoxels()));
+        using SliceIteratorCLI next = slice.Advance(1);
+        Assert.Equal(2, next.LowerIndices()[dimIndex]);
+        Assert.Equal(1, slice.LowerIndices()[dimIndex]);
+    }
+
+    [Fact]
+    public void SlicesOutsideTheModelSaySo()
+    {
+        using VoxelModelCLI model = Model((0, 0, 0), (2, 2, 2));
+        using var last = new SliceIteratorCLI(model, 1, 1, 4);
+        last.Validate();
+        using SliceIteratorCLI outside = last.Advance(1);
+        Assert.Equal((4, false), (outside.VoxelLOD(), outside.IsValid()));
+        foreach (Action use in new Action[] {
+            outside.Validate, () => outside.LowerIndices(), () => outside.UpperIndices(), () => outside.Advance(-1),
+            () => outside.SliceBools(false, false), () => outside.SliceData(false, false), () => outside.SliceExtents(),
+            () => outside.SliceVoxels()
+        }) {
+            Assert.Equal("Attempt to operate on a slice iterator that points outside the voxel model extents.", MessageOf(use));
+        }
+        foreach (int dimIndex in new[] { -1, 3 }) {
+            Assert.Equal("The dimension index of a slice must be 0, 1 or 2. The value encountered was " + dimIndex + ".",
+                MessageOf(() => new SliceIteratorCLI(model, dimIndex, 0, 9)));
+        }
+        Assert.Contains("level of detail", MessageOf(() => new SliceIteratorCLI(model, 0, 0, 9)));
+    }
+}

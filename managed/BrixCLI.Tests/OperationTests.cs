@@ -1,0 +1,248 @@
+using System;
+using System.Collections.Generic;
+using System.Linq;
+using static BrixCLI.Tests.Scene;
+
+namespace BrixCLI.Tests;
+
+public class OperationTests
+{
+    private static readonly Cell Low = (-3, -1, 0), High = (3, 4, 2);
+
+    [Fact]
+    public void QuestionsAreAnsweredAtTheFinestLevel()
+    {
+        // Two of the eight finest voxels, which a coarser level holds in one.
+        using VoxelModelCLI part = Model((0, 0, 0), (1, 1, 0), (0, 0, 0), (1, 1, 0));
+        using VoxelModelCLI full = Model((0, 0, 0), (1, 0, 0), (0, 0, 0), (1, 0, 0));
+        using VoxelModelCLI empty = Model((0, 0, 0), (1, 0, 0));
+        Assert.Equal([false, false, true], new[] { part, full, empty }.Select(BasicOperationsCLI.IsEmpty));
+        Assert.Equal([false, true, false], new[] { part, full, empty }.Select(BasicOperationsCLI.IsFull));
+        Assert.Equal([1L, 1, 2], new[] { 0, 4, 5 }.Select(lod => BasicOperationsCLI.CountFilled(part, lod)));
+    }
+
+    [Fact]
+    public void BoundsMoveOnEachSideByItsOwnNumber()
+    {
+        Cells cells = Cells.Random(1, 0.5);
+        using VoxelModelCLI model = Model(cells);
+        Assert.Equal(cells.With((-2, 1, 0), (1, 1, 1)).ToString(), Take(BasicOperationsCLI.Crop(model, 1, 2, 2, 3, 0, 1)));
+        Assert.Equal(cells.With((-4, -3, -3), (7, 9, 8)).ToString(), Take(BasicOperationsCLI.Enlarge(model, 1, 4, 2, 5, 3, 6)));
+        using ExtentsCLI extents = Extents((-1, 0, 1), (9, 2, 1));
+        Assert.Equal(cells.With((-1, 0, 1), (9, 2, 1)).ToString(), Take(BasicOperationsCLI.Resize(model, extents)));
+        using VoxelModelCLI sparse = Model(Low, High, (0, 2, 1), (1, 4, 1));
+        Assert.Equal("(0, 2, 1)..(1, 4, 1): (0, 2, 1) (1, 4, 1)", Take(SpecialOperationsCLI.AutoCrop(sparse)));
+    }
+
+    [Fact]
+    public void ModelsMoveToOtherFramesAndLevels()
+    {
+        using VoxelModelCLI model = Model(Low, High, (0, 2, 1), (1, 4, 1));
+        using var axes = new AxesCLI(32, [-5, 0, 0], 0, 5);
+        using VoxelModelCLI relocated = BasicOperationsCLI.Relocate(model, axes);
+        using var voxel = new VoxelIteratorCLI(relocated, [-3.5, 4.5, 1.5], 5);
+        Assert.True(voxel.IsFilled());
+        using VoxelModelCLI coarse = BasicOperationsCLI.Refine(model, 4);
+        Assert.Equal(4, coarse.FinestLOD());
+        Assert.Equal([(0, 1, 1), (0, 2, 1)], Read(coarse, 4).Filled);
+    }
+
+    [Theory]
+    [InlineData(false), InlineData(true)]
+    public void BooleanOperationsCombineVoxels(bool autoAdjust)
+    {
+        Cells a = Cells.Random(11, 0.5), b = Cells.Random(12, 0.5).With((-2, 0, 1), (5, 6, 2)), c = Cells.Random(13, 0.6);
+        using VoxelModelCLI modelA = Model(a), modelB = Model(b), modelC = Model(c);
+        string Expected(Cells first, Cells second, Func<Cell, bool> rule)
+        {
+            Cells box = a with { Upper = (5, 6, 2) };
+            Cells result = (box with { Lower = Low }).Where(rule);
+            return (autoAdjust ? result.Cropped() : result).ToString();
+        }
+        List<VoxelModelCLI> all = [modelA, modelB, modelC];
+        Assert.Equal(Expected(a, b, cell => a.Holds(cell) || b.Holds(cell) || c.Holds(cell)),
+            Take(SolidOperationsCLI.Union(all, 5, autoAdjust)));
+        Assert.Equal(Expected(a, b, cell => a.Holds(cell) && b.Holds(cell) && c.Holds(cell)),
+            Take(SolidOperationsCLI.Intersect(all, 5, autoAdjust)));
+        Assert.Equal(Expected(a, b, cell => a.Holds(cell) && !b.Holds(cell)),
+            Take(SolidOperationsCLI.Subtract(modelA, modelB, 5, autoAdjust)));
+        Assert.Equal(a.Where(cell => !a.Holds(cell)).ToString(), Take(SolidOperationsCLI.Invert(modelA)));
+        using VoxelModelCLI coarse = SolidOperationsCLI.Union(all, 3, autoAdjust);
+        Assert.Equal(3, coarse.FinestLOD());
+    }
+
+    // A wall of cells around (1, 1, 1) and an open corner.
+    [Fact]
+    public void FillsFollowTheirRegions()
+    {
+        var box = new Cells((0, 0, 0), (4, 2, 2), []);
+        Cells shell = box.Where(cell => cell.X <= 2 && cell != (1, 1, 1));
+        using VoxelModelCLI model = Model(shell);
+        Assert.Equal(box.Where(cell => cell.X <= 2).ToString(), Take(FillOperationsCLI.FillEnclosedRegions(model)));
+        Assert.Equal(box.Where(cell => cell != (1, 1, 1)).ToString(), Take(FillOperationsCLI.FillExposedRegions(model)));
+        Assert.Equal(box.Where(cell => cell.X <= 2).ToString(), Take(FillOperationsCLI.FillFromPoint(model, Centre((1, 1, 1)))));
+        Assert.Equal(box.Where(cell => cell != (1, 1, 1)).ToString(), Take(FillOperationsCLI.FillFromPoint(model, Centre((3, 2, 0)))));
+    }
+
+    private delegate VoxelModelCLI Change(VoxelModelCLI model, VoxelModelCLI? guide, bool autoAdjust);
+
+    private delegate Cells Reference(Cells cells, Cells? guide);
+
+    private static Cells Repeat(Cells cells, int count, Func<Cells, Cells> pass) =>
+        Enumerable.Range(0, count).Aggregate(cells, (current, _) => pass(current));
+
+    private static Reference GrowAlong(Cell up, Cell down) => (cells, guide) =>
+        Repeat(Repeat(cells, 1, c => c.Grow(guide, filled => filled(up))), 2, c => c.Grow(guide, filled => filled(down)));
+
+    private static Reference ShrinkAlong(Cell up, Cell down) => (cells, guide) =>
+        Repeat(Repeat(cells, 1, c => c.Shrink(guide, empty => empty(down))), 2, c => c.Shrink(guide, empty => empty(up)));
+
+    private static readonly Cell[] Up = [(1, 0, 0), (0, 1, 0), (0, 0, 1)], Down = [(-1, 0, 0), (0, -1, 0), (0, 0, -1)];
+
+    private static bool Enough(Func<Cell, bool> holds, int beside, int stacked) =>
+        Cells.Beside.Count(holds) >= beside && Cells.Stacked.Count(holds) >= stacked;
+
+    // Lower and upper numbers, horizontal and vertical ones differ in each case; a disc of 4 is a pass of one neighbour and one of two.
+    private static readonly (Change Run, Reference Expected)[] Changes = [
+        ((m, g, a) => SurfaceOperationsCLI.ExpandAlongX(m, 1, 2, g, a), GrowAlong(Up[0], Down[0])),
+        ((m, g, a) => SurfaceOperationsCLI.ExpandAlongY(m, 1, 2, g, a), GrowAlong(Up[1], Down[1])),
+        ((m, g, a) => SurfaceOperationsCLI.ExpandAlongZ(m, 1, 2, g, a), GrowAlong(Up[2], Down[2])),
+        ((m, g, a) => SurfaceOperationsCLI.ExpandByOneVoxel(m, 2, 1, g, a), (c, g) => c.Grow(g, filled => Enough(filled, 2, 1))),
+        ((m, g, a) => SurfaceOperationsCLI.ExpandHorizontally(m, 4, g, a),
+            (c, g) => c.Grow(g, filled => Enough(filled, 1, 0)).Grow(g, filled => Enough(filled, 2, 0))),
+        ((m, g, a) => SurfaceOperationsCLI.ReduceAlongX(m, 1, 2, g, a), ShrinkAlong(Up[0], Down[0])),
+        ((m, g, a) => SurfaceOperationsCLI.ReduceAlongY(m, 1, 2, g, a), ShrinkAlong(Up[1], Down[1])),
+        ((m, g, a) => SurfaceOperationsCLI.ReduceAlongZ(m, 1, 2, g, a), ShrinkAlong(Up[2], Down[2])),
+        ((m, g, a) => SurfaceOperationsCLI.ReduceByOneVoxel(m, 2, 1, g, a), (c, g) => c.Shrink(g, empty => Enough(empty, 2, 1))),
+        ((m, g, a) => SurfaceOperationsCLI.ReduceHorizontally(m, 4, g, a),
+            (c, g) => c.Shrink(g, empty => Enough(empty, 1, 0)).Shrink(g, empty => Enough(empty, 2, 0)))
+    ];
+
+    [Theory]
+    [InlineData(false, false), InlineData(false, true), InlineData(true, false), InlineData(true, true)]
+    public void GrowthAndShrinkageEqualTheirDefinitions(bool isGuided, bool autoAdjust)
+    {
+        var outcomes = new HashSet<string>();
+        for (int i = 0; i < Changes.Length; ++i) {
+            bool isGrowth = i < 5;
+            // Growth starts from a few voxels, shrinkage from a solid with a corner and a few voxels missing.
+            Cells cells = isGrowth ? Cells.Random(21, 0.05) : Solid();
+            Cells random = Cells.Random(22, 0.2);
+            Cells guide = isGrowth ? random.Where(cell => random.Holds(cell) && !cells.Holds(cell))
+                : cells.With((4, -9, -9), (4, 99, 99)) with { Lower = (6, -4, -4), Upper = (6, 6, 6), Filled = [.. GuideWall()] };
+            using VoxelModelCLI model = Model(cells), guideModel = Model(guide);
+            Cells wide = autoAdjust && isGrowth ? cells with { Lower = (-13, -11, -10), Upper = (13, 14, 12) } : cells;
+            Cells result = Changes[i].Expected(wide, isGuided ? guide : null);
+            string expected = (autoAdjust ? result.Cropped() : result).ToString();
+            Assert.Equal(expected, Take(Changes[i].Run(model, isGuided ? guideModel : null, autoAdjust)));
+            Assert.True(outcomes.Add(expected), "two operations cannot be told apart by this model");
+        }
+    }
+
+    private static Cells Solid()
+    {
+        var box = new Cells((-6, -5, -4), (5, 6, 5), []);
+        return box.Where(cell => !(cell.X > 2 && cell.Y > 3) && !(cell.X < -4 && cell.Z > 3) && cell != (0, 0, 0) && cell != (1, -2, 3));
+    }
+
+    private static IEnumerable<Cell> GuideWall() =>
+        from y in Enumerable.Range(-4, 8) from z in Enumerable.Range(-3, 6) select (6, y, z);
+
+    [Fact]
+    public void NearestSearchesLookAlongTheirOwnLine()
+    {
+        // Voxels at different distances below and above (0, 0, 0) on each axis.
+        using VoxelModelCLI model = Model((-9, -9, -9), (9, 9, 9), (-4, 0, 0), (5, 0, 0), (0, -3, 0), (0, 6, 0), (0, 0, -2), (0, 0, 7));
+        List<double> point = Centre((0, 0, 0));
+        var searches = new (Func<VoxelModelCLI, List<double>, long, long, VoxelIteratorCLI> Search, Cell Lower, Cell Upper)[] {
+            (ProximityOperationsCLI.NearestFilledAlongX, (-4, 0, 0), (5, 0, 0)),
+            (ProximityOperationsCLI.NearestFilledAlongY, (0, -3, 0), (0, 6, 0)),
+            (ProximityOperationsCLI.NearestFilledAlongZ, (0, 0, -2), (0, 0, 7))
+        };
+        foreach ((var search, Cell lower, Cell upper) in searches) {
+            long below = -(lower.X + lower.Y + lower.Z), above = upper.X + upper.Y + upper.Z;
+            using VoxelIteratorCLI nearest = search(model, point, 9, 9), onlyUpper = search(model, point, below - 1, above);
+            using VoxelIteratorCLI neither = search(model, point, below - 1, above - 1);
+            Assert.Equal(Indices(lower), nearest.VoxelIndices());
+            Assert.Equal(Indices(upper), onlyUpper.VoxelIndices());
+            Assert.False(neither.IsValid());
+        }
+        using VoxelIteratorCLI inDisc = ProximityOperationsCLI.NearestFilledHorizontally(model, point, 9);
+        using VoxelIteratorCLI inSmallDisc = ProximityOperationsCLI.NearestFilledHorizontally(model, point, 5);
+        Assert.Equal([0, -3, 0], inDisc.VoxelIndices());
+        Assert.False(inSmallDisc.IsValid());
+    }
+
+    [Fact]
+    public void DirectionsAreTurnedIntoTheFrame()
+    {
+        // A row along the lattice's x, which is the world's y; the third voxel is filled and shades those behind it.
+        using AxesCLI axes = Axes(90);
+        using var extents = new ExtentsCLI(axes, [0, 0, 0], [5, 0, 0], 5);
+        using var model = new VoxelModelCLI([9.5, 22.5, 30.5, 9.4, 22.5, 30.5, 9.5, 22.4, 30.5], extents, 5, 100);
+        Assert.Equal("(0, 0, 0)..(5, 0, 0): (2, 0, 0)", Read(model).ToString());
+        Assert.Equal([0, 1], Visible([0, 3, 0], 0.5).Select(cell => cell.X));
+        Assert.Equal([3, 4, 5], Visible([0, -1e-3, 0], 0.5).Select(cell => cell.X));
+        Assert.Equal([0, 1, 3, 4, 5], Visible([0, 0, -2], 0.5).Select(cell => cell.X));
+        // Half along the row, half down: behind the obstacle half of the light comes from above.
+        Assert.Equal([0, 1, 3, 4, 5], Visible([0, 1, -1], 0.5).Select(cell => cell.X));
+        Assert.Equal([0, 1, 4, 5], Visible([0, 1, -1], 0.6).Select(cell => cell.X));
+        Assert.Equal("The direction for visibility computation cannot be [0, 0, 0].", MessageOf(() => Visible([0, 0, 0], 0.5)));
+
+        IEnumerable<Cell> Visible(List<double> direction, double threshold)
+        {
+            using VoxelModelCLI visible = VisibilityOperationsCLI.VisibilityFromDirection(model, direction, 5, threshold);
+            return Read(visible).Filled;
+        }
+    }
+
+    [Fact]
+    public void PointsSeeAsFarAsTheirRadius()
+    {
+        using VoxelModelCLI model = Model((0, 0, 0), (9, 0, 0), (7, 0, 0));
+        using AxesCLI axes = Axes();
+        Assert.Equal("(0, 0, 0)..(9, 0, 0): (0, 0, 0) (1, 0, 0) (2, 0, 0) (3, 0, 0) (4, 0, 0) (5, 0, 0) (6, 0, 0)",
+            Take(VisibilityOperationsCLI.VisibilityFromPoint(model, Centre((3, 0, 0)), 5, axes.ValidateDistance(-1), 0.5, false)));
+        Assert.Equal("(0, 0, 0)..(9, 0, 0): (2, 0, 0) (3, 0, 0) (4, 0, 0)",
+            Take(VisibilityOperationsCLI.VisibilityFromPoint(model, Centre((3, 0, 0)), 5, 1.2, 0.5, false)));
+        Assert.Equal("(2, -1, -1)..(4, 1, 1)",
+            Take(VisibilityOperationsCLI.VisibilityFromPoint(model, Centre((3, 0, 0)), 5, 1.2, 0.5, true)).Split(':')[0]);
+        Assert.EndsWith(": ", Take(VisibilityOperationsCLI.VisibilityFromPoint(model, Centre((3, 0, 0)), 5, 9, 1.5, false)));
+        using VoxelModelCLI coarse = VisibilityOperationsCLI.VisibilityFromPoint(model, Centre((3, 0, 0)), 4, 9, 0.5, false);
+        Assert.Equal(4, coarse.FinestLOD());
+    }
+
+    [Fact]
+    public void TessellationBoundsItsResult()
+    {
+        using VoxelModelCLI model = Model((0, 0, 0), (7, 7, 7), (2, 3, 4), (6, 1, 1));
+        List<double> triangles = VoxelTessellationCLI.TessellateVoxelModel(model, 5, 24);
+        Assert.Equal(24 * 9, triangles.Count);
+        static double[] Least(List<double> numbers) =>
+            [.. Enumerable.Range(0, 3).Select(dim => Math.Round(numbers.Where((_, i) => i % 3 == dim).Min(), 6))];
+        Assert.Equal([12, 21, 31], Least(triangles));
+        Assert.Equal([10, 20, 31], Least(VoxelTessellationCLI.TessellateVoxelModel(model, 0, double.NaN)));
+        Assert.Equal("Total triangle count of 24 exceeds limit of 23.9. Consider displaying the voxels at a coarser level of detail.",
+            MessageOf(() => VoxelTessellationCLI.TessellateVoxelModel(model, 5, 23.9)));
+    }
+
+    [Fact]
+    public void AgentsStandWhereTheyFit()
+    {
+        // A floor with a roof over a part of it: two voxels of room there.
+        var box = new Cells((0, 0, 0), (9, 7, 5), []);
+        Cells house = box.Where(cell => cell.Z == 0 || (cell.Z == 3 && cell.X > 4));
+        using VoxelModelCLI environment = Model(house);
+        using var small = new PathModelCLI(environment, 5, 1, 2, false);
+        using var tall = new PathModelCLI(environment, 5, 2, 3, false);
+        Assert.Equal((5, 1L, 2L), (small.VoxelLOD(), small.AgentDiameterOffset(), small.AgentHeightOffset()));
+        Assert.Equal((5, 2L, 3L), (tall.VoxelLOD(), tall.AgentDiameterOffset(), tall.AgentHeightOffset()));
+        Assert.Equal(house.ToString(), Take(small.Environment()));
+        Assert.Equal(box.Where(cell => cell.Z == 1 || (cell.Z == 4 && cell.X > 4)).ToString(), Take(small.TraversableVoxels()));
+        Assert.DoesNotContain(Read(tall.TraversableVoxels()).Filled, cell => cell.X > 4 && cell.Z == 1);
+        using var coarse = new PathModelCLI(environment, 4, 1, 2, true);
+        using VoxelModelCLI traversable = coarse.TraversableVoxels();
+        Assert.Equal((4, 4), (coarse.VoxelLOD(), traversable.FinestLOD()));
+        Assert.Equal("(0, 0, 1)..(4, 3, 4)", Read(traversable, 4).ToString().Split(':')[0]);
+    }
+}
