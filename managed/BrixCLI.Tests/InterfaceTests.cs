@@ -82,6 +82,7 @@ public class InterfaceTests
     {
         Assembly assembly = typeof(AxesCLI).Assembly;
         string version = Scene.Metadata("BrixVersion");
+        NativeLibraryLoader.EnsureLoaded();
         unsafe {
             Assert.Equal(version, Marshal.PtrToStringAnsi((IntPtr)NativeMethods.brix_version_string()));
         }
