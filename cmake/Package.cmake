@@ -1,7 +1,7 @@
-# Tests of the NuGet package (label package), when the .NET SDK is there: tools/dev/pack-nuget makes one for this system alone, and
-# tests/package/check uses it. Included by tests/CMakeLists.txt.
-find_program(BRIX_DOTNET dotnet)
-if(NOT BRIX_DOTNET OR NOT BRIX_BASH OR NOT CMAKE_SYSTEM_NAME STREQUAL "Linux" OR NOT CMAKE_SYSTEM_PROCESSOR STREQUAL "x86_64")
+# Tests of the NuGet package (label package), when the class library is built: tools/dev/pack-nuget makes a package for this system
+# alone, and tests/package/check uses it. Included by tests/CMakeLists.txt.
+if(NOT COMMAND brix_add_managed_tests OR NOT BRIX_BASH OR NOT CMAKE_SYSTEM_NAME STREQUAL "Linux"
+    OR NOT CMAKE_SYSTEM_PROCESSOR STREQUAL "x86_64")
     return()
 endif()
 
