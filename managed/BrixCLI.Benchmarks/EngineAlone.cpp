@@ -48,7 +48,7 @@ int main(int argc, char** argv)
 {
     const int rounds = argc > 1 ? std::atoi(argv[1]) : 5;
     const std::vector<brix::WorldTriangle> triangles = Surface(708);
-    const brix::Axes axes(1.0 / 8, {0, 0, 0}, 0, 5);
+    const brix::Axes axes(1.0 / 26, {0, 0, 0}, 0, 5);
     for (int i = 0; i < rounds; ++i) {
         const auto start = std::chrono::steady_clock::now();
         const brix::VoxelModel<bool> model = Voxelize(axes, triangles);

@@ -8,7 +8,7 @@ using BrixCLI;
 
 int rounds = args.Length > 0 ? int.Parse(args[0], CultureInfo.InvariantCulture) : 5;
 List<double> triangles = Surface(708); // 2 * 708 * 708, a little above a million
-using var axes = new AxesCLI(1.0 / 8, [0, 0, 0], 0, 5);
+using var axes = new AxesCLI(1.0 / 26, [0, 0, 0], 0, 5);
 for (int i = 0; i < rounds; ++i) {
     long start = Stopwatch.GetTimestamp();
     using var model = new VoxelModelCLI(triangles, axes, 5, double.PositiveInfinity);

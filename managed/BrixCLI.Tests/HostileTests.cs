@@ -36,7 +36,8 @@ public class HostileTests
         [typeof(List<double>)] = [Triangles([(1, 1, 1)]), null, new List<double>(), new List<double> { 1, 2 },
             Enumerable.Repeat(double.NaN, 9).ToList(), Enumerable.Repeat(double.PositiveInfinity, 18).ToList(),
             Enumerable.Repeat(1e308, 9).ToList(), new List<double> { 0, 0, 0 }, Enumerable.Repeat(-1e19, 10).ToList()],
-        [typeof(AxesCLI)] = [GoodAxes, null, DisposedAxes],
+        [typeof(AxesCLI)] = [GoodAxes, null, DisposedAxes, .. from spacing in new[] { 0, double.NaN, 1e-300, double.PositiveInfinity }
+            select new AxesCLI(spacing, Origin, double.NegativeInfinity, 5)],
         [typeof(ExtentsCLI)] = [GoodExtents, null, DisposedExtents],
         [typeof(VoxelModelCLI)] = [Model, null, DisposedModel],
         [typeof(List<VoxelModelCLI>)] = [new List<VoxelModelCLI> { Model, Model }, null, new List<VoxelModelCLI>(),
@@ -57,8 +58,8 @@ public class HostileTests
     public void NoArgumentCrashesTheProcess(Type type)
     {
         foreach (ConstructorInfo constructor in type.GetConstructors()) Attack(constructor, arguments => constructor.Invoke(arguments));
-        object?[] receivers = type.IsAbstract ? [null] : [Values.TryGetValue(type, out object?[]? good) ? good[0] : Create(type), null];
-        if (!type.IsAbstract) receivers[1] = Disposed((IDisposable)Create(type));
+        object?[] receivers = type.IsAbstract ? [null] : Values.TryGetValue(type, out object?[]? values)
+            ? [.. values.Where(item => item != null)] : [Create(type), Disposed(Create(type))];
         foreach (object? receiver in receivers) {
             foreach (MethodInfo method in type.GetMethods().Where(item => item.DeclaringType == type)) {
                 Attack(method, arguments => method.Invoke(receiver, arguments));
@@ -66,11 +67,11 @@ public class HostileTests
         }
     }
 
-    private static object Create(Type type)
+    private static IDisposable Create(Type type)
     {
-        ConstructorInfo constructor = type.GetConstructors().OrderBy(item => item.GetParameters().Length).First();
         if (type == typeof(PathModelCLI)) return new PathModelCLI(Model, 5, 1, 2, true);
-        return constructor.Invoke(constructor.GetParameters().Select(item => Values[item.ParameterType][0]).ToArray());
+        ConstructorInfo constructor = type.GetConstructors().OrderBy(item => item.GetParameters().Length).First();
+        return (IDisposable)constructor.Invoke(constructor.GetParameters().Select(item => Values[item.ParameterType][0]).ToArray());
     }
 
     private static void Attack(MethodBase method, Func<object?[], object?> call)
