@@ -27,12 +27,16 @@ DenseWords Moved(const DenseWords& voxels)
     return moved;
 }
 
-VoxelModel<bool> Noise(std::int64_t voxels)
+// Every voxel is filled with a chance of one half to the power of `rarity`.
+VoxelModel<bool> Noise(std::int64_t voxels, int rarity)
 {
     const Extents extents(Axes(32, {0, 0, 0}, 0, Level), {0, 0, 0}, {voxels - 1, voxels - 1, voxels - 1}, Level);
     DenseWords dense(extents);
     std::mt19937_64 random(1);
-    for (std::uint64_t& word : dense.words) word = random();
+    for (std::uint64_t& word : dense.words) {
+        word = random();
+        for (int i = 1; i < rarity; ++i) word &= random();
+    }
     return ModelOf(dense, extents, Level);
 }
 
@@ -59,7 +63,8 @@ VoxelModel<bool> Solid(const VoxelModel<bool>& shell, std::int64_t voxels)
 
 VoxelModel<bool> VoxelsOf(const std::string& name, std::int64_t voxels)
 {
-    if (name == "noise") return Noise(voxels);
+    if (name == "noise") return Noise(voxels, 1);
+    if (name == "dust") return Noise(voxels, 3);
     if (name == "bunny-shell") return Voxelized("bunny", voxels);
     if (name == "bunny-solid") return Solid(Voxelized("bunny", voxels), voxels);
     return Voxelized(name, voxels);
@@ -90,7 +95,7 @@ const OperationScene& SceneOfOperations(const std::string& name, std::int64_t vo
 bool HasOperationScene(const std::string& name)
 {
     const std::string source = name.substr(0, name.find('-'));
-    return name == "noise" || std::find(SceneNames().begin(), SceneNames().end(), source) != SceneNames().end();
+    return name == "noise" || name == "dust" || std::find(SceneNames().begin(), SceneNames().end(), source) != SceneNames().end();
 }
 
 } // namespace brix::benchmarks

@@ -5,6 +5,8 @@
 //   VisibilityAlongX      direction (1, 0, 0)              VisibilityAlongXBaseline
 //   VisibilityAlongZ      direction (0, 0, -1)             VisibilityAlongZBaseline
 //   VisibilityFromPoint   from beside the scene            VisibilityFromPointBaseline
+//   VisibilityCone        the same, 20 degrees along y     VisibilityConeBaseline: the same sweep, then a test of every voxel
+//   VisibilityPyramid     60 x 40 degrees along (1, 3, -1) VisibilityPyramidBaseline
 #include "Measure.h"
 #include "model/ForEachStack.h"
 #include "operations/BasicOperations.h"
@@ -127,6 +129,39 @@ void SeeDenselyFrom(DenseBytes& visible, const DenseBytes& filled, const Triple&
     }
 }
 
+// Of those, what lies where holds(x, y, z) says so, in voxels from the eye.
+template <class Holds> void SeeDenselyWithin(DenseBytes& visible, const DenseBytes& filled, const Triple& eye, const Holds& holds)
+{
+    SeeDenselyFrom(visible, filled, eye);
+    ForEachTriple({0, 0, 0}, Minus(filled.size, {1, 1, 1}), [&](const Triple& voxel) {
+        std::array<double, 3> offset{};
+        for (std::size_t i = 0; i < 3; ++i) offset[i] = static_cast<double>(voxel[i] - eye[i]);
+        const bool isWithin = voxel == eye || holds(offset[0], offset[1], offset[2]);
+        visible.bytes[visible.Number(voxel[0], voxel[1], voxel[2])] &= static_cast<std::uint8_t>(isWithin);
+    });
+}
+
+constexpr double HalfDegree = 3.14159265358979323846 / 360;
+constexpr double ConeAngle = 20;
+constexpr Triple CameraDirection{1, 3, -1};
+constexpr std::array<double, 2> CameraAngles{60, 40};
+
+bool IsInCone(double x, double y, double z)
+{
+    static const double cosine = std::cos(ConeAngle * HalfDegree);
+    return y >= cosine * std::sqrt(x * x + y * y + z * z);
+}
+
+// Forward is (1, 3, -1), to the right (3, -1, 0), up (1, 3, 10).
+bool IsInView(double x, double y, double z)
+{
+    static const double horizontal = std::tan(CameraAngles[0] * HalfDegree);
+    static const double vertical = std::tan(CameraAngles[1] * HalfDegree);
+    const double forward = (x + 3 * y - z) / std::sqrt(11);
+    return std::abs(3 * x - y) / std::sqrt(10) <= horizontal * forward &&
+           std::abs(x + 3 * y + 10 * z) / std::sqrt(110) <= vertical * forward;
+}
+
 VoxelModel<bool> ModelOf(const GriddedScene& scene)
 {
     VoxelModel<bool> model(scene.extents, Level);
@@ -183,9 +218,10 @@ void RegisterDirection(const std::string& name, const Triple& direction)
 // Voxel of the dense array, near the scene's lower x side in half its height.
 Triple EyeOf(const DenseBytes& filled) { return {filled.size[0] / 16, filled.size[1] / 3, filled.size[2] / 2}; }
 
-void RegisterPoint(const std::string& name)
+// see(model, point) and seeDensely(visible, filled, eye) look from the same place.
+template <class See, class SeeDensely> void RegisterPoint(const std::string& name, const See& see, const SeeDensely& seeDensely)
 {
-    const auto seeDensely = [](DenseBytes& visible, const DenseBytes& filled) { SeeDenselyFrom(visible, filled, EyeOf(filled)); };
+    const auto seeFromEye = [=](DenseBytes& visible, const DenseBytes& filled) { seeDensely(visible, filled, EyeOf(filled)); };
     constexpr std::array<std::int64_t, 2> resolutions{256, 512};
     RegisterForScenes(
         name,
@@ -193,23 +229,47 @@ void RegisterPoint(const std::string& name)
             const DenseBytes box(scene.FinestExtents());
             const Triple point = scene.axes.VoxelCenter(Plus(EyeOf(box), box.lower), Level);
             MeasureVisibility(
-                state, scene,
-                [&](const VoxelModel<bool>& model) {
-                    return VisibilityFromPoint(model, point, Level, std::int64_t{2'800'000'000}, Threshold, false);
-                },
-                seeDensely);
+                state, scene, [&](const VoxelModel<bool>& model) { return see(model, point); }, seeFromEye);
         },
         resolutions);
     RegisterForScenes(
-        name + "Baseline", [=](State& state, const GriddedScene& scene) { MeasureDensely(state, scene, seeDensely); },
+        name + "Baseline", [=](State& state, const GriddedScene& scene) { MeasureDensely(state, scene, seeFromEye); },
         resolutions);
+}
+
+void RegisterPoints()
+{
+    constexpr long long unlimited = 2'800'000'000;
+    RegisterPoint(
+        "VisibilityFromPoint",
+        [](const VoxelModel<bool>& model, const Triple& point) {
+            return VisibilityFromPoint(model, point, Level, unlimited, Threshold, false);
+        },
+        SeeDenselyFrom);
+    RegisterPoint(
+        "VisibilityCone",
+        [](const VoxelModel<bool>& model, const Triple& point) {
+            return VisibilityWithinCone(model, point, {0, 1, 0}, ConeAngle, Level, unlimited, Threshold, false);
+        },
+        [](DenseBytes& visible, const DenseBytes& filled, const Triple& eye) {
+            SeeDenselyWithin(visible, filled, eye, IsInCone);
+        });
+    RegisterPoint(
+        "VisibilityPyramid",
+        [](const VoxelModel<bool>& model, const Triple& point) {
+            return VisibilityWithinPyramid(model, point, CameraDirection, CameraAngles[0], CameraAngles[1], Level, unlimited,
+                                           Threshold, false);
+        },
+        [](DenseBytes& visible, const DenseBytes& filled, const Triple& eye) {
+            SeeDenselyWithin(visible, filled, eye, IsInView);
+        });
 }
 
 const bool AreRegistered = [] {
     RegisterDirection("VisibilityOblique", {3, 2, -5});
     RegisterDirection("VisibilityAlongX", {1, 0, 0});
     RegisterDirection("VisibilityAlongZ", {0, 0, -1});
-    RegisterPoint("VisibilityFromPoint");
+    RegisterPoints();
     return true;
 }();
 

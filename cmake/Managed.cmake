@@ -95,21 +95,21 @@ add_executable(brix_engine_alone EXCLUDE_FROM_ALL managed/BrixCLI.Benchmarks/Eng
 target_link_libraries(brix_engine_alone PRIVATE brix::engine)
 brix_set_warnings(brix_engine_alone)
 
-# Builds the tests with everything else and registers them.
+# Builds the whole solution with everything else, and registers its tests.
 function(brix_add_managed_tests)
     add_library(brix_other_abi MODULE "${PROJECT_SOURCE_DIR}/managed/BrixCLI.Tests/OtherAbi.cpp")
     brix_set_warnings(brix_other_abi)
     set(brix_managed_properties "-p:BrixOtherAbiLibrary=$<TARGET_FILE:brix_other_abi>")
     set(brix_managed_dependencies brix_other_abi)
+    brix_add_managed_program(brix_managed managed/BrixCLI.slnx managed/BrixCLI.Tests managed/BrixCLI.NetStandard.Tests
+        managed/BrixCLI.Benchmarks ${brix_sample})
+    set_property(TARGET brix_managed PROPERTY EXCLUDE_FROM_ALL FALSE)
     foreach(project IN ITEMS BrixCLI.Tests BrixCLI.NetStandard.Tests)
-        brix_add_managed_program(${project} managed/${project}/${project}.csproj managed/BrixCLI.Tests managed/${project})
-        set_property(TARGET ${project} PROPERTY EXCLUDE_FROM_ALL FALSE)
         add_test(NAME Managed.${project}
             COMMAND "${BRIX_DOTNET}" test "${BRIX_MANAGED_FOLDER}/bin/${project}/release/${project}.dll")
         set_tests_properties(Managed.${project} PROPERTIES TIMEOUT 600 ENVIRONMENT "DOTNET_NOLOGO=1;DOTNET_CLI_TELEMETRY_OPTOUT=1")
     endforeach()
     if(BRIX_BUILD_TOOLS)
-        set_property(TARGET brix_managed_sample PROPERTY EXCLUDE_FROM_ALL FALSE)
         add_test(NAME Managed.SamplesPrintTheSame
             COMMAND "${CMAKE_COMMAND}" "-DDOTNET=${BRIX_MANAGED_SAMPLE}" "-DCPP=$<TARGET_FILE:TypicalRequest>"
                 "-DSCENE=$<TARGET_FILE:brix>" "-DFOLDER=${BRIX_MANAGED_FOLDER}/samples"

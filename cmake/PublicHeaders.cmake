@@ -7,17 +7,25 @@ set(BRIX_INTERNAL_HEADERS
     model/ForEachStack.h
     model/InstructionSet.h
     model/PropagateChunk.h
+    operations/FilledBounds.h
     operations/LevelGrid.h
+    operations/MergedExtents.h
     operations/Neighbourhood.h
     operations/NeighbourhoodPass.h
     operations/PlateFlood.h
     operations/RebuildModel.h
+    operations/RegionLabels.h
     operations/SurfacePasses.h
+    travel/DistanceSearch.h
+    travel/LineWalk.h
+    travel/VoxelPainter.h
     triangles/BoxesOfStack.h
     triangles/ByteReader.h
+    triangles/HeightSweep.h
     triangles/Lanes.h
     triangles/PackWorldTriangles.h
     triangles/PackedTriangles.h
+    triangles/StackFaces.h
     triangles/StlFormats.h
     triangles/TextNumbers.h
     triangles/TriangleConditions.h
@@ -27,7 +35,9 @@ set(BRIX_INTERNAL_HEADERS
     visibility/BoxSweep.h
     visibility/Sight.h
     visibility/SightMask.h
+    visibility/SightOpening.h
     visibility/SightSphere.h
+    visibility/SightWedge.h
     visibility/StackView.h
     visibility/ValueCarrier.h
     visibility/VisibilitySweep.h)

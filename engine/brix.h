@@ -26,6 +26,8 @@
 
 #include "brix/triangles/StlFiles.h"
 
+#include "brix/triangles/Cuboidization.h"
+#include "brix/triangles/Solidization.h"
 #include "brix/triangles/Tessellation.h"
 #include "brix/triangles/Voxelization.h"
 
@@ -34,7 +36,14 @@
 #include "brix/operations/ProximityOperations.h"
 #include "brix/operations/SliceRows.h"
 #include "brix/operations/SolidOperations.h"
+#include "brix/operations/SpecialOperations.h"
 #include "brix/operations/SurfaceOperations.h"
 
 #include "brix/travel/PathModel.h"
+#include "brix/travel/TraversableGraph.h"
+
+#include "brix/travel/DistanceField.h"
+
+#include "brix/travel/Path.h"
+
 #include "brix/visibility/Visibility.h"

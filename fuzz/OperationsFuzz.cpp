@@ -4,8 +4,11 @@
 #include "operations/BasicOperations.h"
 #include "operations/FillOperations.h"
 #include "operations/SolidOperations.h"
+#include "operations/SpecialOperations.h"
 #include "operations/SurfaceOperations.h"
 #include "travel/PathModel.h"
+#include "triangles/Cuboidization.h"
+#include "triangles/Solidization.h"
 #include "triangles/Voxelization.h"
 #include "visibility/Visibility.h"
 
@@ -62,12 +65,52 @@ Voxels MakeModel(Bytes& bytes)
     return model;
 }
 
+void RequireWellFormed(const Voxels& model)
+{
+    const std::string reason = CheckInvariants(model, model.FinestLOD());
+    if (reason.empty()) return;
+    std::fprintf(stderr, "%s\n", reason.c_str());
+    std::abort();
+}
+
+void RequireEqual(std::int64_t value, std::int64_t expected)
+{
+    if (value != expected) std::abort();
+}
+
+// The regions have the voxels of the model between them, as have the cuboids and the solid inside the rectangles.
+void RequireSplit(const Voxels& model, const std::vector<Voxels>& regions)
+{
+    const std::int64_t lod = model.FinestLOD();
+    const std::int64_t filled = CountFilled(model, lod);
+    std::int64_t split = 0;
+    for (const Voxels& region : regions) {
+        RequireWellFormed(region);
+        split += CountFilled(region, lod);
+    }
+    RequireEqual(split, filled);
+
+    const auto volume = [](const Triple& size) { return size[0] * size[1] * size[2]; };
+    std::int64_t inCuboids = 0;
+    for (const VoxelCuboid& cuboid : CuboidizeVoxelModel(model, lod))
+        inCuboids += volume(Plus(Minus(cuboid.upper, cuboid.lower), {1, 1, 1}));
+    RequireEqual(inCuboids, filled);
+
+    std::int64_t inSolid = 0; // what the upward rectangles have below them, less what the downward ones have
+    for (const VoxelRectangle& rectangle : SolidizeVoxelModel(model, lod)) {
+        if (rectangle.axis != Axis::Z) continue;
+        const Triple size = Minus(rectangle.upper, rectangle.lower);
+        inSolid += size[0] * size[1] * rectangle.lower[2] * (rectangle.side == Side::Upper ? 1 : -1);
+    }
+    RequireEqual(inSolid, filled);
+}
+
 Voxels Change(const Voxels& model, Bytes& bytes)
 {
     const std::int64_t lod = model.FinestLOD();
     const bool flag = bytes.Below(2) == 1;
     const std::optional<Voxels> guide = bytes.Below(3) == 0 ? std::optional(Invert(model)) : std::nullopt;
-    switch (bytes.Below(11)) {
+    switch (bytes.Below(15)) {
     case 0:
         return ExpandAlongX(model, bytes.Small(), bytes.Small(), guide, flag);
     case 1:
@@ -89,18 +132,29 @@ Voxels Change(const Voxels& model, Bytes& bytes)
     case 9:
         return VisibilityFromDirection(model, {bytes.Take<std::int64_t>(), bytes.Small(), bytes.Small()}, lod,
                                        bytes.Small() / 64.0);
+    case 10:
+        return VisibilityWithinCone(model, {bytes.Take<std::int64_t>(), bytes.Small(), bytes.Small()},
+                                    {bytes.Take<std::int64_t>(), bytes.Small(), bytes.Small()},
+                                    bytes.Take<std::uint16_t>() / 128.0, lod, bytes.Take<std::int32_t>() % 400000,
+                                    bytes.Small() / 64.0, false);
+    case 11:
+        return VisibilityWithinPyramid(model, {bytes.Take<std::int32_t>(), bytes.Small(), bytes.Small()},
+                                       {bytes.Take<std::int64_t>(), bytes.Small(), bytes.Small()}, bytes.Small(), bytes.Small(),
+                                       lod, bytes.Take<std::int32_t>() % 400000, bytes.Small() / 64.0, flag);
+    case 12: {
+        std::vector<Voxels> regions = AutoSplit(model);
+        RequireSplit(model, regions);
+        return regions.empty() ? model : std::move(regions.back());
+    }
+    case 13: {
+        const Voxels other = AutoCrop(model);
+        return DensityMap({&model, &other}, {bytes.Take<double>(), bytes.Small() / 8.0}, {bytes.Take<double>()}, bytes.Below(4))
+            .front();
+    }
     default:
         return VisibilityFromPoint(model, {bytes.Take<std::int64_t>(), bytes.Take<std::int32_t>(), bytes.Take<std::int32_t>()},
                                    lod, bytes.Take<std::int32_t>() % 400000, bytes.Small() / 64.0, false);
     }
-}
-
-void RequireWellFormed(const Voxels& model)
-{
-    const std::string reason = CheckInvariants(model, model.FinestLOD());
-    if (reason.empty()) return;
-    std::fprintf(stderr, "%s\n", reason.c_str());
-    std::abort();
 }
 
 } // namespace

@@ -1,15 +1,30 @@
 #include "Require.h"
 
+#include <charconv>
+#include <cmath>
 #include <stdexcept>
 #include <string>
 
 namespace brix {
 namespace {
 
-[[noreturn]] void Throw(std::string_view quantity, std::string_view rule, std::int64_t value, const std::string& addition = ".")
+[[noreturn]] void Throw(std::string_view quantity, const std::string& rule, const std::string& value,
+                        const std::string& addition = ".")
 {
-    throw std::domain_error(std::string(quantity).append(rule) + ". The value encountered was " + std::to_string(value) +
-                            addition);
+    throw std::domain_error(std::string(quantity) + rule + ". The value encountered was " + value + addition);
+}
+
+[[noreturn]] void Throw(std::string_view quantity, const std::string& rule, std::int64_t value, const std::string& addition = ".")
+{
+    Throw(quantity, rule, std::to_string(value), addition);
+}
+
+// The shortest digits that name the double, whatever the locale.
+std::string ToText(double value)
+{
+    if (std::isnan(value)) return "NaN";
+    std::array<char, 32> digits;
+    return {digits.data(), std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr};
 }
 
 } // namespace
@@ -30,6 +45,22 @@ void ThrowBeyondFinest(std::string_view quantity, std::int64_t finestLOD, std::i
 {
     Throw(quantity, " must not exceed the finest level of detail in the voxel model", value,
           ". The finest level of detail in the voxel model is " + std::to_string(finestLOD) + ".");
+}
+
+void RequireNumberAbove(std::string_view quantity, std::int64_t limit, double value)
+{
+    if (!(value > static_cast<double>(limit))) Throw(quantity, " must be greater than " + std::to_string(limit), ToText(value));
+}
+
+void RequireNumberBelow(std::string_view quantity, std::int64_t limit, double value)
+{
+    if (!(value < static_cast<double>(limit))) Throw(quantity, " must be less than " + std::to_string(limit), ToText(value));
+}
+
+void RequireNumberAtMost(std::string_view quantity, std::int64_t limit, double value)
+{
+    if (!(value <= static_cast<double>(limit)))
+        Throw(quantity, " cannot be greater than " + std::to_string(limit), ToText(value));
 }
 
 void Require(bool condition, const char* sentence)

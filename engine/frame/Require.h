@@ -31,6 +31,14 @@ inline void RequireLessThan(std::string_view quantity, std::int64_t limit, std::
     if (value >= limit) ThrowNotLess(quantity, limit, value);
 }
 
+/// The same sentences for numbers that need not be whole. NaN fails each check.
+/// quantity " must be greater than " limit ". The value encountered was " value "."
+void RequireNumberAbove(std::string_view quantity, std::int64_t limit, double value);
+/// quantity " must be less than " limit ". The value encountered was " value "."
+void RequireNumberBelow(std::string_view quantity, std::int64_t limit, double value);
+/// quantity " cannot be greater than " limit ". The value encountered was " value "."
+void RequireNumberAtMost(std::string_view quantity, std::int64_t limit, double value);
+
 /// A level of detail that exists at all: not negative, then less than LevelCount.
 inline void RequireLevel(std::string_view quantity, std::int64_t value)
 {

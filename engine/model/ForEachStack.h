@@ -20,6 +20,16 @@ template <class VoxelModelType, class Visit> void ForEachStack(VoxelModelType& m
                   [&](const Triple& chunk) { ForEachStackOfStore(model.ChunkRef(chunk).VoxelStoreRef(lod), visit); });
 }
 
+/// The same for the chunks of one height, which must be among the model's.
+template <class VoxelModelType, class Visit>
+void ForEachStackOfLayer(VoxelModelType& model, std::int64_t lod, std::int64_t chunkZ, Visit visit)
+{
+    const Triple lower = model.LowerChunkIndices();
+    const Triple upper = model.UpperChunkIndices();
+    ForEachTriple({lower[0], lower[1], chunkZ}, {upper[0], upper[1], chunkZ},
+                  [&](const Triple& chunk) { ForEachStackOfStore(model.ChunkRef(chunk).VoxelStoreRef(lod), visit); });
+}
+
 /// Whether holds(store, ij) is true of every stack of a model at a level that the model holds. Stops at the first that is not.
 template <class Holds> bool AllStacks(const VoxelModel<bool>& model, std::int64_t lod, Holds holds)
 {

@@ -2,11 +2,10 @@
 
 namespace brix {
 
+const VoxelStack<bool> VoxelStore<bool>::Nothing;
+
 VoxelStore<bool>::VoxelStore(const Extents& extents, const Triple& lowerIndices)
-    : extents_(extents),
-      lowerIndices_(lowerIndices),
-      stacksPerRow_(std::int64_t{1} << extents.VoxelLOD()),
-      stacks_(static_cast<std::size_t>(stacksPerRow_ * stacksPerRow_))
+    : extents_(extents), lowerIndices_(lowerIndices), stacksPerRow_(std::int64_t{1} << extents.VoxelLOD())
 {
     const StackIndices lowest = ContainingStack(extents.LowerIndices());
     const StackIndices highest = ContainingStack(extents.UpperIndices());
@@ -14,6 +13,7 @@ VoxelStore<bool>::VoxelStore(const Extents& extents, const Triple& lowerIndices)
         lowerStack_[i] = std::max<std::int64_t>(lowest[i], 0);
         upperStack_[i] = std::min(highest[i], stacksPerRow_ - 1);
     }
+    stacks_.resize(StackNumber(upperStack_) + 1);
 }
 
 std::size_t VoxelStore<bool>::AllocatedBytes() const

@@ -1,9 +1,10 @@
-// The voxels of one chunk at one level L: a square of 2^L x 2^L stacks.
+// The voxels of one chunk at one level L: a square of 2^L x 2^L stacks, of which those are kept that the extents touch.
 #pragma once
 
 #include "../frame/Extents.h"
 #include "VoxelStack.h"
 
+#include <cassert>
 #include <vector>
 
 namespace brix {
@@ -24,7 +25,7 @@ public:
     /// Stacks in a row of the store, 2^L.
     std::int64_t StacksPerRow() const { return stacksPerRow_; }
 
-    /// The stacks that the extents touch, inclusive. Only these are ever written.
+    /// The stacks that the extents touch, inclusive. Only these are kept; the others are empty.
     StackIndices LowerStack() const { return lowerStack_; }
     StackIndices UpperStack() const { return upperStack_; }
     bool IsStackValid(const StackIndices& ij) const
@@ -32,9 +33,16 @@ public:
         return lowerStack_[0] <= ij[0] && ij[0] <= upperStack_[0] && lowerStack_[1] <= ij[1] && ij[1] <= upperStack_[1];
     }
 
-    /// The stack of column i and row j, each 0 .. StacksPerRow() - 1.
-    VoxelStack<bool>& VoxelStackRef(const StackIndices& ij) { return stacks_[StackNumber(ij)]; }
-    const VoxelStack<bool>& VoxelStackRef(const StackIndices& ij) const { return stacks_[StackNumber(ij)]; }
+    /// The stack of column i and row j, each 0 .. StacksPerRow() - 1. To be written, it must be valid.
+    VoxelStack<bool>& VoxelStackRef(const StackIndices& ij)
+    {
+        assert(IsStackValid(ij));
+        return stacks_[StackNumber(ij)];
+    }
+    const VoxelStack<bool>& VoxelStackRef(const StackIndices& ij) const
+    {
+        return IsStackValid(ij) ? stacks_[StackNumber(ij)] : Nothing;
+    }
 
     /// Voxel indices of the chunk's, and of a stack's, corners.
     Triple LowerIndices() const { return lowerIndices_; }
@@ -61,14 +69,20 @@ public:
     std::size_t AllocatedBytes() const;
 
 private:
-    std::size_t StackNumber(const StackIndices& ij) const { return static_cast<std::size_t>(ij[1] * stacksPerRow_ + ij[0]); }
+    static const VoxelStack<bool> Nothing;
+
+    std::size_t StackNumber(const StackIndices& ij) const
+    {
+        return static_cast<std::size_t>((ij[1] - lowerStack_[1]) * (upperStack_[0] - lowerStack_[0] + 1) + ij[0] -
+                                        lowerStack_[0]);
+    }
 
     Extents extents_;
     Triple lowerIndices_;
     std::int64_t stacksPerRow_;
     StackIndices lowerStack_;
     StackIndices upperStack_;
-    std::vector<VoxelStack<bool>> stacks_;
+    std::vector<VoxelStack<bool>> stacks_; // the valid ones, row by row
 };
 
 } // namespace brix

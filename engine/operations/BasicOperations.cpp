@@ -3,6 +3,7 @@
 #include "../frame/Require.h"
 #include "../model/ForEachStack.h"
 #include "../model/InstructionSet.h"
+#include "FilledBounds.h"
 #include "RebuildModel.h"
 
 #include <utility>
@@ -40,42 +41,14 @@ bool IsFullInside(const Stack& stack, const Triple& lower, const Triple& upper)
     return true;
 }
 
-// Widens lower..upper, voxel indices, by the filled voxels of a stack.
-void AddFilled(const Store& store, const StackIndices& ij, Triple& lower, Triple& upper)
-{
-    const Stack& stack = store.VoxelStackRef(ij);
-    if (stack.IsUnallocated()) return;
-    VoxelPlate<bool> anyPlate;
-    std::int64_t lowerZ = Stack::Height;
-    std::int64_t upperZ = -1;
-    for (std::int32_t layer = 0; layer < stack.LayerCount(); ++layer) {
-        const VoxelPlate<bool>& plate = stack.LayerVoxelPlateRef(layer);
-        if (IsEmpty(plate)) continue;
-        anyPlate = anyPlate | plate;
-        lowerZ = std::min(lowerZ, stack.LowerOffset(layer));
-        upperZ = stack.UpperOffset(layer);
-    }
-    unsigned anyRow = 0;
-    std::int64_t lowerY = Stack::Side;
-    std::int64_t upperY = -1;
-    for (std::size_t y = 0; y < anyPlate.rows.size(); ++y) {
-        if (anyPlate.rows[y] == 0) continue;
-        anyRow |= anyPlate.rows[y];
-        lowerY = std::min(lowerY, static_cast<std::int64_t>(y));
-        upperY = static_cast<std::int64_t>(y);
-    }
-    const Triple corner = store.LowerIndices(ij);
-    lower = Lowest(lower, Plus(corner, {std::countr_zero(anyRow), lowerY, lowerZ}));
-    upper = Highest(upper, Plus(corner, {static_cast<std::int64_t>(std::bit_width(anyRow)) - 1, upperY, upperZ}));
-}
-
 Extents FilledExtents(const VoxelModel<bool>& model)
 {
     const Extents& extents = model.ExtentsRef(model.FinestLOD());
     Triple lower = extents.UpperIndices();
     Triple upper = extents.LowerIndices();
-    ForEachStack(model, model.FinestLOD(),
-                 [&](const Store& store, const StackIndices& ij) { AddFilled(store, ij, lower, upper); });
+    ForEachStack(model, model.FinestLOD(), [&](const Store& store, const StackIndices& ij) {
+        WidenByFilled(store.VoxelStackRef(ij), store.LowerIndices(ij), lower, upper);
+    });
     if (lower[0] > upper[0] || IsEmpty(model, model.FinestLOD())) {
         for (std::size_t i = 0; i < 3; ++i) {
             const std::int64_t size = extents.UpperIndices()[i] - extents.LowerIndices()[i];

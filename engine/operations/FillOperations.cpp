@@ -127,7 +127,7 @@ void Flood::AddStack(const Stack& obstacles, StackRuns& stack)
 
 void Flood::EnterVoxel(const Triple& voxel)
 {
-    const Triple stack{FloorDivide(voxel[0], 16), FloorDivide(voxel[1], 16), FloorDivide(voxel[2], 64)};
+    const Triple stack = LevelGrid::ContainingStack(voxel);
     const Triple offset = Minus(voxel, {16 * stack[0], 16 * stack[1], 64 * stack[2]});
     const std::array<std::int64_t, 2> xy{offset[0], offset[1]};
     EnterRuns(Number(stack), Heights{1} << offset[2], Box(xy, xy));

@@ -5,26 +5,18 @@
 #include <utility>
 
 namespace brix {
-namespace {
-
-Triple StackOfVoxel(const Triple& voxel)
-{
-    return {FloorDivide(voxel[0], 16), FloorDivide(voxel[1], 16), FloorDivide(voxel[2], 64)};
-}
-
-} // namespace
 
 const VoxelStack<bool> LevelGrid::Nothing;
 
 LevelGrid::LevelGrid(const VoxelModel<bool>& model, const Extents& extents)
     : extents_(extents),
-      lower_(StackOfVoxel(extents.LowerIndices())),
-      upper_(StackOfVoxel(extents.UpperIndices())),
+      lower_(ContainingStack(extents.LowerIndices())),
+      upper_(ContainingStack(extents.UpperIndices())),
       size_(Plus(Minus(upper_, lower_), {1, 1, 1})),
       stacks_(static_cast<std::size_t>(size_[0] * size_[1] * size_[2]), &Nothing)
 {
     ForEachStack(model, extents.VoxelLOD(), [&](const VoxelStore<bool>& store, const StackIndices& ij) {
-        const Triple stack = StackOfVoxel(store.LowerIndices(ij));
+        const Triple stack = ContainingStack(store.LowerIndices(ij));
         if (IsWithin(stack, lower_, upper_)) stacks_[Number(stack)] = &store.VoxelStackRef(ij);
     });
 }
@@ -34,7 +26,7 @@ VoxelModel<bool> LevelGrid::TakeModel()
     const std::int64_t lod = extents_.VoxelLOD();
     VoxelModel<bool> model(extents_, lod);
     ForEachStack(model, lod, [&](VoxelStore<bool>& store, const StackIndices& ij) {
-        const std::size_t number = Number(StackOfVoxel(store.LowerIndices(ij)));
+        const std::size_t number = Number(ContainingStack(store.LowerIndices(ij)));
         if (owned_.empty())
             store.VoxelStackRef(ij) = *stacks_[number];
         else

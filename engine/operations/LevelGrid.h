@@ -50,15 +50,24 @@ public:
     /// A model on the extents whose finest level holds the grid's stacks, which are gone afterwards; coarser levels are left empty.
     VoxelModel<bool> TakeModel();
 
-private:
-    static const VoxelStack<bool> Nothing;
+    /// The stack that holds a voxel of the grid's level.
+    static Triple ContainingStack(const Triple& voxelIndices)
+    {
+        return {FloorDivide(voxelIndices[0], 16), FloorDivide(voxelIndices[1], 16), FloorDivide(voxelIndices[2], 64)};
+    }
 
-    static Triple Corner(const Triple& stack) { return {16 * stack[0], 16 * stack[1], 64 * stack[2]}; }
+    /// The stacks are numbered from 0 to StackCount() - 1: x innermost, then y, then z.
+    std::size_t StackCount() const { return stacks_.size(); }
     std::size_t Number(const Triple& stack) const
     {
         const Triple offset = Minus(stack, lower_);
         return static_cast<std::size_t>((offset[2] * size_[1] + offset[1]) * size_[0] + offset[0]);
     }
+
+private:
+    static const VoxelStack<bool> Nothing;
+
+    static Triple Corner(const Triple& stack) { return {16 * stack[0], 16 * stack[1], 64 * stack[2]}; }
 
     Extents extents_;
     Triple lower_;

@@ -18,6 +18,7 @@ template <class Source> VoxelModel<bool> TransferOneLevel(Source& source, const 
                       auto& from = source.ChunkRef(chunkIndices).VoxelStoreRef(lod);
                       ForEachStackOfStore(result.ChunkRef(chunkIndices).VoxelStoreRef(lod),
                                           [&](VoxelStore<bool>& to, const StackIndices& ij) {
+                                              if (!from.IsStackValid(ij)) return;
                                               VoxelStack<bool>& stack = to.VoxelStackRef(ij);
                                               stack = std::move(from.VoxelStackRef(ij));
                                               stack.FillOutsideBox(to.LowerOffset(ij), to.UpperOffset(ij), false);

@@ -6,9 +6,9 @@
 #include "../model/InstructionSet.h"
 #include "../model/PropagateLevel.h"
 #include "BasicOperations.h"
+#include "MergedExtents.h"
 #include "RebuildModel.h"
 
-#include <optional>
 #include <utility>
 
 namespace brix {
@@ -17,47 +17,6 @@ namespace {
 using Plate = VoxelPlate<bool>;
 using Store = VoxelStore<bool>;
 using Stack = VoxelStack<bool>;
-using ModelPointers = std::vector<const VoxelModel<bool>*>;
-
-struct IndexBox
-{
-    Triple lower;
-    Triple upper;
-
-    bool IsEmpty() const { return lower[0] > upper[0] || lower[1] > upper[1] || lower[2] > upper[2]; }
-    Extents ToExtents(const Axes& axes, std::int64_t lod) const { return Extents(axes, lower, upper, lod); }
-};
-
-void RequireSameAxes(const ModelPointers& models)
-{
-    for (const VoxelModel<bool>* model : models) Require(model != nullptr, "No voxel model to be merged can be null.");
-    for (const VoxelModel<bool>* model : models) {
-        Require(model->AxesRef() == models.front()->AxesRef(), "The axes must be the same for all voxel models to be merged.");
-    }
-}
-
-// The box that holds all models at a level.
-Extents BoundingExtents(const ModelPointers& models, std::int64_t lod)
-{
-    IndexBox box{{MaxCoordinate, MaxCoordinate, MaxCoordinate}, {-MaxCoordinate, -MaxCoordinate, -MaxCoordinate}};
-    for (const VoxelModel<bool>* model : models) {
-        const Extents extents = model->ExtentsRef(model->FinestLOD()).RescaledCopy(lod);
-        box = {Lowest(box.lower, extents.LowerIndices()), Highest(box.upper, extents.UpperIndices())};
-    }
-    return box.ToExtents(models.front()->AxesRef(), lod);
-}
-
-// The box that all models share at a level, if they do.
-std::optional<Extents> CommonExtents(const ModelPointers& models, std::int64_t lod)
-{
-    IndexBox box{{-MaxCoordinate, -MaxCoordinate, -MaxCoordinate}, {MaxCoordinate, MaxCoordinate, MaxCoordinate}};
-    for (const VoxelModel<bool>* model : models) {
-        const Extents extents = model->ExtentsRef(model->FinestLOD()).RescaledCopy(lod);
-        box = {Highest(box.lower, extents.LowerIndices()), Lowest(box.upper, extents.UpperIndices())};
-    }
-    if (box.IsEmpty()) return std::nullopt;
-    return box.ToExtents(models.front()->AxesRef(), lod);
-}
 
 // Replaces every stack of `target` that lies in a chunk of `other`, too, by combine(stack, the other's stack).
 template <class Combine>

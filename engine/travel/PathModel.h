@@ -33,6 +33,20 @@ public:
     /// Filled where the agent may stand, its lowest voxel there; the finest level is VoxelLOD().
     const VoxelModel<bool>& TraversableVoxels() const { return traversable_; }
 
+    /// Points (base units, centres of voxels) spread over the traversable voxels: one on every connected floor of every cell of a
+    /// horizontal grid, where the body has room.
+    /// `spacing`      width of a cell in base units; the grid starts at the frame's origin. Voxels belong to the cell of their centre
+    /// `minDiameter`  in voxels, at least 1: points stand on what ReduceHorizontally leaves of the traversable voxels with it
+    /// A floor is what steps connect within the cell; of its voxels left, the one whose centre is nearest to the cell's in plan is
+    /// taken, of several the one of the lowest y, x and z. Cells come row by row (y), along x, the floors of one in the order of their
+    /// first voxels.
+    /// Throws std::domain_error when the diameter is less than 1, when the spacing is less than a voxel's width, when the grid has more
+    /// than SampleGridLimit cells, and when a cell is wider than the index space (2 * MaxHorizontalExtent voxels of the level).
+    /// Cost: a few passes over the traversable voxels.
+    std::vector<Triple> GenerateSamplePoints(std::int64_t spacing, std::int64_t minDiameter) const;
+
+    static constexpr std::int64_t SampleGridLimit = std::int64_t{1} << 24;
+
 private:
     const VoxelModel<bool>* environment_; // not owned
     VoxelModel<bool> traversable_;

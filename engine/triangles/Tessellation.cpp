@@ -22,44 +22,78 @@ constexpr std::array<std::array<std::size_t, 3>, 12> BoxTriangles{{
     {2, 6, 3},
     {3, 6, 7}, // upper y
 }};
+constexpr auto TrianglesPerBox = static_cast<std::int64_t>(BoxTriangles.size());
 
-// A box of voxel indices, lower corners inclusive, upper exclusive, at an address in the output.
-void WriteBox(WorldTriangle* output, const Axes& axes, const Triple& lower, const Triple& upper)
+std::array<std::int32_t, 3> Narrowed(const Triple& indices)
 {
-    std::array<std::array<double, 3>, 8> corners;
-    for (std::size_t k = 0; k < 8; ++k) {
-        corners[k] =
-            axes.ToWorldCoordinates({k & 1 ? upper[0] : lower[0], k & 2 ? upper[1] : lower[1], k & 4 ? upper[2] : lower[2]});
-    }
-    for (const auto& [a, b, c] : BoxTriangles) *output++ = {corners[a], corners[b], corners[c]};
+    return {static_cast<std::int32_t>(indices[0]), static_cast<std::int32_t>(indices[1]), static_cast<std::int32_t>(indices[2])};
 }
 
 } // namespace
 
-void TessellateVoxelModel(std::vector<WorldTriangle>& triangles, const VoxelModel<bool>& model, std::int64_t lod)
+Tessellation::Tessellation(const VoxelModel<bool>& model, std::int64_t lod)
+    : axes_(model.AxesRef()), voxelSize_(axes_.VoxelSize(lod))
 {
     RequireLevelOf(model.FinestLOD(), "The level of detail for voxel tessellation", lod);
 
-    const Axes& axes = model.AxesRef();
-    const Triple size = axes.VoxelSize(lod);
-    const auto scaled = [&](const Triple& indices) {
-        return Triple{indices[0] * size[0], indices[1] * size[1], indices[2] * size[2]};
-    };
-
+    // Counted first: a list that grows would be copied again and again.
     std::size_t boxCount = 0;
     ForEachStack(model, lod, [&](const VoxelStore<bool>& store, const StackIndices& ij) {
         ForEachBoxOfStack(store.VoxelStackRef(ij), [&](const Triple&, const Triple&) { ++boxCount; });
     });
-    const std::size_t first = triangles.size();
-    triangles.resize(first + BoxTriangles.size() * boxCount);
-    WorldTriangle* output = triangles.data() + first;
+    boxes_.reserve(boxCount);
     ForEachStack(model, lod, [&](const VoxelStore<bool>& store, const StackIndices& ij) {
         const Triple corner = store.LowerIndices(ij);
         ForEachBoxOfStack(store.VoxelStackRef(ij), [&](const Triple& lower, const Triple& upper) {
-            WriteBox(output, axes, scaled(Plus(corner, lower)), scaled(Plus(corner, upper)));
-            output += BoxTriangles.size();
+            boxes_.push_back({Narrowed(Plus(corner, lower)), Narrowed(Plus(corner, upper))});
         });
     });
+}
+
+std::int64_t Tessellation::TriangleCount() const { return TrianglesPerBox * static_cast<std::int64_t>(boxes_.size()); }
+
+// The frame turns about z, so that four of the corners have all the coordinates of the eight.
+void Tessellation::WriteBox(const Box& box, WorldTriangle* output) const
+{
+    std::array<std::array<double, 3>, 8> corners;
+    for (std::size_t k = 0; k < 4; ++k) {
+        corners[k] = axes_.ToWorldCoordinates({(k & 1 ? box.upper[0] : box.lower[0]) * voxelSize_[0],
+                                               (k & 2 ? box.upper[1] : box.lower[1]) * voxelSize_[1],
+                                               (k & 2 ? box.upper[2] : box.lower[2]) * voxelSize_[2]});
+        corners[k + 4] = corners[k];
+    }
+    for (std::size_t k = 0; k < 2; ++k) {
+        std::swap(corners[k + 2][2], corners[k + 4][2]);
+    }
+    for (const auto& [a, b, c] : BoxTriangles) *output++ = {corners[a], corners[b], corners[c]};
+}
+
+void Tessellation::CopyTriangles(std::int64_t first, std::int64_t count, WorldTriangle* destination) const
+{
+    // A part may begin and end inside a box.
+    for (const std::int64_t end = first + count; first < end;) {
+        const Box& box = boxes_[static_cast<std::size_t>(first / TrianglesPerBox)];
+        const std::int64_t skipped = first % TrianglesPerBox;
+        if (skipped == 0 && end - first >= TrianglesPerBox) {
+            WriteBox(box, destination);
+            destination += TrianglesPerBox;
+            first += TrianglesPerBox;
+            continue;
+        }
+        std::array<WorldTriangle, BoxTriangles.size()> whole;
+        WriteBox(box, whole.data());
+        const std::int64_t taken = std::min(TrianglesPerBox - skipped, end - first);
+        destination = std::copy_n(whole.begin() + skipped, taken, destination);
+        first += taken;
+    }
+}
+
+void TessellateVoxelModel(std::vector<WorldTriangle>& triangles, const VoxelModel<bool>& model, std::int64_t lod)
+{
+    const Tessellation tessellation(model, lod);
+    const std::size_t before = triangles.size();
+    triangles.resize(before + static_cast<std::size_t>(tessellation.TriangleCount()));
+    tessellation.CopyTriangles(0, tessellation.TriangleCount(), triangles.data() + before);
 }
 
 } // namespace brix

@@ -12,4 +12,31 @@ namespace brix {
 /// Throws std::domain_error when the level is negative or beyond the model's finest one. Cost: proportional to the stored layers.
 void TessellateVoxelModel(std::vector<WorldTriangle>& triangles, const VoxelModel<bool>& model, std::int64_t lod);
 
+/// The same triangles, counted at once and computed when they are copied, to memory of any kind and in parts of any size. It holds 24
+/// bytes for every twelve triangles, which take 864.
+class Tessellation
+{
+public:
+    /// Throws as TessellateVoxelModel. Does not refer to the model afterwards.
+    Tessellation(const VoxelModel<bool>& model, std::int64_t lod);
+
+    std::int64_t TriangleCount() const;
+
+    /// Writes the triangles `first` to `first + count - 1`, which must exist.
+    void CopyTriangles(std::int64_t first, std::int64_t count, WorldTriangle* destination) const;
+
+private:
+    // Voxel indices of the level, which fit 32 bits in every model; `upper` is exclusive.
+    struct Box
+    {
+        std::array<std::int32_t, 3> lower;
+        std::array<std::int32_t, 3> upper;
+    };
+    void WriteBox(const Box& box, WorldTriangle* output) const;
+
+    Axes axes_;
+    Triple voxelSize_;
+    std::vector<Box> boxes_;
+};
+
 } // namespace brix

@@ -32,6 +32,26 @@ struct BoxSweep
         const auto along = [&](std::size_t i) { return order[i] == Side::Upper ? first[i] + steps[i] : last[i] - steps[i]; };
         return {16 * along(0), 16 * along(1), 64 * along(2)};
     }
+
+    /// All of the box whose values may depend on a part of it: that part, and what lies behind it.
+    std::array<Triple, 2> Behind(Triple partLower, Triple partUpper) const
+    {
+        for (std::size_t i = 0; i < 3; ++i) {
+            if (order[i] == Side::Upper)
+                partUpper[i] = upper[i];
+            else
+                partLower[i] = lower[i];
+        }
+        return {partLower, partUpper};
+    }
+
+    /// Whether something may be marked in a part of the box or behind it; what enters other parts need not be known.
+    bool IsNeeded(const Triple& partLower, const Triple& partUpper) const
+    {
+        if (mask == nullptr) return true;
+        const auto [first, last] = Behind(partLower, partUpper);
+        return mask->HoldsAny(first, last);
+    }
 };
 
 /// Adds what is visible in one stack, as the sweep sees it, to the model. `corner` is the stack's lower corner.
@@ -45,7 +65,7 @@ void SweepStack(VoxelModel<bool>& result, const VoxelModel<bool>& model, std::in
 {
     const Triple lower = Highest(sweep.lower, corner);
     const Triple upper = Lowest(sweep.upper, Plus(corner, {15, 15, 63}));
-    if (sweep.mask != nullptr && !sweep.mask->IsNeeded(lower, upper)) return;
+    if (!sweep.IsNeeded(lower, upper)) return;
 
     StackView view(ConstStackIterator(model, corner, lod).VoxelStackRef(), Minus(lower, corner), Minus(upper, corner),
                    sweep.order);

@@ -110,14 +110,35 @@ std::vector<Range> RangesFrom(std::int64_t eye, std::int64_t lower, std::int64_t
     return ranges;
 }
 
+// Takes off the far side of a box what is not needed along an axis; halving finds how far the needed part goes.
+void CutFarSide(BoxSweep& sweep, std::size_t axis)
+{
+    const bool isUpper = sweep.order[axis] == Side::Upper;
+    const std::int64_t first = isUpper ? sweep.lower[axis] : sweep.upper[axis];
+    std::int64_t needed = 0;
+    std::int64_t notNeeded = sweep.upper[axis] - sweep.lower[axis] + 1;
+    while (notNeeded - needed > 1) {
+        const std::int64_t steps = needed + (notNeeded - needed) / 2;
+        Triple lower = sweep.lower;
+        Triple upper = sweep.upper;
+        (isUpper ? lower : upper)[axis] = isUpper ? first + steps : first - steps;
+        (sweep.IsNeeded(lower, upper) ? needed : notNeeded) = steps;
+    }
+    (isUpper ? sweep.upper : sweep.lower)[axis] = isUpper ? first + needed : first - needed;
+}
+
+// The octants around the eye, without those in which nothing may be marked.
 std::vector<BoxSweep> OctantsFrom(const Triple& eye, const PointOfView& view)
 {
     std::vector<BoxSweep> octants;
     for (const Range& x : RangesFrom(eye[0], view.lower[0], view.upper[0])) {
         for (const Range& y : RangesFrom(eye[1], view.lower[1], view.upper[1])) {
             for (const Range& z : RangesFrom(eye[2], view.lower[2], view.upper[2])) {
-                octants.push_back(
-                    {{x.lower, y.lower, z.lower}, {x.upper, y.upper, z.upper}, {x.side, y.side, z.side}, view.mask, eye});
+                BoxSweep octant{
+                    {x.lower, y.lower, z.lower}, {x.upper, y.upper, z.upper}, {x.side, y.side, z.side}, view.mask, eye};
+                if (!octant.IsNeeded(octant.lower, octant.upper)) continue;
+                for (std::size_t axis = 0; axis < 3; ++axis) CutFarSide(octant, axis);
+                octants.push_back(octant);
             }
         }
     }
@@ -163,12 +184,13 @@ void MarkFromPoint(VoxelModel<bool>& result, const VoxelModel<bool>& model, cons
                    InstructionSet instructionSet)
 {
     if (MarksNothing(view.threshold) || Lowest(view.lower, view.upper) != view.lower) return;
-    if (view.threshold <= 0) {
-        const BoxSweep sweep{view.lower, view.upper, {Side::Upper, Side::Upper, Side::Upper}, view.mask};
-        return SweepBox(result, model, lod, sweep, EverythingCarrier());
-    }
     const Triple eye = model.AxesRef().ContainingVoxel(view.point, lod);
-    for (const BoxSweep& octant : OctantsFrom(eye, view)) {
+    const std::vector<BoxSweep> octants = OctantsFrom(eye, view);
+    if (view.threshold <= 0) {
+        for (const BoxSweep& octant : octants) SweepBox(result, model, lod, octant, EverythingCarrier());
+        return;
+    }
+    for (const BoxSweep& octant : octants) {
         const PointWeights weights(model.AxesRef(), view.point, eye, lod, octant.order);
         SweepBox(result, model, lod, octant, ValueCarrier(weights, octant.StackCount(), view.threshold, instructionSet));
     }

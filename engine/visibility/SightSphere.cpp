@@ -45,7 +45,7 @@ std::int64_t SightSphere::Remaining(std::int64_t square, std::int64_t offset) co
     return square - offset * offset;
 }
 
-bool SightSphere::IsNeeded(const Triple& lower, const Triple& upper) const
+bool SightSphere::HoldsAny(const Triple& lower, const Triple& upper) const
 {
     std::int64_t square = radius_ * radius_;
     for (std::size_t i = 0; i < 3; ++i) {

@@ -17,7 +17,7 @@ public:
     const Triple& LowerIndices() const { return lower_; }
     const Triple& UpperIndices() const { return upper_; }
 
-    bool IsNeeded(const Triple& lower, const Triple& upper) const override;
+    bool HoldsAny(const Triple& lower, const Triple& upper) const override;
     bool HoldsAll(const Triple& lower, const Triple& upper) const override;
     VoxelPlate<bool> PlateAt(const Triple& corner) const override;
 

@@ -4,10 +4,10 @@
 #include "../model/PropagateLevel.h"
 #include "../operations/BasicOperations.h"
 #include "Sight.h"
+#include "SightOpening.h"
 #include "SightSphere.h"
 
 #include <optional>
-#include <utility>
 
 namespace brix {
 namespace {
@@ -27,37 +27,100 @@ Extents ExtentsWith(const Extents& extents, const Triple& voxel)
                    extents.VoxelLOD());
 }
 
-// The box of the sphere within the index space; if it does not reach it, the voxel that is nearest to the point.
-Extents ExtentsOfSphere(const Axes& axes, const Triple& point, std::int64_t lod, std::int64_t radius)
+Triple Held(const Triple& point)
+{
+    return {NearestCoordinate(point[0]), NearestCoordinate(point[1]), NearestCoordinate(point[2])};
+}
+
+// The voxels within so many base units of a point along each axis, and within the index space; if there are none, the voxel that is
+// nearest to the point.
+Extents ExtentsAround(const Axes& axes, const Triple& point, std::int64_t lod, const sight::SightReach& reach)
 {
     const std::int64_t horizontal = MaxHorizontalExtent(lod);
     const std::int64_t vertical = MaxVerticalExtent(axes.VerticalLOD());
     const Triple lowest{-horizontal, -horizontal, -vertical};
     const Triple highest{horizontal - 1, horizontal - 1, vertical - 1};
 
-    const Triple centre{NearestCoordinate(point[0]), NearestCoordinate(point[1]), NearestCoordinate(point[2])};
-    const Triple lower = Highest(lowest, axes.ContainingVoxel(Minus(centre, {radius, radius, radius}), lod));
-    const Triple upper = Lowest(highest, axes.ContainingVoxel(Plus(centre, {radius, radius, radius}), lod));
+    const Triple centre = Held(point);
+    const Triple lower = Highest(lowest, axes.ContainingVoxel(Minus(centre, reach.towardsLower), lod));
+    const Triple upper = Lowest(highest, axes.ContainingVoxel(Plus(centre, reach.towardsUpper), lod));
     if (Lowest(lower, upper) == lower) return Extents(axes, lower, upper, lod);
     const Triple nearest = Highest(lowest, Lowest(highest, axes.ContainingVoxel(centre, lod)));
     return Extents(axes, nearest, nearest, lod);
 }
 
-VoxelModel<bool> VisibleFromPoint(const VoxelModel<bool>& model, const Triple& point, std::int64_t lod, std::int64_t maxRadius,
-                                  double threshold)
+struct View
 {
-    const Extents& extents = model.ExtentsRef(lod);
-    VoxelModel<bool> result(extents, lod);
-    sight::PointOfView view{point, threshold, extents.LowerIndices(), extents.UpperIndices()};
+    Triple point;
+    std::int64_t lod;
+    std::int64_t maxRadius;
+    double threshold;
+    const sight::SightOpening* opening; // null: all around
+
+    bool IsLimited() const { return maxRadius < UnlimitedRadius; }
+
+    sight::SightReach ReachOfSphere() const { return {{maxRadius, maxRadius, maxRadius}, {maxRadius, maxRadius, maxRadius}}; }
+    sight::SightReach Reach() const { return opening != nullptr ? sight::ReachOf(opening->Cap(), maxRadius) : ReachOfSphere(); }
+};
+
+VoxelModel<bool> VisibleInExtents(const VoxelModel<bool>& model, const View& view)
+{
+    const Axes& axes = model.AxesRef();
+    const Extents& extents = model.ExtentsRef(view.lod);
+    VoxelModel<bool> result(extents, view.lod);
+    sight::PointOfView sight{view.point, view.threshold, extents.LowerIndices(), extents.UpperIndices(), view.opening};
     std::optional<sight::SightSphere> sphere;
-    if (maxRadius < UnlimitedRadius) {
-        sphere.emplace(model.AxesRef(), point, lod, maxRadius);
-        view.mask = &*sphere;
-        view.lower = Highest(view.lower, sphere->LowerIndices());
-        view.upper = Lowest(view.upper, sphere->UpperIndices());
+    std::optional<sight::BothMasks> both;
+    if (view.IsLimited()) {
+        sphere.emplace(axes, view.point, view.lod, view.maxRadius);
+        if (view.opening != nullptr) both.emplace(*sphere, *view.opening);
+        sight.mask = both ? static_cast<const sight::SightMask*>(&*both) : &*sphere;
+        const sight::SightReach reach = view.Reach();
+        const Triple centre = Held(view.point);
+        sight.lower = Highest(Highest(sight.lower, sphere->LowerIndices()),
+                              axes.ContainingVoxel(Minus(centre, reach.towardsLower), view.lod));
+        sight.upper =
+            Lowest(Lowest(sight.upper, sphere->UpperIndices()), axes.ContainingVoxel(Plus(centre, reach.towardsUpper), view.lod));
     }
-    sight::MarkFromPoint(result, model, view, lod, FastestInstructionSet());
+    sight::MarkFromPoint(result, model, sight, view.lod, FastestInstructionSet());
     return result;
+}
+
+// What is seen beyond the model's extents, too. Where nothing is, the result does not tell what has been left out of the sphere.
+VoxelModel<bool> VisibleBeyondExtents(const VoxelModel<bool>& model, const View& view)
+{
+    const Axes& axes = model.AxesRef();
+    const Extents extents = view.IsLimited()
+                                ? ExtentsAround(axes, view.point, view.lod, view.ReachOfSphere())
+                                : ExtentsWith(model.ExtentsRef(view.lod), axes.ContainingVoxel(view.point, view.lod));
+    const Extents needed = view.IsLimited() ? ExtentsAround(axes, view.point, view.lod, view.Reach()) : extents;
+    const VoxelModel<bool> visible = VisibleInExtents(Resize(model, needed), view);
+    return AutoCrop(IsEmpty(visible, view.lod) ? VoxelModel<bool>(extents, view.lod) : visible);
+}
+
+VoxelModel<bool> VisibleFromPoint(const VoxelModel<bool>& model, const View& view, bool autoAdjustExtents)
+{
+    if (autoAdjustExtents) return VisibleBeyondExtents(model, view);
+    VoxelModel<bool> result = VisibleInExtents(model, view);
+    PropagateLevel(result, view.lod);
+    return result;
+}
+
+void RequireDirection(const Triple& direction)
+{
+    Require(direction != Triple{}, "The direction for visibility computation cannot be [0, 0, 0].");
+}
+
+void RequirePyramidAngle(std::string_view quantity, double angle)
+{
+    RequireNumberAbove(quantity, 0, angle);
+    RequireNumberBelow(quantity, 180, angle);
+}
+
+void RequireLevelAndRadius(const VoxelModel<bool>& model, std::int64_t lod, std::int64_t maxRadius)
+{
+    RequireVisibilityLevel(model, lod);
+    RequireNotNegative("The maximum radius for visibility computation", maxRadius);
 }
 
 } // namespace
@@ -65,7 +128,7 @@ VoxelModel<bool> VisibleFromPoint(const VoxelModel<bool>& model, const Triple& p
 VoxelModel<bool> VisibilityFromDirection(const VoxelModel<bool>& voxelModel, const std::array<std::int64_t, 3>& direction,
                                          long long lod, double threshold)
 {
-    Require(direction != Triple{}, "The direction for visibility computation cannot be [0, 0, 0].");
+    RequireDirection(direction);
     RequireVisibilityLevel(voxelModel, lod);
 
     VoxelModel<bool> result(voxelModel.ExtentsRef(lod), lod);
@@ -77,19 +140,37 @@ VoxelModel<bool> VisibilityFromDirection(const VoxelModel<bool>& voxelModel, con
 VoxelModel<bool> VisibilityFromPoint(const VoxelModel<bool>& voxelModel, const std::array<std::int64_t, 3>& point, long long lod,
                                      long long maxRadius, double threshold, bool autoAdjustExtents)
 {
-    RequireVisibilityLevel(voxelModel, lod);
-    RequireNotNegative("The maximum radius for visibility computation", maxRadius);
+    RequireLevelAndRadius(voxelModel, lod, maxRadius);
+    return VisibleFromPoint(voxelModel, {point, lod, maxRadius, threshold, nullptr}, autoAdjustExtents);
+}
 
-    if (autoAdjustExtents) {
-        const Axes& axes = voxelModel.AxesRef();
-        const Extents extents = maxRadius < UnlimitedRadius
-                                    ? ExtentsOfSphere(axes, point, lod, maxRadius)
-                                    : ExtentsWith(voxelModel.ExtentsRef(lod), axes.ContainingVoxel(point, lod));
-        return AutoCrop(VisibleFromPoint(Resize(voxelModel, extents), point, lod, maxRadius, threshold));
-    }
-    VoxelModel<bool> result = VisibleFromPoint(voxelModel, point, lod, maxRadius, threshold);
-    PropagateLevel(result, lod);
-    return result;
+VoxelModel<bool> VisibilityWithinCone(const VoxelModel<bool>& voxelModel, const std::array<std::int64_t, 3>& point,
+                                      const std::array<std::int64_t, 3>& direction, double angle, long long lod,
+                                      long long maxRadius, double threshold, bool autoAdjustExtents)
+{
+    constexpr const char* quantity = "The angle of the cone for visibility computation";
+    RequireDirection(direction);
+    RequireNumberAbove(quantity, 0, angle);
+    RequireNumberAtMost(quantity, 360, angle);
+    RequireLevelAndRadius(voxelModel, lod, maxRadius);
+
+    std::optional<sight::SightCone> cone;
+    if (angle < 360) cone.emplace(voxelModel.AxesRef(), point, lod, direction, angle);
+    return VisibleFromPoint(voxelModel, {point, lod, maxRadius, threshold, cone ? &*cone : nullptr}, autoAdjustExtents);
+}
+
+VoxelModel<bool> VisibilityWithinPyramid(const VoxelModel<bool>& voxelModel, const std::array<std::int64_t, 3>& point,
+                                         const std::array<std::int64_t, 3>& direction, double horizontalAngle,
+                                         double verticalAngle, long long lod, long long maxRadius, double threshold,
+                                         bool autoAdjustExtents)
+{
+    RequireDirection(direction);
+    RequirePyramidAngle("The horizontal angle of the pyramid for visibility computation", horizontalAngle);
+    RequirePyramidAngle("The vertical angle of the pyramid for visibility computation", verticalAngle);
+    RequireLevelAndRadius(voxelModel, lod, maxRadius);
+
+    const sight::SightPyramid pyramid(voxelModel.AxesRef(), point, lod, direction, horizontalAngle, verticalAngle);
+    return VisibleFromPoint(voxelModel, {point, lod, maxRadius, threshold, &pyramid}, autoAdjustExtents);
 }
 
 } // namespace brix

@@ -1,6 +1,7 @@
 // Which empty voxels can be seen along a direction, or from a point. No ray is traced: a value from 0 (dark) to 1 (fully seen) is
 // carried through space in one sweep, each voxel mixing the values of the neighbours that lie before it, so that oblique sight lines
-// get soft shadows. Filled voxels carry 0; beyond the extents, everything is 1.
+// get soft shadows. Filled voxels carry 0; beyond the extents, everything is 1. Cones and pyramids cut what is marked, not what is
+// carried: a voxel that lies within one is marked exactly when it is seen from the point at all.
 #pragma once
 
 #include "../model/VoxelModel.h"
@@ -46,5 +47,36 @@ VoxelModel<bool> VisibilityFromDirection(const VoxelModel<bool>& voxelModel, con
 /// Cost: as above, for the eight octants around the point; only stacks that the sphere reaches are swept.
 VoxelModel<bool> VisibilityFromPoint(const VoxelModel<bool>& voxelModel, const std::array<std::int64_t, 3>& point, long long lod,
                                      long long maxRadius, double threshold, bool autoAdjustExtents);
+
+/// What is seen from a point through a circular cone: the voxels that VisibilityFromPoint marks, if their centre lies in the cone. The
+/// point's own voxel counts as within it.
+/// `direction`  base units, of any length: the cone's axis, from its apex at the point
+/// `angle`      degrees across the cone, greater than 0 and at most 360, which leaves nothing out; 180 is half of space. A centre on
+///              the border lies within. A cone mirrored or turned by 90 degrees holds the mirrored or turned centres exactly
+/// `autoAdjustExtents`  true: the result is bounded by what is visible, of all that VisibilityFromPoint would see
+/// other arguments      as in VisibilityFromPoint
+///
+/// Throws std::domain_error when the direction is (0, 0, 0), then when the angle is not greater than 0 (or is NaN), or greater than
+/// 360; then as VisibilityFromPoint.
+/// Cost: as VisibilityFromPoint for the voxels of each octant behind which, away from the point, some voxel lies within the cone: for a
+/// narrow cone the box from the point to its far end. That is little when the cone runs along an axis, and most of an octant when
+/// it runs along a diagonal of space through all of the extents.
+VoxelModel<bool> VisibilityWithinCone(const VoxelModel<bool>& voxelModel, const std::array<std::int64_t, 3>& point,
+                                      const std::array<std::int64_t, 3>& direction, double angle, long long lod,
+                                      long long maxRadius, double threshold, bool autoAdjustExtents);
+
+/// The same with a camera's view.
+/// `direction`        forward. The camera is held upright: its up is the frame's Z made perpendicular to the direction, or the frame's
+///                    Y where the direction is vertical
+/// `horizontalAngle`  degrees from the left to the right side of the view, greater than 0 and less than 180
+/// `verticalAngle`    degrees from its lower to its upper side, likewise. A centre that misses a side by less than 2^-40 of its distance
+///                    lies within
+///
+/// Throws std::domain_error when the direction is (0, 0, 0), then when the horizontal angle is not greater than 0 (or is NaN), or not
+/// less than 180; then for the vertical one; then as VisibilityFromPoint.
+VoxelModel<bool> VisibilityWithinPyramid(const VoxelModel<bool>& voxelModel, const std::array<std::int64_t, 3>& point,
+                                         const std::array<std::int64_t, 3>& direction, double horizontalAngle,
+                                         double verticalAngle, long long lod, long long maxRadius, double threshold,
+                                         bool autoAdjustExtents);
 
 } // namespace brix

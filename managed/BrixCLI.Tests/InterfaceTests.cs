@@ -42,6 +42,7 @@ public class InterfaceTests
     [InlineData(typeof(AxesCLI), "axesPtr_"), InlineData(typeof(ExtentsCLI), "extentsPtr_"), InlineData(typeof(VoxelModelCLI), "voxelModelPtr_")]
     [InlineData(typeof(VoxelIteratorCLI), "voxelIterPtr_"), InlineData(typeof(SliceIteratorCLI), "voxelIterPtr_")]
     [InlineData(typeof(TriangleMeshCLI), "triangleMeshPtr_"), InlineData(typeof(PathModelCLI), "pathModelPtr_")]
+    [InlineData(typeof(DistanceFieldCLI), "distanceFieldPtr_"), InlineData(typeof(PathCLI), "pathPtr_")]
     public void EachWrapperOwnsOnePointer(Type type, string field)
     {
         Assert.Equal([field], type.GetFields(Declared).Where(item => item.FieldType == typeof(IntPtr)).Select(item => item.Name));

@@ -58,6 +58,9 @@ public class LifetimeTests
             using VoxelModelCLI grown = SurfaceOperationsCLI.ExpandAlongX(voxelized, 1, 1, null, true);
             using VoxelModelCLI united = SolidOperationsCLI.Union([voxelized, grown], 5, true);
             using var path = new PathModelCLI(grown, 5, 1, 2, true);
+            using var field = new DistanceFieldCLI(path, Centre((0, 0, 1)), -1);
+            using var way = new PathCLI(field, Centre((0, 0, 1)));
+            foreach (VoxelModelCLI region in SpecialOperationsCLI.AutoSplit(grown)) region.Dispose();
             using VoxelModelCLI traversable = path.TraversableVoxels();
             VoxelTessellationCLI.TessellateVoxelModel(grown, 5, 1e9);
             slice.SliceBools(true, false);

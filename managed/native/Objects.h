@@ -5,11 +5,15 @@
 
 #include <brix.h>
 
+#include <cstring>
 #include <memory>
 #include <new>
 #include <optional>
 #include <stdexcept>
+#include <string_view>
+#include <type_traits>
 #include <utility>
+#include <vector>
 
 // Models do not change once they have a handle, so handles, iterators and path models share them. They are kept in the form in which
 // growth takes its guide: a guide is then passed on, not copied.
@@ -39,6 +43,11 @@ struct brix_iterator
 struct brix_mesh
 {
     brix::TriangleMesh mesh;
+};
+
+struct brix_models
+{
+    std::vector<SharedVoxels> voxels;
 };
 
 struct brix_path_model
@@ -107,12 +116,18 @@ template <class Object, class... Members> void Make(Object** result, Members&&..
     *result = new Object{std::forward<Members>(members)...};
 }
 
-inline void MakeModel(brix_model** result, VoxelModel<bool>&& voxels)
+inline SharedVoxels Share(VoxelModel<bool>&& voxels)
 {
-    Make(result, std::make_shared<const std::optional<VoxelModel<bool>>>(std::move(voxels)));
+    return std::make_shared<const std::optional<VoxelModel<bool>>>(std::move(voxels));
 }
 
-/// Triangles in the caller's memory, nine doubles each. Throws when the count is negative or more than memory can hold.
+inline void MakeModel(brix_model** result, VoxelModel<bool>&& voxels) { Make(result, Share(std::move(voxels))); }
+
+/// `count` items of `width` doubles each, called by their plural name in messages, in the caller's memory. Throws when there cannot be
+/// so many, or when there is no memory.
+void RequireItems(const double* numbers, std::int64_t count, std::int64_t width, std::string_view name);
+
+/// Triangles in the caller's memory.
 const WorldTriangle* TrianglesAt(const double* triangles, std::int64_t count);
 
 /// Checks that `count` items from `first` on lie within 0 .. size - 1, and that there is a place for them.
@@ -132,3 +147,38 @@ struct brix_list
     virtual std::int64_t Width() const = 0;
     virtual void Copy(std::int64_t firstItem, std::int64_t itemCount, double* destination) const = 0;
 };
+
+namespace brix::capi {
+
+/// A list of engine items that convert(item) makes doubles of, an array (of arrays) of them, when they are copied.
+template <class Item, class Convert> class ItemList : public brix_list
+{
+public:
+    ItemList(std::vector<Item>&& items, const Convert& convert) : items_(std::move(items)), convert_(convert) {}
+
+    std::int64_t Size() const override { return static_cast<std::int64_t>(items_.size()); }
+    std::int64_t Width() const override { return width; }
+
+    void Copy(std::int64_t firstItem, std::int64_t itemCount, double* destination) const override
+    {
+        for (std::int64_t i = firstItem; i < firstItem + itemCount; ++i, destination += width) {
+            const Numbers numbers = convert_(items_[static_cast<std::size_t>(i)]);
+            std::memcpy(destination, &numbers, sizeof numbers);
+        }
+    }
+
+private:
+    using Numbers = std::decay_t<std::invoke_result_t<Convert, const Item&>>;
+    static constexpr std::int64_t width = sizeof(Numbers) / sizeof(double);
+
+    std::vector<Item> items_;
+    Convert convert_;
+};
+
+template <class Item, class Convert> void MakeList(brix_list** result, std::vector<Item>&& items, const Convert& convert)
+{
+    RequireGiven(result);
+    *result = new ItemList<Item, Convert>(std::move(items), convert);
+}
+
+} // namespace brix::capi

@@ -32,6 +32,20 @@ std::vector<const VoxelModel<bool>*> ModelsAt(const brix_model* const* models, s
     return voxels;
 }
 
+std::vector<double> NumbersAt(const double* numbers, std::int64_t count, std::string_view name)
+{
+    RequireItems(numbers, count, 1, name);
+    return {numbers, numbers + count};
+}
+
+std::vector<SharedVoxels> ShareAll(std::vector<VoxelModel<bool>>&& models)
+{
+    std::vector<SharedVoxels> shared;
+    shared.reserve(models.size());
+    for (VoxelModel<bool>& model : models) shared.push_back(Share(std::move(model)));
+    return shared;
+}
+
 // nearest(model, point, numbers ...) of the engine.
 template <class Nearest, class... Numbers>
 std::int32_t Found(const Nearest& nearest, const brix_model* model, const double* pointCoords, brix_iterator** result,
@@ -127,6 +141,38 @@ std::int32_t brix_subtract(const brix_model* model, const brix_model* subtrahend
 std::int32_t brix_invert(const brix_model* model, brix_model** result, brix_error* error)
 {
     return Guarded(error, [&] { MakeModel(result, Invert(VoxelsOf(model))); });
+}
+
+// ---- Regions and densities
+
+void brix_models_free(brix_models* models) { delete models; }
+
+std::int32_t brix_models_size(const brix_models* models, std::int64_t* result, brix_error* error)
+{
+    return Guarded(error, [&] { Given(result) = static_cast<std::int64_t>(Given(models).voxels.size()); });
+}
+
+std::int32_t brix_models_get(const brix_models* models, std::int64_t index, brix_model** result, brix_error* error)
+{
+    return Guarded(error, [&] {
+        RequirePart(index, 1, static_cast<std::int64_t>(Given(models).voxels.size()), result);
+        Make(result, models->voxels[static_cast<std::size_t>(index)]);
+    });
+}
+
+std::int32_t brix_auto_split(const brix_model* model, brix_models** result, brix_error* error)
+{
+    return Guarded(error, [&] { Make(result, ShareAll(AutoSplit(VoxelsOf(model)))); });
+}
+
+std::int32_t brix_density_map(const brix_model* const* models, std::int64_t model_count, const double* weights,
+                              std::int64_t weight_count, const double* levels, std::int64_t level_count, std::int64_t voxel_lod,
+                              brix_models** result, brix_error* error)
+{
+    return Guarded(error, [&] {
+        Make(result, ShareAll(DensityMap(ModelsAt(models, model_count), NumbersAt(weights, weight_count, "weights"),
+                                         NumbersAt(levels, level_count, "levels"), voxel_lod)));
+    });
 }
 
 // ---- Growth and shrinkage

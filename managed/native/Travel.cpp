@@ -1,8 +1,36 @@
-// Path models.
+// Path models, walking distances and ways.
 #include "Objects.h"
 
 using namespace brix;
 using namespace brix::capi;
+
+struct brix_distance_field
+{
+    DistanceField field;
+};
+
+struct brix_path
+{
+    Axes axes;
+    Path path;
+};
+
+namespace {
+
+std::vector<Triple> PointsAt(const Axes& axes, const double* coords, std::int64_t count)
+{
+    RequireItems(coords, count, 3, "points");
+    std::vector<Triple> points;
+    for (std::int64_t i = 0; i < count; ++i) points.push_back(axes.FromWorldCoordinates(ThreeOf(coords + 3 * i)));
+    return points;
+}
+
+void MakePointList(brix_list** result, std::vector<Triple>&& points, const Axes& axes)
+{
+    MakeList(result, std::move(points), [axes](const Triple& point) { return axes.ToWorldCoordinates(point); });
+}
+
+} // namespace
 
 std::int32_t brix_path_model_create(const brix_model* environment, std::int64_t voxel_lod, std::int64_t agent_diameter_offset,
                                     std::int64_t agent_height_offset, std::int32_t auto_adjust_extents, brix_path_model** result,
@@ -39,4 +67,111 @@ std::int32_t brix_path_model_agent_diameter_offset(const brix_path_model* path_m
 std::int32_t brix_path_model_agent_height_offset(const brix_path_model* path_model, std::int64_t* result, brix_error* error)
 {
     return Guarded(error, [&] { Given(result) = Given(path_model).pathModel.AgentHeightOffset(); });
+}
+
+std::int32_t brix_path_model_generate_sample_points(const brix_path_model* path_model, double spacing, std::int64_t min_diameter,
+                                                    brix_list** result, brix_error* error)
+{
+    return Guarded(error, [&] {
+        const PathModel& model = Given(path_model).pathModel;
+        const Axes& axes = model.TraversableVoxels().AxesRef();
+        MakePointList(result, model.GenerateSamplePoints(axes.FromWorldDistance(spacing), min_diameter), axes);
+    });
+}
+
+// ---- Walking distances
+
+std::int32_t brix_distance_field_create(const brix_path_model* path_model, const double* sources, std::int64_t source_count,
+                                        double max_distance, brix_distance_field** result, brix_error* error)
+{
+    return Guarded(error, [&] {
+        const PathModel& model = Given(path_model).pathModel;
+        const Axes& axes = model.TraversableVoxels().AxesRef();
+        Make(result, DistanceField(model, PointsAt(axes, sources, source_count), axes.FromWorldDistance(max_distance)));
+    });
+}
+
+void brix_distance_field_free(brix_distance_field* distance_field) { delete distance_field; }
+
+std::int32_t brix_distance_field_distance(const brix_distance_field* distance_field, const double* point_coords, double* result,
+                                          brix_error* error)
+{
+    return Guarded(error, [&] {
+        const DistanceField& field = Given(distance_field).field;
+        const Axes& axes = field.AxesRef();
+        const std::int64_t distance = field.Distance(axes.FromWorldCoordinates(ThreeOf(point_coords)));
+        Given(result) = distance < 0 ? -1.0 : axes.ToWorldDistance(distance);
+    });
+}
+
+std::int32_t brix_distance_field_farthest_distance(const brix_distance_field* distance_field, double* result, brix_error* error)
+{
+    return Guarded(error, [&] {
+        const DistanceField& field = Given(distance_field).field;
+        Given(result) = field.AxesRef().ToWorldDistance(field.FarthestDistance());
+    });
+}
+
+std::int32_t brix_distance_field_farthest_voxel(const brix_distance_field* distance_field, std::int64_t* result_3,
+                                                brix_error* error)
+{
+    return Guarded(error, [&] { CopyThree(Given(distance_field).field.FarthestVoxel(), result_3); });
+}
+
+std::int32_t brix_distance_field_reachable_voxels(const brix_distance_field* distance_field, brix_model** result,
+                                                  brix_error* error)
+{
+    return Guarded(error, [&] { MakeModel(result, Given(distance_field).field.ReachableVoxels()); });
+}
+
+std::int32_t brix_distance_field_reachable_within(const brix_distance_field* distance_field, double max_distance,
+                                                  brix_model** result, brix_error* error)
+{
+    return Guarded(error, [&] {
+        const DistanceField& field = Given(distance_field).field;
+        MakeModel(result, field.ReachableVoxels(field.AxesRef().FromWorldDistance(max_distance)));
+    });
+}
+
+std::int32_t brix_distance_field_distances(const brix_distance_field* distance_field, brix_list** result, brix_error* error)
+{
+    return Guarded(error, [&] {
+        const DistanceField& field = Given(distance_field).field;
+        const Axes& axes = field.AxesRef();
+        std::vector<std::array<double, 4>> distances;
+        field.ForEachReachable([&](const Triple& voxelIndices, std::int64_t distance) {
+            const auto [x, y, z] = axes.ToWorldCoordinates(axes.VoxelCenter(voxelIndices, field.VoxelLOD()));
+            distances.push_back({x, y, z, axes.ToWorldDistance(distance)});
+        });
+        MakeList(result, std::move(distances), [](const std::array<double, 4>& numbers) { return numbers; });
+    });
+}
+
+// ---- Ways
+
+std::int32_t brix_path_create(const brix_distance_field* distance_field, const double* point_coords, brix_path** result,
+                              brix_error* error)
+{
+    return Guarded(error, [&] {
+        const DistanceField& field = Given(distance_field).field;
+        const Axes& axes = field.AxesRef();
+        Make(result, axes, Path(field, axes.FromWorldCoordinates(ThreeOf(point_coords))));
+    });
+}
+
+void brix_path_free(brix_path* path) { delete path; }
+
+std::int32_t brix_path_length(const brix_path* path, double* result, brix_error* error)
+{
+    return Guarded(error, [&] { Given(result) = Given(path).axes.ToWorldDistance(path->path.Length()); });
+}
+
+std::int32_t brix_path_voxels(const brix_path* path, brix_model** result, brix_error* error)
+{
+    return Guarded(error, [&] { MakeModel(result, VoxelModel<bool>(Given(path).path.Voxels())); });
+}
+
+std::int32_t brix_path_points(const brix_path* path, brix_list** result, brix_error* error)
+{
+    return Guarded(error, [&] { MakePointList(result, std::vector<Triple>(Given(path).path.Points()), path->axes); });
 }

@@ -16,14 +16,19 @@ static_assert(std::is_trivially_copyable_v<WorldTriangle>);
 
 namespace brix::capi {
 
-const WorldTriangle* TrianglesAt(const double* triangles, std::int64_t count)
+void RequireItems(const double* numbers, std::int64_t count, std::int64_t width, std::string_view name)
 {
-    constexpr auto most = static_cast<std::int64_t>(std::numeric_limits<std::ptrdiff_t>::max() / sizeof(WorldTriangle));
+    const auto most = static_cast<std::int64_t>(std::numeric_limits<std::ptrdiff_t>::max() / sizeof(double)) / width;
     if (count < 0 || count > most) {
-        throw std::domain_error("The number of triangles must lie between 0 and " + std::to_string(most) +
+        throw std::domain_error("The number of " + std::string(name) + " must lie between 0 and " + std::to_string(most) +
                                 ". The value encountered was " + std::to_string(count) + ".");
     }
-    if (count > 0) RequireGiven(triangles);
+    if (count > 0) RequireGiven(numbers);
+}
+
+const WorldTriangle* TrianglesAt(const double* triangles, std::int64_t count)
+{
+    RequireItems(triangles, count, 9, "triangles");
     return reinterpret_cast<const WorldTriangle*>(triangles);
 }
 
@@ -31,22 +36,21 @@ const WorldTriangle* TrianglesAt(const double* triangles, std::int64_t count)
 
 namespace {
 
-class TriangleList : public brix_list
+class TessellationList : public brix_list
 {
 public:
-    explicit TriangleList(std::vector<WorldTriangle>&& triangles) : triangles_(std::move(triangles)) {}
+    TessellationList(const VoxelModel<bool>& voxels, std::int64_t lod) : tessellation_(voxels, lod) {}
 
-    std::int64_t Size() const override { return static_cast<std::int64_t>(triangles_.size()); }
+    std::int64_t Size() const override { return tessellation_.TriangleCount(); }
     std::int64_t Width() const override { return 9; }
 
     void Copy(std::int64_t firstItem, std::int64_t itemCount, double* destination) const override
     {
-        const auto first = triangles_.begin() + firstItem;
-        std::copy(first, first + itemCount, reinterpret_cast<WorldTriangle*>(destination));
+        tessellation_.CopyTriangles(firstItem, itemCount, reinterpret_cast<WorldTriangle*>(destination));
     }
 
 private:
-    std::vector<WorldTriangle> triangles_;
+    Tessellation tessellation_;
 };
 
 std::filesystem::path PathAt(const char* path, std::int64_t length)
@@ -57,16 +61,6 @@ std::filesystem::path PathAt(const char* path, std::int64_t length)
     }
     if (length > 0) RequireGiven(path);
     return length == 0 ? std::string() : std::string(path, static_cast<std::size_t>(length));
-}
-
-void RequireVertexCounts(std::int64_t vertexCount, std::int64_t triangleCount)
-{
-    constexpr std::int64_t most = std::numeric_limits<std::int32_t>::max();
-    if (vertexCount < 0 || vertexCount > most) {
-        throw std::domain_error("The number of triangle mesh vertices must lie between 0 and " + std::to_string(most) +
-                                ". The value encountered was " + std::to_string(vertexCount) + ".");
-    }
-    TrianglesAt(nullptr, std::min<std::int64_t>(triangleCount, 0)); // a negative number of triangles
 }
 
 } // namespace
@@ -108,8 +102,8 @@ std::int32_t brix_load_stl(const char* path, std::int64_t path_length, std::int3
                            brix_error* error)
 {
     return Guarded(error, [&] {
-        RequireGiven(result);
-        *result = new TriangleList(LoadTrianglesFromSTL(PathAt(path, path_length), swap_yz != 0));
+        MakeList(result, LoadTrianglesFromSTL(PathAt(path, path_length), swap_yz != 0),
+                 [](const WorldTriangle& triangle) { return triangle; });
     });
 }
 
@@ -136,9 +130,28 @@ std::int32_t brix_tessellate_voxel_model(const brix_model* model, std::int64_t v
 {
     return Guarded(error, [&] {
         RequireGiven(result);
-        std::vector<WorldTriangle> triangles;
-        TessellateVoxelModel(triangles, VoxelsOf(model), voxel_lod);
-        *result = new TriangleList(std::move(triangles));
+        *result = new TessellationList(VoxelsOf(model), voxel_lod);
+    });
+}
+
+std::int32_t brix_cuboidize_voxel_model(const brix_model* model, std::int64_t voxel_lod, brix_list** result, brix_error* error)
+{
+    return Guarded(error, [&] {
+        const VoxelModel<bool>& voxels = VoxelsOf(model);
+        MakeList(result, CuboidizeVoxelModel(voxels, voxel_lod), [axes = voxels.AxesRef(), voxel_lod](const VoxelCuboid& cuboid) {
+            return ToWorldCuboid(cuboid, axes, voxel_lod);
+        });
+    });
+}
+
+std::int32_t brix_solidize_voxel_model(const brix_model* model, std::int64_t voxel_lod, brix_list** result, brix_error* error)
+{
+    return Guarded(error, [&] {
+        const VoxelModel<bool>& voxels = VoxelsOf(model);
+        MakeList(result, SolidizeVoxelModel(voxels, voxel_lod),
+                 [axes = voxels.AxesRef(), voxel_lod](const VoxelRectangle& rectangle) {
+                     return ToWorldRectangle(rectangle, axes, voxel_lod);
+                 });
     });
 }
 
@@ -158,8 +171,8 @@ std::int32_t brix_mesh_create(const double* vertices, std::int64_t vertex_count,
                               std::int64_t triangle_count, brix_mesh** result, brix_error* error)
 {
     return Guarded(error, [&] {
-        RequireVertexCounts(vertex_count, triangle_count);
-        if (vertex_count > 0) RequireGiven(vertices);
+        RequireItems(vertices, vertex_count, 3, "triangle mesh vertices");
+        RequireItems(nullptr, std::min<std::int64_t>(triangle_count, 0), 9, "triangles");
         if (triangle_count > 0) RequireGiven(indices);
         std::vector<std::array<double, 3>> points(static_cast<std::size_t>(vertex_count));
         std::copy_n(vertices, 3 * vertex_count, points.empty() ? nullptr : points.front().data());

@@ -53,3 +53,31 @@ std::int32_t brix_visibility_from_point(const brix_model* model, const double* p
                                       voxels.AxesRef().FromWorldDistance(max_radius), threshold, auto_adjust_extents != 0));
     });
 }
+
+std::int32_t brix_visibility_within_cone(const brix_model* model, const double* point_coords, const double* direction,
+                                         double angle, std::int64_t voxel_lod, double max_radius, double threshold,
+                                         std::int32_t auto_adjust_extents, brix_model** result, brix_error* error)
+{
+    return Guarded(error, [&] {
+        const VoxelModel<bool>& voxels = VoxelsOf(model);
+        const Axes& axes = voxels.AxesRef();
+        MakeModel(result, VisibilityWithinCone(voxels, BaseUnits(model, point_coords),
+                                               DirectionInBaseUnits(axes, ThreeOf(direction)), angle, voxel_lod,
+                                               axes.FromWorldDistance(max_radius), threshold, auto_adjust_extents != 0));
+    });
+}
+
+std::int32_t brix_visibility_within_pyramid(const brix_model* model, const double* point_coords, const double* direction,
+                                            double horizontal_angle, double vertical_angle, std::int64_t voxel_lod,
+                                            double max_radius, double threshold, std::int32_t auto_adjust_extents,
+                                            brix_model** result, brix_error* error)
+{
+    return Guarded(error, [&] {
+        const VoxelModel<bool>& voxels = VoxelsOf(model);
+        const Axes& axes = voxels.AxesRef();
+        MakeModel(result,
+                  VisibilityWithinPyramid(voxels, BaseUnits(model, point_coords), DirectionInBaseUnits(axes, ThreeOf(direction)),
+                                          horizontal_angle, vertical_angle, voxel_lod, axes.FromWorldDistance(max_radius),
+                                          threshold, auto_adjust_extents != 0));
+    });
+}

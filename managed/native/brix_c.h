@@ -251,6 +251,23 @@ BRIX_C_API int32_t brix_subtract(const brix_model* model, const brix_model* subt
                                  int32_t auto_adjust_extents, brix_model** result, brix_error* error);
 BRIX_C_API int32_t brix_invert(const brix_model* model, brix_model** result, brix_error* error);
 
+/* ---- Regions and densities (brix/operations/SpecialOperations.h) ---- */
+
+/* A list of models. */
+typedef struct brix_models brix_models;
+
+BRIX_C_API void brix_models_free(brix_models* models);
+BRIX_C_API int32_t brix_models_size(const brix_models* models, int64_t* result, brix_error* error);
+/* The model at an index from 0 on, as an object of its own. */
+BRIX_C_API int32_t brix_models_get(const brix_models* models, int64_t index, brix_model** result, brix_error* error);
+
+/* One model for each region of filled voxels that are connected through their faces. */
+BRIX_C_API int32_t brix_auto_split(const brix_model* model, brix_models** result, brix_error* error);
+/* One model for each level: filled where the weights of the models that are filled there add up to it. */
+BRIX_C_API int32_t brix_density_map(const brix_model* const* models, int64_t model_count, const double* weights,
+                                    int64_t weight_count, const double* levels, int64_t level_count, int64_t voxel_lod,
+                                    brix_models** result, brix_error* error);
+
 /* ---- Growth and shrinkage (brix/operations/SurfaceOperations.h); `guide` may be NULL ---- */
 
 BRIX_C_API int32_t brix_expand_along_x(const brix_model* model, int32_t lower_offset, int32_t upper_offset,
@@ -312,10 +329,28 @@ BRIX_C_API int32_t brix_visibility_from_point(const brix_model* model, const dou
                                               double max_radius, double threshold, int32_t auto_adjust_extents,
                                               brix_model** result, brix_error* error);
 
+/* Only what lies within a cone of the full opening angle `angle` in degrees, greater than 0 and at most 360; or within the view of an
+ * upright camera, both angles greater than 0 and less than 180. */
+BRIX_C_API int32_t brix_visibility_within_cone(const brix_model* model, const double* point_coords, const double* direction,
+                                               double angle, int64_t voxel_lod, double max_radius, double threshold,
+                                               int32_t auto_adjust_extents, brix_model** result, brix_error* error);
+BRIX_C_API int32_t brix_visibility_within_pyramid(const brix_model* model, const double* point_coords, const double* direction,
+                                                  double horizontal_angle, double vertical_angle, int64_t voxel_lod,
+                                                  double max_radius, double threshold, int32_t auto_adjust_extents,
+                                                  brix_model** result, brix_error* error);
+
 /* ---- Conversions ---- */
 
 /* The surface triangles of the filled voxels at a level, as a list of nine doubles each (brix/triangles/Tessellation.h). */
 BRIX_C_API int32_t brix_tessellate_voxel_model(const brix_model* model, int64_t voxel_lod, brix_list** result, brix_error* error);
+
+/* The filled voxels at a level as disjoint boxes, six doubles each: the world point of the lower corner, then the size along the frame's
+ * X, Y and Z in world units (brix/triangles/Cuboidization.h). */
+BRIX_C_API int32_t brix_cuboidize_voxel_model(const brix_model* model, int64_t voxel_lod, brix_list** result, brix_error* error);
+
+/* Their surface as rectangles, twelve doubles each: four world points, counter-clockwise seen from outside
+ * (brix/triangles/Solidization.h). */
+BRIX_C_API int32_t brix_solidize_voxel_model(const brix_model* model, int64_t voxel_lod, brix_list** result, brix_error* error);
 
 /* ---- Travel (brix/travel/PathModel.h) ---- */
 
@@ -330,6 +365,47 @@ BRIX_C_API int32_t brix_path_model_traversable_voxels(const brix_path_model* pat
 BRIX_C_API int32_t brix_path_model_voxel_lod(const brix_path_model* path_model, int64_t* result, brix_error* error);
 BRIX_C_API int32_t brix_path_model_agent_diameter_offset(const brix_path_model* path_model, int64_t* result, brix_error* error);
 BRIX_C_API int32_t brix_path_model_agent_height_offset(const brix_path_model* path_model, int64_t* result, brix_error* error);
+/* World points spread over the traversable voxels, three doubles each. `spacing` is a world distance, `min_diameter` in voxels. */
+BRIX_C_API int32_t brix_path_model_generate_sample_points(const brix_path_model* path_model, double spacing, int64_t min_diameter,
+                                                          brix_list** result, brix_error* error);
+
+/* ---- Walking distances (brix/travel/DistanceField.h) ---- */
+
+typedef struct brix_distance_field brix_distance_field;
+
+/* From the nearest of `source_count` world points, three doubles each; `max_distance` is a world distance. */
+BRIX_C_API int32_t brix_distance_field_create(const brix_path_model* path_model, const double* sources, int64_t source_count,
+                                              double max_distance, brix_distance_field** result, brix_error* error);
+BRIX_C_API void brix_distance_field_free(brix_distance_field* distance_field);
+
+/* The walking distance of a world point in world units, exactly -1 where it cannot be reached. */
+BRIX_C_API int32_t brix_distance_field_distance(const brix_distance_field* distance_field, const double* point_coords,
+                                                double* result, brix_error* error);
+BRIX_C_API int32_t brix_distance_field_farthest_distance(const brix_distance_field* distance_field, double* result,
+                                                         brix_error* error);
+BRIX_C_API int32_t brix_distance_field_farthest_voxel(const brix_distance_field* distance_field, int64_t* result_3,
+                                                      brix_error* error);
+/* What can be reached at all, and within a world distance. */
+BRIX_C_API int32_t brix_distance_field_reachable_voxels(const brix_distance_field* distance_field, brix_model** result,
+                                                        brix_error* error);
+BRIX_C_API int32_t brix_distance_field_reachable_within(const brix_distance_field* distance_field, double max_distance,
+                                                        brix_model** result, brix_error* error);
+/* Four doubles for every voxel that can be reached: the world point of its centre and its world distance. */
+BRIX_C_API int32_t brix_distance_field_distances(const brix_distance_field* distance_field, brix_list** result,
+                                                 brix_error* error);
+
+/* ---- Shortest ways (brix/travel/Path.h) ---- */
+
+typedef struct brix_path brix_path;
+
+BRIX_C_API int32_t brix_path_create(const brix_distance_field* distance_field, const double* point_coords, brix_path** result,
+                                    brix_error* error);
+BRIX_C_API void brix_path_free(brix_path* path);
+
+/* In world units; a model; a polyline of world points, three doubles each. */
+BRIX_C_API int32_t brix_path_length(const brix_path* path, double* result, brix_error* error);
+BRIX_C_API int32_t brix_path_voxels(const brix_path* path, brix_model** result, brix_error* error);
+BRIX_C_API int32_t brix_path_points(const brix_path* path, brix_list** result, brix_error* error);
 
 #ifdef __cplusplus
 }

@@ -7,9 +7,12 @@
 #include "operations/ProximityOperations.h"
 #include "operations/SliceRows.h"
 #include "operations/SolidOperations.h"
+#include "operations/SpecialOperations.h"
 #include "operations/SurfaceOperations.h"
 #include "support/FailingAllocations.h"
 #include "support/Messages.h"
+#include "triangles/Cuboidization.h"
+#include "triangles/Solidization.h"
 #include "triangles/Tessellation.h"
 #include "triangles/Voxelization.h"
 #include "visibility/Visibility.h"
@@ -39,6 +42,9 @@ struct Free
     void operator()(brix_list* object) const { brix_list_free(object); }
     void operator()(brix_mesh* object) const { brix_mesh_free(object); }
     void operator()(brix_rows* object) const { brix_rows_free(object); }
+    void operator()(brix_models* object) const { brix_models_free(object); }
+    void operator()(brix_distance_field* object) const { brix_distance_field_free(object); }
+    void operator()(brix_path* object) const { brix_path_free(object); }
     void operator()(brix_path_model* object) const { brix_path_model_free(object); }
 };
 template <class Object> using Owned = std::unique_ptr<Object, Free>;
@@ -309,6 +315,142 @@ TEST_F(CInterface, ReadsMeshesFromListsAndTriangles)
     EXPECT_EQ(create(-1, 4), BRIX_INVALID_ARGUMENT);
     EXPECT_EQ(create(4, least), BRIX_INVALID_ARGUMENT);
     EXPECT_EQ(create(most, 4), BRIX_INVALID_ARGUMENT);
+}
+
+TEST_F(CInterface, ReachesSplittingDensitiesConversionsAndNarrowedViews)
+{
+    const auto numbersOf = [](const Owned<brix_list>& list, std::int64_t expectedWidth) {
+        std::int64_t size = 0;
+        std::int64_t width = 0;
+        EXPECT_EQ(brix_list_size(list.get(), &size, &width, nullptr), BRIX_OK);
+        EXPECT_EQ(width, expectedWidth);
+        std::vector<double> numbers(static_cast<std::size_t>(size * width));
+        EXPECT_EQ(brix_list_copy(list.get(), 0, size, numbers.data(), nullptr), BRIX_OK);
+        return numbers;
+    };
+    const auto flat = [](const auto& arrays, const auto& append) {
+        std::vector<double> numbers;
+        for (const auto& item : arrays) append(numbers, item);
+        return numbers;
+    };
+    EXPECT_EQ(numbersOf(Get<brix_list*>(brix_cuboidize_voxel_model, cModel_.get(), 2), 6),
+              flat(CuboidizeVoxelModel(model_, 2), [&](std::vector<double>& numbers, const VoxelCuboid& cuboid) {
+                  const auto world = ToWorldCuboid(cuboid, axes_, 2);
+                  numbers.insert(numbers.end(), world.begin(), world.end());
+              }));
+    EXPECT_EQ(numbersOf(Get<brix_list*>(brix_solidize_voxel_model, cModel_.get(), 1), 12),
+              flat(SolidizeVoxelModel(model_, 1), [&](std::vector<double>& numbers, const VoxelRectangle& rectangle) {
+                  for (const auto& corner : ToWorldRectangle(rectangle, axes_, 1))
+                      numbers.insert(numbers.end(), corner.begin(), corner.end());
+              }));
+
+    const auto expectModels = [&](const std::vector<Voxels>& expected, const Owned<brix_models>& actual, const char* name) {
+        ASSERT_EQ(Get<std::int64_t>(brix_models_size, actual.get()), static_cast<std::int64_t>(expected.size())) << name;
+        for (std::size_t i = 0; i < expected.size(); ++i) {
+            ExpectSame(expected[i], Get<brix_model*>(brix_models_get, actual.get(), static_cast<std::int64_t>(i)).get(), name);
+        }
+    };
+    const auto inverted = Get<brix_model*>(brix_invert, cModel_.get());
+    expectModels(AutoSplit(Invert(model_)), Get<brix_models*>(brix_auto_split, inverted.get()), "split");
+    const std::array<const brix_model*, 2> both{cModel_.get(), cOther_.get()};
+    const std::array<double, 2> weights{0.25, 1};
+    const std::array<double, 3> levels{1.25, 0.5, 0.25};
+    expectModels(DensityMap({&model_, &*other_}, {0.25, 1}, {1.25, 0.5, 0.25}, 2),
+                 Get<brix_models*>(brix_density_map, both.data(), 2, weights.data(), 2, levels.data(), 3, 2), "densities");
+
+    const std::array<double, 3> down{0, 0, -1};
+    const std::int64_t radius = axes_.FromWorldDistance(6);
+    ExpectSame(
+        VisibilityWithinCone(model_, insideUnits_, {0, 0, -1}, 70, 3, radius, 0.3, true),
+        Get<brix_model*>(brix_visibility_within_cone, cModel_.get(), inside_.data(), down.data(), 70.0, 3, 6.0, 0.3, 1).get(),
+        "cone");
+    ExpectSame(
+        VisibilityWithinPyramid(model_, insideUnits_, {0, 0, -1}, 70, 40, 3, radius, 0.3, false),
+        Get<brix_model*>(brix_visibility_within_pyramid, cModel_.get(), inside_.data(), down.data(), 70.0, 40.0, 3, 6.0, 0.3, 0)
+            .get(),
+        "pyramid");
+}
+
+TEST_F(CInterface, MeasuresWaysInWorldUnits)
+{
+    // A floor with a wall across it that leaves a gap, in a frame of its own.
+    const Axes axes(3.2, {10, 20, 30}, 0, 5);
+    const auto cAxes = Get<brix_axes*>(brix_axes_create, 3.2, std::array<double, 3>{10, 20, 30}.data(), 0.0, 5);
+    const auto at = [](double x0, double y0, double z0, double x1, double y1, double z1) {
+        const std::array<std::array<double, 3>, 4> p{
+            {{10 + x0, 20 + y0, 30 + z0}, {10 + x1, 20 + y0, 30 + z1}, {10 + x1, 20 + y1, 30 + z1}, {10 + x0, 20 + y1, 30 + z0}}};
+        return std::vector<WorldTriangle>{{p[0], p[1], p[2]}, {p[0], p[2], p[3]}};
+    };
+    std::vector<WorldTriangle> scene = at(0.05, 0.05, 0.05, 6.35, 6.35, 0.05);
+    for (double z = 0.1; z < 3; z += 0.08) {
+        const auto wall = at(0.05, 3, z, 4.6, 3.1, z);
+        scene.insert(scene.end(), wall.begin(), wall.end());
+    }
+    const double* coords = scene.front().front().data();
+    const auto triangleCount = static_cast<std::int64_t>(scene.size());
+    const auto extents = Get<brix_extents*>(brix_detect_triangle_extents, cAxes.get(), coords, triangleCount);
+    const auto environment = Get<brix_model*>(brix_model_from_triangles, coords, triangleCount, extents.get(), 5);
+    auto pathModel = Get<brix_path_model*>(brix_path_model_create, environment.get(), 5, 3, 10, 1);
+
+    const std::array<double, 6> sources{11.05, 21.05, 30.35, 500, 500, 500};
+    const std::array<double, 3> beyond{11.05, 25.05, 30.15};
+    const auto field = Get<brix_distance_field*>(brix_distance_field_create, pathModel.get(), sources.data(), 2, 100.0);
+    const double distance = Get<double>(brix_distance_field_distance, field.get(), beyond.data());
+    EXPECT_GT(distance, 7.5); // round the end of the wall; 4 in a straight line
+    EXPECT_LT(distance, 9);
+    EXPECT_EQ(Get<double>(brix_distance_field_distance, field.get(), sources.data() + 3), -1.0);
+    EXPECT_GT(Get<double>(brix_distance_field_farthest_distance, field.get()), distance);
+
+    const auto reachable = Get<brix_model*>(brix_distance_field_reachable_voxels, field.get());
+    const auto near = Get<brix_model*>(brix_distance_field_reachable_within, field.get(), 2.0);
+    const auto list = Get<brix_list*>(brix_distance_field_distances, field.get());
+    std::int64_t size = 0;
+    std::int64_t width = 0;
+    ASSERT_EQ(brix_list_size(list.get(), &size, &width, nullptr), BRIX_OK);
+    EXPECT_EQ(width, 4);
+    EXPECT_EQ(Get<std::int64_t>(brix_count_filled, reachable.get(), 5), size);
+    std::vector<std::array<double, 4>> all(static_cast<std::size_t>(size));
+    ASSERT_EQ(brix_list_copy(list.get(), 0, size, all.front().data(), nullptr), BRIX_OK);
+    std::int64_t nearCount = 0;
+    for (const auto& [x, y, z, away] : all) {
+        nearCount += away <= 2.0 ? 1 : 0;
+        const std::array<double, 3> place{x, y, z};
+        ASSERT_EQ(Get<double>(brix_distance_field_distance, field.get(), place.data()), away);
+    }
+    EXPECT_EQ(Get<std::int64_t>(brix_count_filled, near.get(), 5), nearCount);
+
+    const auto way = Get<brix_path*>(brix_path_create, field.get(), beyond.data());
+    EXPECT_EQ(Get<double>(brix_path_length, way.get()), distance);
+    EXPECT_GT(Get<std::int64_t>(brix_count_filled, Get<brix_model*>(brix_path_voxels, way.get()).get(), 5), 60);
+    const auto points = Get<brix_list*>(brix_path_points, way.get());
+    ASSERT_EQ(brix_list_size(points.get(), &size, &width, nullptr), BRIX_OK);
+    std::vector<std::array<double, 3>> corners(static_cast<std::size_t>(size));
+    ASSERT_EQ(brix_list_copy(points.get(), 0, size, corners.front().data(), nullptr), BRIX_OK);
+    double length = 0;
+    for (std::size_t i = 1; i < corners.size(); ++i) {
+        length +=
+            std::hypot(corners[i][0] - corners[i - 1][0], corners[i][1] - corners[i - 1][1], corners[i][2] - corners[i - 1][2]);
+    }
+    EXPECT_NEAR(length, distance, 1e-3);
+    EXPECT_NEAR(corners.front()[1], beyond[1], 0.06);
+    EXPECT_NEAR(corners.back()[1], sources[1], 0.06);
+
+    const auto samples = Get<brix_list*>(brix_path_model_generate_sample_points, pathModel.get(), 1.6, 2);
+    ASSERT_EQ(brix_list_size(samples.get(), &size, &width, nullptr), BRIX_OK);
+    EXPECT_EQ(width, 3);
+    EXPECT_GE(size, 9);
+    const auto refuse = [&](const double* points3, std::int64_t count, double limit) {
+        brix_distance_field* none = nullptr;
+        return FailureOf([&](brix_error* error) {
+                   return brix_distance_field_create(pathModel.get(), points3, count, limit, &none, error);
+               })
+            .status;
+    };
+    EXPECT_EQ(refuse(sources.data(), 2, -0.5), BRIX_INVALID_ARGUMENT);
+    EXPECT_EQ(refuse(sources.data() + 3, 1, 5), BRIX_INVALID_ARGUMENT);
+    EXPECT_EQ(refuse(nullptr, 0, 5), BRIX_INVALID_ARGUMENT);
+    EXPECT_EQ(refuse(nullptr, 1, 5), BRIX_NULL_ARGUMENT);
+    EXPECT_EQ(refuse(sources.data(), least, 5), BRIX_INVALID_ARGUMENT);
 }
 
 TEST_F(CInterface, RefusesNullWhereAnObjectIsNeeded)

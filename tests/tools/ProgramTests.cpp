@@ -261,7 +261,8 @@ TEST_F(Program, RunsOperationsInARow)
 {
     MakeHouse();
     const Outcome outcome = Run("run house.stl -w 1.6 --lod 3 -- fill-enclosed expand-x 2 0 reduce-horizontally 3 write v.stl "
-                                "invert visible-along 0 0 -1 0.5 slice z=1 s.png auto-crop");
+                                "invert visible-along 0 0 -1 0.5 slice z=1 s.png auto-crop "
+                                "visible-in-cone 2 3 9 0 1 -3 75 8 0.1 visible-in-pyramid 2 3 9 1 0 -1 90 45 7 0.1");
     ASSERT_EQ(outcome.exitCode, 0) << outcome.error;
     const std::vector<WorldTriangle> triangles = Load("house.stl");
     const Extents extents = DetectTriangleExtents(Axes(1.6, {0, 0, 0}, 0, 3), triangles);
@@ -281,7 +282,28 @@ TEST_F(Program, RunsOperationsInARow)
     model = VisibilityFromDirection(Invert(model), {0, 0, -1}, 3, 0.5);
     EXPECT_EQ(reported("visible-along"), CountFilled(model, 3));
     EXPECT_EQ(reported("auto-crop"), CountFilled(model, 3));
+    const Triple point = model.AxesRef().FromWorldCoordinates({2, 3, 9});
+    const auto distance = [&](double world) { return model.AxesRef().FromWorldDistance(world); };
+    model = VisibilityWithinCone(AutoCrop(model), point, {0, 1, -3}, 75, 3, distance(8), 0.1, false);
+    EXPECT_EQ(reported("visible-in-cone"), CountFilled(model, 3));
+    EXPECT_GT(CountFilled(model, 3), 10);
+    model = VisibilityWithinPyramid(model, point, {1, 0, -1}, 90, 45, 3, distance(7), 0.1, false);
+    EXPECT_EQ(reported("visible-in-pyramid"), CountFilled(model, 3));
+    EXPECT_GT(CountFilled(model, 3), 10);
     EXPECT_EQ(ContentOf(folder_ / "s.png").substr(1, 3), "PNG");
+}
+
+TEST_F(Program, KeepsTheLargestRegionAndWritesItsSurface)
+{
+    const WorldTriangle floor{{{0, 0, 0}, {30, 0, 0}, {0, 30, 0}}};
+    SaveTrianglesToBinarySTL(folder_ / "two.stl", {floor, {{{50, 50, 9}, {58, 50, 9}, {50, 58, 9}}}}, false);
+    SaveTrianglesToBinarySTL(folder_ / "one.stl", {floor}, false);
+    const Outcome outcome = Run("run two.stl -w 1.6 --lod 3 -- keep-largest write-surface s.stl write v.stl");
+    ASSERT_EQ(outcome.exitCode, 0) << outcome.error;
+    EXPECT_EQ(Reported(outcome, "keep-largest +(\\d+) voxels filled"),
+              Reported(Run("run one.stl -w 1.6 --lod 3 -- auto-crop"), "auto-crop +(\\d+) voxels filled"));
+    EXPECT_EQ(Reported(outcome, "s.stl: level 3, (\\d+) triangles"), static_cast<std::int64_t>(Load("s.stl").size()));
+    EXPECT_LT(Load("s.stl").size(), Load("v.stl").size());
 }
 
 TEST_F(Program, DrawsWhereAPersonCanWalk)

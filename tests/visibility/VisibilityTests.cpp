@@ -129,54 +129,6 @@ private:
     double normaliser_;
 };
 
-class ReferencePoint : public ReferenceSight
-{
-public:
-    ReferencePoint(const ReferenceModel& filled, const Triple& point, std::int64_t maxRadius)
-        : ReferenceSight(filled),
-          point_(point),
-          eye_(filled.AxesRef().ContainingVoxel(point, filled.VoxelLOD())),
-          maxRadius_(maxRadius)
-    {}
-
-    bool IsConsidered(const Triple& voxel) const override
-    {
-        if (maxRadius_ >= Unlimited) return true;
-        const auto limit = static_cast<std::uint64_t>(maxRadius_) * static_cast<std::uint64_t>(maxRadius_);
-        std::uint64_t square = 0;
-        for (std::size_t i = 0; i < 3; ++i) {
-            const double far = std::abs(static_cast<double>(Centre(i, voxel)) - static_cast<double>(point_[i]));
-            if (far > 3e9) return false;
-            const auto offset = static_cast<std::uint64_t>(std::abs(Centre(i, voxel) - point_[i]));
-            if (offset > static_cast<std::uint64_t>(maxRadius_)) return false;
-            square += offset * offset;
-            if (square > limit) return false;
-        }
-        return true;
-    }
-
-private:
-    std::int64_t Centre(std::size_t axis, const Triple& voxel) const { return voxel[axis] * size_[axis] + size_[axis] / 2; }
-    bool IsEye(const Triple& voxel) const override { return voxel == eye_; }
-    std::int64_t StepBack(std::size_t axis, const Triple& voxel) const override
-    {
-        return voxel[axis] == eye_[axis] ? 0 : voxel[axis] > eye_[axis] ? -1 : 1;
-    }
-    double Mix(const Triple& voxel, const Values& upstream) const override
-    {
-        Values weights{};
-        for (std::size_t i = 0; i < 3; ++i) {
-            if (StepBack(i, voxel) == 0) continue;
-            weights[i] = std::abs(static_cast<double>(Centre(i, voxel)) - static_cast<double>(point_[i])) * scale_[i];
-        }
-        return WeightedSum(weights, upstream) / (weights[0] + weights[1] + weights[2]);
-    }
-
-    Triple point_;
-    Triple eye_;
-    std::int64_t maxRadius_;
-};
-
 Triple RandomVoxel(Random& random, const Extents& extents, std::int64_t margin)
 {
     Triple voxel{};
@@ -203,7 +155,7 @@ Triple RandomDirection(Random& random)
         const bool isExtreme = random.OneIn(8);
         const std::int64_t largest = random.OneIn(2) ? 9 : 999'999'999;
         for (std::int64_t& component : direction) {
-            if (random.OneIn(4)) continue;
+            if (random.OneIn(3)) continue;
             component = isExtreme ? extremes[static_cast<std::size_t>(random.Between(0, 4))] : random.Between(-largest, largest);
         }
         if (direction != Triple{}) return direction;
@@ -227,11 +179,149 @@ TEST(VisibilityFromDirection, EqualsTheDefinitionInTheSameDoubles)
     }
 }
 
+// What a view is held to, by definition: in long doubles, with a border that is wider than their errors and narrower than any gap
+// between centres.
+struct Opening
+{
+    enum Kind
+    {
+        None,
+        Cone,
+        Pyramid
+    } kind = None;
+    Triple direction{1, 0, 0};
+    double angle = 0; // of the cone, or across the pyramid
+    double verticalAngle = 0;
+
+    using Reals = std::array<long double, 3>;
+
+    static long double Dot(const Reals& a, const Reals& b) { return a[0] * b[0] + a[1] * b[1] + a[2] * b[2]; }
+    static Reals Unit(const Reals& a)
+    {
+        const long double length = std::sqrt(Dot(a, a));
+        return {a[0] / length, a[1] / length, a[2] / length};
+    }
+    static Reals Across(const Reals& a, const Reals& b)
+    {
+        return Unit({a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]});
+    }
+    static Reals ToReals(const Triple& a)
+    {
+        return {static_cast<long double>(a[0]), static_cast<long double>(a[1]), static_cast<long double>(a[2])};
+    }
+
+    bool Holds(const Triple& offset) const
+    {
+        constexpr long double halfDegree = 3.14159265358979323846L / 360;
+        if (kind == None || offset == Triple{}) return true;
+        const Reals to = Unit(ToReals(offset));
+        const Reals forward = Unit(ToReals(direction));
+        if (kind == Cone) return Dot(to, forward) >= std::cos(static_cast<long double>(angle) * halfDegree) - 1e-15L;
+        const Reals right = Across(forward, direction[0] == 0 && direction[1] == 0 ? Reals{0, 1, 0} : Reals{0, 0, 1});
+        const auto isBetween = [&](const Reals& side, double degrees) {
+            const long double half = static_cast<long double>(degrees) * halfDegree;
+            return std::abs(Dot(to, side)) * std::cos(half) <= Dot(to, forward) * std::sin(half) + 1e-12L;
+        };
+        return isBetween(right, angle) && isBetween(Across(right, forward), verticalAngle);
+    }
+};
+
 struct PointCase
 {
     Triple point;
     std::int64_t maxRadius;
     bool autoAdjust;
+    Opening opening{};
+
+    VoxelModel<bool> See(const VoxelModel<bool>& model, std::int64_t lod, double threshold) const
+    {
+        const auto& [kind, direction, angle, verticalAngle] = opening;
+        if (kind == Opening::Cone)
+            return VisibilityWithinCone(model, point, direction, angle, lod, maxRadius, threshold, autoAdjust);
+        if (kind == Opening::Pyramid)
+            return VisibilityWithinPyramid(model, point, direction, angle, verticalAngle, lod, maxRadius, threshold, autoAdjust);
+        return VisibilityFromPoint(model, point, lod, maxRadius, threshold, autoAdjust);
+    }
+};
+
+std::ostream& operator<<(std::ostream& out, const PointCase& view)
+{
+    return out << "point " << Show(view.point) << ", radius " << view.maxRadius << ", autoAdjust " << view.autoAdjust << ", kind "
+               << view.opening.kind << " along " << Show(view.opening.direction) << ", angles " << view.opening.angle << ", "
+               << view.opening.verticalAngle;
+}
+
+// Many have centres on their border.
+Opening RandomOpening(Random& random)
+{
+    constexpr std::array angles{1e-4, 20.0, 60.0, 90.0, 120.0, 170.0, 180.0, 181.0, 240.0, 270.0, 359.0, 360.0};
+    const auto angle = [&](std::int64_t last) {
+        return random.OneIn(3) ? static_cast<double>(random.Between(1, 179'999)) / 1000
+                               : angles[static_cast<std::size_t>(random.Between(0, last))];
+    };
+    return random.OneIn(2) ? Opening{Opening::Cone, RandomDirection(random), angle(11), 0}
+                           : Opening{Opening::Pyramid, RandomDirection(random), angle(5), angle(5)};
+}
+
+class ReferencePoint : public ReferenceSight
+{
+public:
+    ReferencePoint(const ReferenceModel& filled, const PointCase& view)
+        : ReferenceSight(filled),
+          point_(view.point),
+          eye_(filled.AxesRef().ContainingVoxel(view.point, filled.VoxelLOD())),
+          maxRadius_(view.maxRadius),
+          opening_(view.opening)
+    {}
+
+    bool IsConsidered(const Triple& voxel) const override { return IsWithinRadius(voxel) && IsWithinOpening(voxel); }
+
+    // The values do not depend on it.
+    void LookThrough(const Opening& opening) { opening_ = opening; }
+
+private:
+    bool IsWithinOpening(const Triple& voxel) const
+    {
+        if (opening_.kind == Opening::None || voxel == eye_) return true;
+        return opening_.Holds({Centre(0, voxel) - point_[0], Centre(1, voxel) - point_[1], Centre(2, voxel) - point_[2]});
+    }
+
+    bool IsWithinRadius(const Triple& voxel) const
+    {
+        if (maxRadius_ >= Unlimited) return true;
+        const auto limit = static_cast<std::uint64_t>(maxRadius_) * static_cast<std::uint64_t>(maxRadius_);
+        std::uint64_t square = 0;
+        for (std::size_t i = 0; i < 3; ++i) {
+            const double far = std::abs(static_cast<double>(Centre(i, voxel)) - static_cast<double>(point_[i]));
+            if (far > 3e9) return false;
+            const auto offset = static_cast<std::uint64_t>(std::abs(Centre(i, voxel) - point_[i]));
+            if (offset > static_cast<std::uint64_t>(maxRadius_)) return false;
+            square += offset * offset;
+            if (square > limit) return false;
+        }
+        return true;
+    }
+
+    std::int64_t Centre(std::size_t axis, const Triple& voxel) const { return voxel[axis] * size_[axis] + size_[axis] / 2; }
+    bool IsEye(const Triple& voxel) const override { return voxel == eye_; }
+    std::int64_t StepBack(std::size_t axis, const Triple& voxel) const override
+    {
+        return voxel[axis] == eye_[axis] ? 0 : voxel[axis] > eye_[axis] ? -1 : 1;
+    }
+    double Mix(const Triple& voxel, const Values& upstream) const override
+    {
+        Values weights{};
+        for (std::size_t i = 0; i < 3; ++i) {
+            if (StepBack(i, voxel) == 0) continue;
+            weights[i] = std::abs(static_cast<double>(Centre(i, voxel)) - static_cast<double>(point_[i])) * scale_[i];
+        }
+        return WeightedSum(weights, upstream) / (weights[0] + weights[1] + weights[2]);
+    }
+
+    Triple point_;
+    Triple eye_;
+    std::int64_t maxRadius_;
+    Opening opening_;
 };
 
 // In or beside the extents: at a voxel's centre, at its corner, or anywhere in it; sometimes far away.
@@ -256,7 +346,9 @@ PointCase RandomPointCase(Random& random, const Extents& extents)
 {
     constexpr std::array distances{std::int64_t{1} << 33, std::int64_t{1} << 52, Highest64, Lowest64};
     PointCase result{RandomPoint(random, extents), Unlimited, random.OneIn(3)};
-    if (random.OneIn(8)) {
+    if (random.OneIn(2)) {
+        result.opening = RandomOpening(random);
+    } else if (random.OneIn(4)) {
         result.autoAdjust = false;
         for (std::int64_t& coordinate : result.point) {
             if (random.OneIn(2)) coordinate = distances[static_cast<std::size_t>(random.Between(0, 3))];
@@ -292,7 +384,7 @@ Extents WorkingExtents(const Extents& extents, const PointCase& view)
 
 TEST(VisibilityFromPoint, EqualsTheDefinitionInTheSameDoubles)
 {
-    for (std::uint64_t seed = 1; seed <= 250; ++seed) {
+    for (std::uint64_t seed = 1; seed <= 500; ++seed) {
         Random random(seed);
         const ReferenceModel reference = MakeFirst(random);
         const VoxelModel<bool> model = MakeModel(reference);
@@ -301,14 +393,11 @@ TEST(VisibilityFromPoint, EqualsTheDefinitionInTheSameDoubles)
         const ReferenceModel filled = view.autoAdjust
                                           ? Resize(reference, WorkingExtents(model.ExtentsRef(lod), view)).AtLevel(lod)
                                           : ReferenceModel(model, lod);
-        ReferencePoint sight(filled, view.point, view.maxRadius);
+        ReferencePoint sight(filled, view);
         for (const double threshold : SomeThresholds(random, sight, filled.ExtentsRef())) {
             const ReferenceModel expected = sight.Visible(threshold);
-            EXPECT_EQ(Differences(VisibilityFromPoint(model, view.point, lod, view.maxRadius, threshold, view.autoAdjust),
-                                  view.autoAdjust ? AutoCrop(expected) : expected),
-                      "")
-                << "seed " << seed << ", point " << Show(view.point) << ", radius " << view.maxRadius << ", autoAdjust "
-                << view.autoAdjust << ", level " << lod << ", threshold " << threshold;
+            EXPECT_EQ(Differences(view.See(model, lod, threshold), view.autoAdjust ? AutoCrop(expected) : expected), "")
+                << "seed " << seed << ", " << view << ", level " << lod << ", threshold " << threshold;
         }
     }
 }
@@ -335,11 +424,15 @@ TEST(Visibility, EqualsTheDefinitionInRooms)
         ReferenceDirection sight(rooms, direction);
         EXPECT_EQ(Differences(VisibilityFromDirection(model, direction, 3, 0.25), sight.Visible(0.25)), "") << Show(direction);
     }
+    Random random(7);
     for (const std::int64_t maxRadius : {std::int64_t{300'000}, Unlimited}) {
-        const Triple point{50'000, -31'000, 401'000};
-        ReferencePoint sight(rooms, point, maxRadius);
-        EXPECT_EQ(Differences(VisibilityFromPoint(model, point, 3, maxRadius, 0.25, false), sight.Visible(0.25)), "")
-            << maxRadius;
+        PointCase view{{50'000, -31'000, 401'000}, maxRadius, false};
+        ReferencePoint sight(rooms, view);
+        for (int i = 0; i < 7; ++i) {
+            EXPECT_EQ(Differences(view.See(model, 3, 0.25), sight.Visible(0.25)), "") << view;
+            view.opening = RandomOpening(random);
+            sight.LookThrough(view.opening);
+        }
     }
 }
 
@@ -358,34 +451,6 @@ TEST(VisibilityFromDirection, NeverCarriesMoreThanFullSight)
                   "")
             << Show(direction);
     }
-}
-
-TEST(VisibilityFromDirection, AlongAnAxisEndsAtTheFirstFilledVoxel)
-{
-    for (std::uint64_t seed = 1; seed <= 60; ++seed) {
-        const RandomModel random = MakeRandomModel(seed);
-        const std::size_t axis = seed % 3;
-        const std::int64_t sign = seed % 2 == 0 ? 1 : -1;
-        Triple direction{};
-        direction[axis] = seed % 5 == 0 ? (sign > 0 ? Highest64 : Lowest64) : sign * 7;
-        const ReferenceModel expected = random.reference.Where([&](Triple voxel) {
-            for (; random.reference.ExtentsRef().ContainsVoxel(voxel); voxel[axis] -= sign) {
-                if (random.reference.Value(voxel)) return false;
-            }
-            return true;
-        });
-        const std::int64_t lod = expected.FinestLOD();
-        EXPECT_EQ(Differences(VisibilityFromDirection(random.voxels, direction, lod, 1), expected), "") << random;
-        EXPECT_EQ(Differences(VisibilityFromDirection(random.voxels, direction, lod, 1e-9), expected), "") << random;
-    }
-}
-
-TEST(VisibilityFromDirection, DependsOnTheRatioOfTheComponentsOnly)
-{
-    const VoxelModel<bool> model = MakeModel(MakeRooms(Extents(Frame, {-20, -40, -70}, {40, 35, 60}, 2)));
-    const auto visible = [&](const Triple& direction) { return VisibilityFromDirection(model, direction, 2, 0.3); };
-    EXPECT_EQ(Differences(visible({Lowest64, Highest64, Lowest64}), visible({-1, 1, -1})), "");
-    EXPECT_EQ(Differences(visible({3LL << 58, 0, -1LL << 60}), visible({3, 0, -4})), "");
 }
 
 // Another scene in which left is right, or x is y: what is seen must be the same.
@@ -430,9 +495,63 @@ TEST(Visibility, OfATurnedSceneIsTurned)
                      VisibilityFromDirection(scene.voxels, direction, lod, 0.4));
         // A border between voxels would belong to another voxel once it is mirrored.
         const Triple point = Plus(RandomPoint(random, scene.reference.ExtentsRef()), {1, 1, 1});
-        expectTurned(VisibilityFromPoint(turned, Turned(point, turn, 0), lod, Unlimited, 0.4, false),
-                     VisibilityFromPoint(scene.voxels, point, lod, Unlimited, 0.4, false));
+        PointCase view{point, Unlimited, false, seed % 8 < 3 ? Opening{} : RandomOpening(random)};
+        const VoxelModel<bool> seen = view.See(scene.voxels, lod, 0.4);
+        view.point = Turned(point, turn, 0);
+        Opening& opening = view.opening;
+        opening.direction = Turned(opening.direction, turn, 0);
+        const bool isVertical = opening.direction[0] == 0 && opening.direction[1] == 0; // up is Y then, which becomes X
+        if (turn == Turn::SwapXY && isVertical && opening.kind == Opening::Pyramid)
+            std::swap(opening.angle, opening.verticalAngle);
+        expectTurned(view.See(turned, lod, 0.4), seen);
     }
+}
+
+TEST(VisibilityWithin, APyramidLiesBetweenTheConesThatTouchItsSidesAndEdges)
+{
+    const VoxelModel<bool> model = MakeModel(ReferenceModel(Extents(Frame, {-12, -12, -3}, {11, 11, 2}, 2), 2, 2));
+    const auto left = [](const VoxelModel<bool>& a, const VoxelModel<bool>& b) {
+        return CountFilled(Subtract(a, b, 2, false), 2);
+    };
+    for (std::uint64_t seed = 1; seed <= 20; ++seed) {
+        Random random(seed);
+        const double angle = seed == 1 ? 90 : static_cast<double>(random.Between(1, 179));
+        const double outer = 2 * std::atan(std::sqrt(2) * std::tan(angle * std::acos(-1) / 360)) * 180 / std::acos(-1);
+        PointCase view{{5000, 5000, 20'000}, Unlimited, false, {Opening::Pyramid, RandomDirection(random), angle, angle}};
+        const VoxelModel<bool> pyramid = view.See(model, 2, 1);
+        view.opening.kind = Opening::Cone;
+        EXPECT_EQ(left(view.See(model, 2, 1), pyramid), 0) << view;
+        view.opening.angle = outer + 1e-9;
+        EXPECT_EQ(left(pyramid, view.See(model, 2, 1)), 0) << view;
+    }
+}
+
+// From far away, the model lies in one direction.
+TEST(VisibilityWithin, LooksFromAnywhereInAnyDirection)
+{
+    const VoxelModel<bool> model = MakeModel(ReferenceModel(Extents(Frame, {-20, -20, -20}, {19, 19, 19}, 2), 2, 2));
+    constexpr std::int64_t all = 40 * 40 * 40;
+    for (const std::int64_t far : {Highest64, Lowest64, std::int64_t{1} << 40}) {
+        const std::int64_t away = far < 0 ? Lowest64 : Highest64;
+        const std::int64_t towards = far < 0 ? Highest64 : Lowest64;
+        for (const auto& [direction, count] : {std::pair{towards, all}, {away, std::int64_t{0}}}) {
+            const PointCase cone{{far, far, far}, Unlimited, false, {Opening::Cone, {direction, direction, direction}, 1e-2}};
+            const PointCase wide{{far, far, far}, Highest64, false, {Opening::Cone, {direction, direction, direction}, 350}};
+            const PointCase pyramid{{0, far, 0}, Unlimited, false, {Opening::Pyramid, {0, direction, 0}, 1e-2, 179}};
+            EXPECT_EQ(CountFilled(cone.See(model, 2, 0.5), 2), count) << cone;
+            EXPECT_EQ(CountFilled(wide.See(model, 2, 0.5), 2), count) << wide;
+            EXPECT_EQ(CountFilled(pyramid.See(model, 2, 0.5), 2), count) << pyramid;
+        }
+    }
+    // As narrow as angles can be: the axis. Almost everything: all but the axis behind.
+    const Triple centre{5000, 5000, 20'000};
+    const double narrow = std::numeric_limits<double>::denorm_min();
+    for (const auto& [angle, count] : {std::pair{narrow, 20}, {std::nextafter(360.0, 0), all - 20}}) {
+        const PointCase cone{centre, Unlimited, false, {Opening::Cone, {1, 0, 0}, angle}};
+        EXPECT_EQ(CountFilled(cone.See(model, 2, 1), 2), count) << cone;
+    }
+    const PointCase slit{centre, Unlimited, false, {Opening::Pyramid, {0, -1, 0}, std::nextafter(180.0, 0), narrow}};
+    EXPECT_EQ(CountFilled(slit.See(model, 2, 1), 2), 40 * 21);
 }
 
 TEST(VisibilityFromPoint, DoesNotPassClosedWalls)
@@ -454,15 +573,6 @@ TEST(VisibilityFromPoint, DoesNotPassClosedWalls)
     EXPECT_EQ(fromOutside.Where([&](const Triple& voxel) { return fromOutside.Value(voxel) && isInside(voxel); }).CountFilled(),
               0);
     EXPECT_GT(fromOutside.CountFilled(), 100'000);
-}
-
-TEST(VisibilityFromPoint, MarksAFilledEyeOnlyAtThresholdsThatMarkAll)
-{
-    const Extents extents(Frame, {-3, -3, -3}, {3, 3, 3}, 1);
-    const VoxelModel<bool> model =
-        MakeModel(ReferenceModel(extents, 1, 1).Where([](const Triple& voxel) { return voxel == Triple{}; }));
-    EXPECT_EQ(CountFilled(VisibilityFromPoint(model, {1, 2, 3}, 1, Unlimited, 1, false), 1), 7 * 7 * 7 - 1);
-    EXPECT_EQ(CountFilled(VisibilityFromPoint(model, {1, 2, 3}, 1, Unlimited, 0, false), 1), 7 * 7 * 7);
 }
 
 // Here (5m + 2)^2 = (4m + 1)^2 + (3m + 2)^2 - 1: the voxel whose centre is 3m + 2 beyond the point along x, and 4m + 1 along y, lies
@@ -546,6 +656,32 @@ TEST(Visibility, RefusesArgumentsInOrder)
     EXPECT_EQ(fromPoint(2, -1),
               "The maximum radius for visibility computation cannot be negative. The value encountered was -1.");
     EXPECT_EQ(fromPoint(2, Highest64), "(nothing was thrown)");
+
+    const auto withinCone = [&](const Triple& direction, double angle, std::int64_t lod, std::int64_t maxRadius) {
+        return MessageOf([&] { VisibilityWithinCone(model, {0, 0, 0}, direction, angle, lod, maxRadius, 0.5, false); });
+    };
+    const std::string cone = "The angle of the cone for visibility computation ";
+    EXPECT_EQ(withinCone({0, 0, 0}, 0, -1, -1), "The direction for visibility computation cannot be [0, 0, 0].");
+    EXPECT_EQ(withinCone({0, 0, 1}, 0, -1, -1), cone + "must be greater than 0. The value encountered was 0.");
+    EXPECT_EQ(withinCone({0, 0, 1}, -NotANumber, -1, -1), cone + "must be greater than 0. The value encountered was NaN.");
+    EXPECT_EQ(withinCone({0, 0, 1}, 360.5, -1, -1), cone + "cannot be greater than 360. The value encountered was 360.5.");
+    EXPECT_EQ(withinCone({0, 0, 1}, 360, -1, -1), negative);
+    EXPECT_EQ(withinCone({0, 0, 1}, 360, 2, -1), fromPoint(2, -1));
+
+    const auto withinPyramid = [&](const Triple& direction, double horizontal, double vertical, std::int64_t lod) {
+        return MessageOf([&] {
+            VisibilityWithinPyramid(model, {0, 0, 0}, direction, horizontal, vertical, lod, -1, 0.5, false);
+        });
+    };
+    const std::string angle = " angle of the pyramid for visibility computation must be ";
+    EXPECT_EQ(withinPyramid({0, 0, 0}, 0, 0, 3), "The direction for visibility computation cannot be [0, 0, 0].");
+    EXPECT_EQ(withinPyramid({0, 0, 1}, -1e300, 0, 3),
+              "The horizontal" + angle + "greater than 0. The value encountered was -1e+300.");
+    EXPECT_EQ(withinPyramid({0, 0, 1}, 180, 0, 3), "The horizontal" + angle + "less than 180. The value encountered was 180.");
+    EXPECT_EQ(withinPyramid({0, 0, 1}, 90, 0, 3), "The vertical" + angle + "greater than 0. The value encountered was 0.");
+    EXPECT_EQ(withinPyramid({0, 0, 1}, 90, 1 / 0.0, 3), "The vertical" + angle + "less than 180. The value encountered was inf.");
+    EXPECT_EQ(withinPyramid({0, 0, 1}, 90, 90, 3), beyond);
+    EXPECT_EQ(withinPyramid({0, 0, 1}, 90, 90, 2), fromPoint(2, -1));
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "Report.h"
 #include "TriangleFiles.h"
 
+#include <brix/triangles/Solidization.h>
 #include <brix/triangles/Tessellation.h>
 
 #include <charconv>
@@ -49,14 +50,36 @@ LevelFile ParseLevelFile(const std::string& text, std::int64_t finestLOD)
     return {lod, text.substr(equals + 1)};
 }
 
+namespace {
+
+void Save(const std::string& step, const std::vector<WorldTriangle>& triangles, const LevelFile& output, bool ascii, bool swapYZ,
+          const Stopwatch& watch)
+{
+    SaveTriangles(output.filePath, triangles, ascii, swapYZ);
+    PrintStep(step, output.filePath.string() + ": level " + std::to_string(output.lod) + ", " + std::to_string(triangles.size()) +
+                        " triangles " + watch.Text());
+}
+
+} // namespace
+
 void SaveVoxels(const VoxelModel<bool>& model, const LevelFile& output, bool ascii, bool swapYZ)
 {
     const Stopwatch watch;
     std::vector<WorldTriangle> triangles;
     TessellateVoxelModel(triangles, model, output.lod);
-    SaveTriangles(output.filePath, triangles, ascii, swapYZ);
-    PrintStep("write", output.filePath.string() + ": level " + std::to_string(output.lod) + ", " +
-                           std::to_string(triangles.size()) + " triangles " + watch.Text());
+    Save("write", triangles, output, ascii, swapYZ, watch);
+}
+
+void SaveSurface(const VoxelModel<bool>& model, const LevelFile& output, bool ascii, bool swapYZ)
+{
+    const Stopwatch watch;
+    std::vector<WorldTriangle> triangles;
+    for (const VoxelRectangle& rectangle : SolidizeVoxelModel(model, output.lod)) {
+        const auto [a, b, c, d] = ToWorldRectangle(rectangle, model.AxesRef(), output.lod);
+        triangles.push_back({a, b, c});
+        triangles.push_back({a, c, d});
+    }
+    Save("write-surface", triangles, output, ascii, swapYZ, watch);
 }
 
 } // namespace brix::tools

@@ -31,7 +31,8 @@ struct LevelFile
 /// Reads "voxels.stl", which stands for the finest level, or "2=coarse.stl". Throws UsageError for a level that there is not.
 LevelFile ParseLevelFile(const std::string& text, std::int64_t finestLOD);
 
-/// Writes the voxels of a level as STL and prints what was written.
+/// Writes the voxels of a level as STL and prints what was written: boxes, or the rectangles of the surface alone.
 void SaveVoxels(const VoxelModel<bool>& model, const LevelFile& output, bool ascii, bool swapYZ);
+void SaveSurface(const VoxelModel<bool>& model, const LevelFile& output, bool ascii, bool swapYZ);
 
 } // namespace brix::tools

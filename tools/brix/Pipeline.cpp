@@ -6,6 +6,7 @@
 #include <brix/operations/BasicOperations.h>
 #include <brix/operations/FillOperations.h>
 #include <brix/operations/SolidOperations.h>
+#include <brix/operations/SpecialOperations.h>
 #include <brix/operations/SurfaceOperations.h>
 #include <brix/travel/PathModel.h>
 #include <brix/visibility/Visibility.h>
@@ -52,6 +53,13 @@ public:
         const double x = Number();
         const double y = Number();
         return {x, y, Number()};
+    }
+
+    Triple Direction()
+    {
+        const int x = Integer();
+        const int y = Integer();
+        return {x, y, Integer()};
     }
 
 private:
@@ -114,10 +122,23 @@ auto Change(OneNumber operation)
     });
 }
 
-void WriteModel(Pipeline& pipeline, Arguments& arguments)
+// A step that writes the model by one of the functions for it.
+auto Write(void (*save)(const Voxels&, const LevelFile&, bool, bool))
 {
-    const LevelFile output = ParseLevelFile(arguments.Word(), pipeline.model.FinestLOD());
-    SaveVoxels(pipeline.model, output, pipeline.ascii, pipeline.grid.swapYZ);
+    return [save](Pipeline& pipeline, Arguments& arguments) {
+        const LevelFile output = ParseLevelFile(arguments.Word(), pipeline.model.FinestLOD());
+        save(pipeline.model, output, pipeline.ascii, pipeline.grid.swapYZ);
+    };
+}
+
+// The region with the most voxels, the first of several; the model itself when it is empty.
+Voxels LargestRegion(const Voxels& model)
+{
+    std::vector<Voxels> regions = AutoSplit(model);
+    const auto largest = std::max_element(regions.begin(), regions.end(), [](const Voxels& a, const Voxels& b) {
+        return CountFilled(a, a.FinestLOD()) < CountFilled(b, b.FinestLOD());
+    });
+    return largest == regions.end() ? model : Resize(std::move(*largest), model.ExtentsRef(model.FinestLOD()));
 }
 
 void DrawModel(Pipeline& pipeline, Arguments& arguments)
@@ -168,6 +189,8 @@ std::vector<Step> MakeSteps()
         {"no-guide", "", "end that", [](Pipeline& p, Arguments&) { p.guide.reset(); }},
         {"auto-adjust", "", "from here on, let extents follow the filled voxels",
          [](Pipeline& p, Arguments&) { p.autoAdjust = true; }},
+        {"keep-largest", "", "keep the largest of the regions that do not touch",
+         Replace([](const Pipeline& p, Arguments&) { return LargestRegion(p.model); })},
         {"auto-crop", "", "set the extents to the filled voxels",
          Replace([](const Pipeline& p, Arguments&) { return AutoCrop(p.model); })},
         {"refine", "LEVEL", "set the finest level of detail",
@@ -179,10 +202,8 @@ std::vector<Step> MakeSteps()
          })},
         {"visible-along", "X Y Z THRESHOLD", "what is seen looking in a direction of the grid",
          Replace([](const Pipeline& p, Arguments& a) {
-             const int x = a.Integer();
-             const int y = a.Integer();
-             const int z = a.Integer();
-             return VisibilityFromDirection(p.model, {x, y, z}, p.model.FinestLOD(), a.Number());
+             const Triple direction = a.Direction();
+             return VisibilityFromDirection(p.model, direction, p.model.FinestLOD(), a.Number());
          })},
         {"visible-from", "X Y Z RADIUS THRESHOLD", "what is seen from a point, up to a distance",
          Replace([](const Pipeline& p, Arguments& a) {
@@ -190,7 +211,27 @@ std::vector<Step> MakeSteps()
              const std::int64_t radius = p.model.AxesRef().FromWorldDistance(a.Number());
              return VisibilityFromPoint(p.model, point, p.model.FinestLOD(), radius, a.Number(), p.autoAdjust);
          })},
-        {"write", "[LEVEL=]FILE", "write the voxels as STL", WriteModel},
+        {"visible-in-cone", "X Y Z DX DY DZ ANGLE RADIUS THRESHOLD", "what is seen in a cone along a direction of the grid",
+         Replace([](const Pipeline& p, Arguments& a) {
+             const Triple point = Point(p, a);
+             const Triple direction = a.Direction();
+             const double angle = a.Number();
+             const std::int64_t radius = p.model.AxesRef().FromWorldDistance(a.Number());
+             return VisibilityWithinCone(p.model, point, direction, angle, p.model.FinestLOD(), radius, a.Number(), p.autoAdjust);
+         })},
+        {"visible-in-pyramid", "X Y Z DX DY DZ WIDTH HEIGHT RADIUS THRESHOLD", "what a camera sees; angles in degrees",
+         Replace([](const Pipeline& p, Arguments& a) {
+             const Triple point = Point(p, a);
+             const Triple direction = a.Direction();
+             const double width = a.Number();
+             const double height = a.Number();
+             const std::int64_t radius = p.model.AxesRef().FromWorldDistance(a.Number());
+             return VisibilityWithinPyramid(p.model, point, direction, width, height, p.model.FinestLOD(), radius, a.Number(),
+                                            p.autoAdjust);
+         })},
+        {"write", "[LEVEL=]FILE", "write the voxels as STL", Write(SaveVoxels)},
+        {"write-surface", "[LEVEL=]FILE", "write the surface of the voxels as STL, in as few rectangles as it takes",
+         Write(SaveSurface)},
         {"slice", "AXIS=POSITION FILE", "draw a slice as PNG", DrawModel},
     };
 }

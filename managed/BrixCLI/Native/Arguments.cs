@@ -50,6 +50,13 @@ internal struct PointTriple
     internal readonly List<double> ToList() => new List<double>(3) { X, Y, Z };
 }
 
+/// <summary>A world point and a direction from it.</summary>
+[StructLayout(LayoutKind.Sequential)]
+internal struct Ray
+{
+    internal PointTriple Point, Direction;
+}
+
 /// <summary>The managed layer's own checks, and the only place where their sentences are built.</summary>
 internal static class Arguments
 {
@@ -73,5 +80,6 @@ internal static class Arguments
 
     internal const string TrianglesOfNine = "The number of triangle vertex coordinates must be divisible by nine.";
     internal const string IndicesOfThree = "The number of triangle vertex indices must be divisible by three.";
+    internal const string PointsOfThree = "The number of point coordinates must be divisible by three.";
     internal const string VerticesOfThree = "The number of vertex coordinates must be divisible by three.";
 }

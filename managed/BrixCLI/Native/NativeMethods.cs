@@ -278,6 +278,24 @@ internal static unsafe class NativeMethods
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
     internal static extern int brix_invert(IntPtr model, IntPtr* result, NativeError* error);
 
+    // ---- Regions and densities (brix/operations/SpecialOperations.h) ----
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern void brix_models_free(IntPtr models);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_models_size(IntPtr models, long* result, NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_models_get(IntPtr models, long index, IntPtr* result, NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_auto_split(IntPtr model, IntPtr* result, NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_density_map(IntPtr* models, long modelCount, double* weights, long weightCount, double* levels,
+        long levelCount, long voxelLOD, IntPtr* result, NativeError* error);
+
     // ---- Growth and shrinkage (brix/operations/SurfaceOperations.h); `guide` may be NULL ----
 
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
@@ -359,10 +377,25 @@ internal static unsafe class NativeMethods
     internal static extern int brix_visibility_from_point(IntPtr model, PointTriple* pointCoords, long voxelLOD, double maxRadius,
         double threshold, int autoAdjustExtents, IntPtr* result, NativeError* error);
 
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_visibility_within_cone(IntPtr model, PointTriple* pointCoords, PointTriple* direction, double angle,
+        long voxelLOD, double maxRadius, double threshold, int autoAdjustExtents, IntPtr* result, NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_visibility_within_pyramid(IntPtr model, PointTriple* pointCoords, PointTriple* direction,
+        double horizontalAngle, double verticalAngle, long voxelLOD, double maxRadius, double threshold, int autoAdjustExtents,
+        IntPtr* result, NativeError* error);
+
     // ---- Conversions ----
 
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
     internal static extern int brix_tessellate_voxel_model(IntPtr model, long voxelLOD, IntPtr* result, NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_cuboidize_voxel_model(IntPtr model, long voxelLOD, IntPtr* result, NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_solidize_voxel_model(IntPtr model, long voxelLOD, IntPtr* result, NativeError* error);
 
     // ---- Travel (brix/travel/PathModel.h) ----
 
@@ -387,4 +420,54 @@ internal static unsafe class NativeMethods
 
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
     internal static extern int brix_path_model_agent_height_offset(IntPtr pathModel, long* result, NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_path_model_generate_sample_points(IntPtr pathModel, double spacing, long minDiameter,
+        IntPtr* result, NativeError* error);
+
+    // ---- Walking distances (brix/travel/DistanceField.h) ----
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_distance_field_create(IntPtr pathModel, double* sources, long sourceCount, double maxDistance,
+        IntPtr* result, NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern void brix_distance_field_free(IntPtr distanceField);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_distance_field_distance(IntPtr distanceField, PointTriple* pointCoords, double* result,
+        NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_distance_field_farthest_distance(IntPtr distanceField, double* result, NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_distance_field_farthest_voxel(IntPtr distanceField, IndexTriple* result3, NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_distance_field_reachable_voxels(IntPtr distanceField, IntPtr* result, NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_distance_field_reachable_within(IntPtr distanceField, double maxDistance, IntPtr* result,
+        NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_distance_field_distances(IntPtr distanceField, IntPtr* result, NativeError* error);
+
+    // ---- Shortest ways (brix/travel/Path.h) ----
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_path_create(IntPtr distanceField, PointTriple* pointCoords, IntPtr* result, NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern void brix_path_free(IntPtr path);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_path_length(IntPtr path, double* result, NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_path_voxels(IntPtr path, IntPtr* result, NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_path_points(IntPtr path, IntPtr* result, NativeError* error);
 }

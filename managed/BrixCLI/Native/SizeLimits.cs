@@ -12,6 +12,9 @@ internal static class SizeLimits
     /// <summary>int.MaxValue / 9, the triangles that a list's count can express.</summary>
     internal const int MaxTriangles = 238609294;
 
+    /// <summary>int.MaxValue / 6 boxes and int.MaxValue / 12 rectangles, likewise.</summary>
+    internal const int MaxCuboids = 357913941, MaxRectangles = 178956970;
+
     /// <summary>The most items that the runtime allows in an array, and so in a list; a little below int.MaxValue.</summary>
     internal const int MaxItems = 0x7FFFFFC7;
 
@@ -25,6 +28,11 @@ internal static class SizeLimits
 
     internal static void RequireTriangles(double count, double limit) =>
         Require("triangle", count, limit, MaxTriangles, "displaying");
+
+    internal static void RequireCuboids(double count, double limit) => Require("cuboid", count, limit, MaxCuboids, "converting");
+
+    internal static void RequireRectangles(double count, double limit) =>
+        Require("rectangle", count, limit, MaxRectangles, "converting");
 
     /// <summary>A kind of result against the host's limit, then against what a list can hold at all.</summary>
     internal static void Require(string kind, double count, double limit, int absoluteLimit, string remedy)

@@ -51,22 +51,11 @@ public static unsafe class SolidOperationsCLI
     private static VoxelModelCLI Combine(NativeCombination combination, List<VoxelModelCLI> voxelModelsCLI, int voxelLOD,
         bool autoAdjustExtents)
     {
-        IntPtr[] models = Pointers(voxelModelsCLI);
+        IntPtr[] models = ModelLists.Pointers(voxelModelsCLI, nameof(voxelModelsCLI));
         return new VoxelModelCLI((result, error) => {
             fixed (IntPtr* items = models) {
                 return combination(items, voxelModelsCLI.Count, voxelLOD, Engine.Flag(autoAdjustExtents), result, error);
             }
         });
-    }
-
-    /// <summary>The engine's models in the order of the list, with one more item, so that there is an address for an empty list.
-    /// A null is left to the engine, which has a message for it at its place among the others.</summary>
-    private static IntPtr[] Pointers(List<VoxelModelCLI> voxelModelsCLI)
-    {
-        var pointers = new IntPtr[Arguments.Required(voxelModelsCLI, nameof(voxelModelsCLI)).Count + 1];
-        for (int i = 0; i < voxelModelsCLI.Count; ++i) {
-            pointers[i] = voxelModelsCLI[i].Optional(nameof(voxelModelsCLI) + "[" + i + "]");
-        }
-        return pointers;
     }
 }

@@ -47,4 +47,58 @@ public static unsafe class VisibilityOperationsCLI
             (point, result, error) => NativeMethods.brix_visibility_from_point(voxelModelCLI.Pointer, point, voxelLOD, maxRadius,
                 threshold, Engine.Flag(autoAdjustExtents), result, error)));
     }
+
+    /// <summary>What is seen from a point within a cone around a direction: the voxels of <see cref="VisibilityFromPoint"/> whose
+    /// centre lies in the cone, and the point's own.</summary>
+    /// <param name="voxelModelCLI">the model</param>
+    /// <param name="pointCoords">three world coordinates, anywhere: the apex</param>
+    /// <param name="direction">three numbers, a world vector of any length: the axis</param>
+    /// <param name="angle">the full opening angle in degrees, greater than 0 and at most 360</param>
+    /// <param name="voxelLOD">0 to the model's finest level</param>
+    /// <param name="maxRadius">world units: voxels whose centre is farther away are never marked; for no limit, what <see
+    /// cref="AxesCLI.ValidateDistance"/> returns for -1</param>
+    /// <param name="threshold">the least value that counts as visible; 0 and below mark every voxel in view</param>
+    /// <param name="autoAdjustExtents">true: the surroundings of the point that are in view are looked at, and the result is
+    /// bounded by what is visible; false: the extents stay</param>
+    /// <exception cref="Exception">the model is null or disposed of; there are fewer than three coordinates or numbers; the
+    /// direction is zero or not finite; the angle is out of its range; then as for <see cref="VisibilityFromPoint"/></exception>
+    public static VoxelModelCLI VisibilityWithinCone(VoxelModelCLI voxelModelCLI, List<double> pointCoords,
+        List<double> direction, double angle, int voxelLOD, double maxRadius, double threshold, bool autoAdjustExtents)
+    {
+        voxelModelCLI.Required();
+        return new VoxelModelCLI(Engine.Call<Ray, IntPtr>(RayOf(pointCoords, direction), (ray, result, error) =>
+            NativeMethods.brix_visibility_within_cone(voxelModelCLI.Pointer, &ray->Point, &ray->Direction, angle, voxelLOD,
+                maxRadius, threshold, Engine.Flag(autoAdjustExtents), result, error)));
+    }
+
+    /// <summary>What a camera at a point sees: the voxels of <see cref="VisibilityFromPoint"/> whose centre lies in its view, and
+    /// the point's own. The camera is held upright.</summary>
+    /// <param name="voxelModelCLI">the model</param>
+    /// <param name="pointCoords">three world coordinates, anywhere: the camera</param>
+    /// <param name="direction">three numbers, a world vector of any length: where it looks</param>
+    /// <param name="horizontalAngle">the full angle of its view from left to right in degrees, between 0 and 180</param>
+    /// <param name="verticalAngle">the full angle from bottom to top, likewise</param>
+    /// <param name="voxelLOD">0 to the model's finest level</param>
+    /// <param name="maxRadius">world units: voxels whose centre is farther away are never marked; for no limit, what <see
+    /// cref="AxesCLI.ValidateDistance"/> returns for -1</param>
+    /// <param name="threshold">the least value that counts as visible; 0 and below mark every voxel in view</param>
+    /// <param name="autoAdjustExtents">true: the surroundings of the point that are in view are looked at, and the result is
+    /// bounded by what is visible; false: the extents stay</param>
+    /// <exception cref="Exception">the model is null or disposed of; there are fewer than three coordinates or numbers; the
+    /// direction is zero or not finite; the horizontal angle, then the vertical one, is out of its range; then as for <see
+    /// cref="VisibilityFromPoint"/></exception>
+    public static VoxelModelCLI VisibilityWithinPyramid(VoxelModelCLI voxelModelCLI, List<double> pointCoords,
+        List<double> direction, double horizontalAngle, double verticalAngle, int voxelLOD, double maxRadius, double threshold,
+        bool autoAdjustExtents)
+    {
+        voxelModelCLI.Required();
+        return new VoxelModelCLI(Engine.Call<Ray, IntPtr>(RayOf(pointCoords, direction), (ray, result, error) =>
+            NativeMethods.brix_visibility_within_pyramid(voxelModelCLI.Pointer, &ray->Point, &ray->Direction, horizontalAngle,
+                verticalAngle, voxelLOD, maxRadius, threshold, Engine.Flag(autoAdjustExtents), result, error)));
+    }
+
+    private static Ray RayOf(List<double> pointCoords, List<double> direction) => new Ray {
+        Point = PointTriple.Of(pointCoords, nameof(pointCoords)),
+        Direction = PointTriple.Of(direction, nameof(direction)),
+    };
 }

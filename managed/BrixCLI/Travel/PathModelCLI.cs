@@ -1,4 +1,5 @@
 using System;
+using System.Collections.Generic;
 
 namespace BrixCLI;
 
@@ -49,4 +50,14 @@ public sealed unsafe class PathModelCLI : EngineObject
     /// <summary>The agent's height in voxels.</summary>
     public long AgentHeightOffset() =>
         Engine.Call<long>((result, error) => NativeMethods.brix_path_model_agent_height_offset(Pointer, result, error));
+
+    /// <summary>Points spread over the voxels in which the agent can stand: one in every cell of a horizontal grid for every
+    /// connected floor in it, at the voxel nearest to the middle of the cell.</summary>
+    /// <param name="spacing">the width of the cells in world units</param>
+    /// <param name="minDiameter">in voxels, at least 1: floors that are narrower get no points</param>
+    /// <returns>three world coordinates per point, the centre of its voxel</returns>
+    /// <exception cref="Exception">the diameter is less than 1; the spacing is less than the width of a voxel; there would be too
+    /// many cells</exception>
+    public List<double> GenerateSamplePoints(double spacing, long minDiameter) => NumberLists.Take(Engine.Call<IntPtr>(
+        (result, error) => NativeMethods.brix_path_model_generate_sample_points(Pointer, spacing, minDiameter, result, error)));
 }

@@ -1,0 +1,173 @@
+#include "RegionLabels.h"
+
+#include "../frame/Require.h"
+#include "../model/ForEachStack.h"
+#include "../model/InstructionSet.h"
+
+#include <limits>
+
+namespace brix {
+namespace {
+
+using Plate = VoxelPlate<bool>;
+using Stack = VoxelStack<bool>;
+
+// The number of the run of a row that holds bit x.
+constexpr std::size_t RunOf(unsigned row, int x)
+{
+    return static_cast<std::size_t>(std::popcount(RunStarts(row) & ((2U << x) - 1))) - 1;
+}
+
+constexpr std::size_t RunCount(unsigned row) { return static_cast<std::size_t>(std::popcount(RunStarts(row))); }
+
+} // namespace
+
+RegionLabels::RegionLabels(const VoxelModel<bool>& model, const LevelGrid& grid) : grid_(grid), stacks_(grid.StackCount())
+{
+    RunWith(FastestInstructionSet(), [&] {
+        ForEachStack(model, model.FinestLOD(), [&](const VoxelStore<bool>& store, const StackIndices& ij) {
+            if (!store.VoxelStackRef(ij).IsUnallocated()) AddStack(LevelGrid::ContainingStack(store.LowerIndices(ij)));
+        });
+        NumberRegions();
+    });
+}
+
+// In stack order the neighbours at the lower sides of a stack have been there before.
+void RegionLabels::AddStack(const Triple& stack)
+{
+    const std::size_t first = labels_.size();
+    for (const Plate& plate : grid_.StackAt(stack).Plates()) AddPlate(plate);
+    stacks_[grid_.Number(stack)] = {first, labels_.size() - first};
+
+    const auto plates = grid_.StackAt(stack).Plates();
+    const Region* below = labels_.data() + first;
+    for (std::size_t layer = 1; layer < plates.size(); ++layer) {
+        const Region* const here = below + brix::RunCount(plates[layer - 1]);
+        JoinPlates(plates[layer - 1], below, plates[layer], here);
+        below = here;
+    }
+    JoinBelow(stack);
+    JoinBeside(stack, Minus(stack, {1, 0, 0}), [&](const Plate& a, const Region* ofA, const Plate& b, const Region* ofB) {
+        for (std::size_t y = 0; y < Plate::Side; ++y) {
+            ofA += RunCount(a.rows[y]);
+            if ((a.rows[y] >> 15 & b.rows[y] & 1) != 0) Unite(ofA[-1], *ofB);
+            ofB += RunCount(b.rows[y]);
+        }
+    });
+    JoinBeside(stack, Minus(stack, {0, 1, 0}), [&](const Plate& a, const Region* ofA, const Plate& b, const Region* ofB) {
+        if ((a.rows[15] & b.rows[0]) == 0) return;
+        JoinRows(a.rows[15], ofA + brix::RunCount(a) - RunCount(a.rows[15]), b.rows[0], ofB);
+    });
+}
+
+// Labels the runs of a plate; a run that touches one of the row before takes that label.
+void RegionLabels::AddPlate(const Plate& plate)
+{
+    unsigned before = 0;
+    std::size_t labelsBefore = labels_.size();
+    for (const unsigned row : plate.rows) {
+        const std::size_t labelsHere = labels_.size();
+        for (unsigned runs = row; runs != 0; runs = WithoutLowestRun(runs)) {
+            unsigned touched = (runs ^ WithoutLowestRun(runs)) & before;
+            const Region label = touched != 0 ? labels_[labelsBefore + RunOf(before, std::countr_zero(touched))] : MakeLabel();
+            for (touched = WithoutLowestRun(touched); touched != 0; touched = WithoutLowestRun(touched)) {
+                Unite(label, labels_[labelsBefore + RunOf(before, std::countr_zero(touched))]);
+            }
+            labels_.push_back(label);
+        }
+        before = row;
+        labelsBefore = labelsHere;
+    }
+}
+
+// The top layer of the stack below and the bottom layer of this one.
+void RegionLabels::JoinBelow(const Triple& stack)
+{
+    const Triple below = Minus(stack, {0, 0, 1});
+    if (grid_.StackAt(below).IsUnallocated()) return;
+    const std::span<const Region> regions = RegionsOf(below);
+    const Plate& top = grid_.StackAt(below).Plates().back();
+    JoinPlates(top, regions.data() + regions.size() - brix::RunCount(top), grid_.StackAt(stack).Plates().front(),
+               RegionsOf(stack).data());
+}
+
+// Calls join(plate, its labels, plate, its labels) for all plates of two stacks, the other first, that share heights.
+template <class Join> void RegionLabels::JoinBeside(const Triple& stack, const Triple& other, const Join& join)
+{
+    const Stack& a = grid_.StackAt(other);
+    const Stack& b = grid_.StackAt(stack);
+    if (a.IsUnallocated()) return;
+    const Region* labelsA = RegionsOf(other).data();
+    const Region* labelsB = RegionsOf(stack).data();
+    for (std::int32_t layerA = 0, layerB = 0; layerA < a.LayerCount() && layerB < b.LayerCount();) {
+        const Plate& plateA = a.LayerVoxelPlateRef(layerA);
+        const Plate& plateB = b.LayerVoxelPlateRef(layerB);
+        join(plateA, labelsA, plateB, labelsB);
+        const std::int64_t endA = a.UpperOffset(layerA);
+        const std::int64_t endB = b.UpperOffset(layerB);
+        if (endA <= endB) {
+            labelsA += brix::RunCount(plateA);
+            ++layerA;
+        }
+        if (endB <= endA) {
+            labelsB += brix::RunCount(plateB);
+            ++layerB;
+        }
+    }
+}
+
+void RegionLabels::JoinRows(unsigned rowA, const Region* labelsA, unsigned rowB, const Region* labelsB)
+{
+    for (unsigned shared = rowA & rowB; shared != 0; shared = WithoutLowestRun(shared)) {
+        const int x = std::countr_zero(shared);
+        Unite(labelsA[RunOf(rowA, x)], labelsB[RunOf(rowB, x)]);
+    }
+}
+
+void RegionLabels::JoinPlates(const Plate& a, const Region* labelsA, const Plate& b, const Region* labelsB)
+{
+    for (std::size_t y = 0; y < Plate::Side; ++y) {
+        JoinRows(a.rows[y], labelsA, b.rows[y], labelsB);
+        labelsA += RunCount(a.rows[y]);
+        labelsB += RunCount(b.rows[y]);
+    }
+}
+
+// The lowest label of a region was given to its first voxel, so that regions come in the order of their roots. A label's parent is
+// lower than the label, and has its region already.
+void RegionLabels::NumberRegions()
+{
+    Region count = 0;
+    for (Region label = 0; label < parents_.size(); ++label) {
+        parents_[label] = parents_[label] == label ? count++ : parents_[parents_[label]];
+    }
+    for (Region& label : labels_) label = parents_[label];
+    regionCount_ = count;
+}
+
+RegionLabels::Region RegionLabels::MakeLabel()
+{
+    Require(parents_.size() < std::numeric_limits<Region>::max(), "The voxel model has too many regions to be split.");
+    parents_.push_back(static_cast<Region>(parents_.size()));
+    return parents_.back();
+}
+
+// Halves the path on the way.
+RegionLabels::Region RegionLabels::RootOf(Region label)
+{
+    while (parents_[label] != label) {
+        parents_[label] = parents_[parents_[label]];
+        label = parents_[label];
+    }
+    return label;
+}
+
+void RegionLabels::Unite(Region a, Region b)
+{
+    if (a == b) return;
+    const Region rootA = RootOf(a);
+    const Region rootB = RootOf(b);
+    parents_[std::max(rootA, rootB)] = std::min(rootA, rootB);
+}
+
+} // namespace brix

@@ -1,0 +1,74 @@
+// Which region a filled voxel belongs to. A region is connected through the faces of its voxels. What is labelled are not voxels but
+// the bit runs of stored plates, which stand for all heights of their layer; runs that touch are united (union-find).
+//
+//   row 0   ##..#      runs 0 and 1 of the plate
+//   row 1   .####      run 2, of the region of both
+//
+// Cost: proportional to the stored bit runs (with the logarithm that uniting by the lower label allows, which is not seen in
+// practice), and a number for every stack.
+#pragma once
+
+#include "LevelGrid.h"
+
+#include <span>
+
+namespace brix {
+
+/// The first voxels of a row's runs, bit by bit.
+constexpr unsigned RunStarts(unsigned row) { return row & ~(row << 1); }
+
+/// A row without the lowest of its runs.
+constexpr unsigned WithoutLowestRun(unsigned row) { return row & (row + (row & (0U - row))); }
+
+/// The number of runs in all rows of a plate.
+constexpr std::size_t RunCount(const VoxelPlate<bool>& plate)
+{
+    return static_cast<std::size_t>(Count(AndNot(plate, TowardsLowerX(plate, VoxelPlate<bool>{}))));
+}
+
+class RegionLabels
+{
+public:
+    using Region = std::uint32_t;
+
+    /// Labels the finest level of a model, of which `grid` is the grid of stacks.
+    /// Throws std::domain_error when more than 2^32 - 1 labels are needed on the way.
+    RegionLabels(const VoxelModel<bool>& model, const LevelGrid& grid);
+
+    /// Regions are numbered from 0 to RegionCount() - 1 by their first voxel: in stack order, inside a stack by z, then y, then x.
+    std::size_t RegionCount() const { return regionCount_; }
+
+    /// The regions of a stack's runs: layers bottom to top, rows by y, runs by x.
+    std::span<const Region> RegionsOf(const Triple& stack) const
+    {
+        const StackRuns& runs = stacks_[grid_.Number(stack)];
+        return {labels_.data() + runs.first, runs.count};
+    }
+
+private:
+    struct StackRuns
+    {
+        std::size_t first = 0;
+        std::size_t count = 0;
+    };
+
+    void AddStack(const Triple& stack);
+    void AddPlate(const VoxelPlate<bool>& plate);
+    void JoinBelow(const Triple& stack);
+    template <class Join> void JoinBeside(const Triple& stack, const Triple& other, const Join& join);
+    void JoinRows(unsigned rowA, const Region* labelsA, unsigned rowB, const Region* labelsB);
+    void JoinPlates(const VoxelPlate<bool>& a, const Region* labelsA, const VoxelPlate<bool>& b, const Region* labelsB);
+    void NumberRegions();
+
+    Region MakeLabel();
+    Region RootOf(Region label);
+    void Unite(Region a, Region b);
+
+    const LevelGrid& grid_;
+    std::vector<StackRuns> stacks_; // by number
+    std::vector<Region> labels_;    // of every run; regions in the end
+    std::vector<Region> parents_;   // of every label, never higher than the label itself
+    std::size_t regionCount_ = 0;
+};
+
+} // namespace brix

@@ -1,0 +1,80 @@
+#include "DistanceField.h"
+
+#include "../frame/Require.h"
+#include "DistanceSearch.h"
+#include "VoxelPainter.h"
+
+#include <limits>
+
+namespace brix {
+namespace {
+
+using Index = TraversableGraph::Index;
+
+// The traversable voxel that a source stands for, or None.
+Index Ground(const TraversableGraph& graph, const Triple& source, std::int64_t agentHeight)
+{
+    const Extents& extents = graph.ExtentsRef();
+    Triple voxel = extents.AxesRef().ContainingVoxel(source, extents.VoxelLOD());
+    const std::int64_t lowest = std::max(extents.LowerIndices()[2], voxel[2] - std::min(agentHeight, MaxCoordinate));
+    for (voxel[2] = std::min(voxel[2], extents.UpperIndices()[2]); voxel[2] >= lowest; --voxel[2]) {
+        const Index ground = graph.Find(voxel);
+        if (ground != TraversableGraph::None) return ground;
+    }
+    return TraversableGraph::None;
+}
+
+std::vector<Index> Grounds(const TraversableGraph& graph, const std::vector<Triple>& sources, std::int64_t agentHeight)
+{
+    Require(!sources.empty(), "At least one source point is required to construct a distance field.");
+    std::vector<Index> grounds;
+    for (const Triple& source : sources) {
+        const Index ground = Ground(graph, source, agentHeight);
+        if (ground != TraversableGraph::None) grounds.push_back(ground);
+    }
+    Require(!grounds.empty(),
+            "None of the source points used to construct a distance field is on a traversable voxel, or above one "
+            "within the height of the agent.");
+    return grounds;
+}
+
+} // namespace
+
+DistanceField::DistanceField(const PathModel& pathModel, const std::vector<std::array<std::int64_t, 3>>& sources,
+                             std::int64_t maxDistance)
+    : graph_(pathModel.TraversableVoxels())
+{
+    const std::vector<Index> grounds = Grounds(graph_, sources, pathModel.AgentHeightOffset());
+    RequireNotNegative("The maximum distance used to construct a distance field", maxDistance);
+    DistanceSearch(graph_, static_cast<double>(maxDistance), distances_, bends_).Run(grounds);
+    farthest_ = grounds.front();
+    for (Index voxel = 0; voxel < graph_.Size(); ++voxel) {
+        if (IsReached(voxel) && distances_[voxel] > distances_[farthest_]) farthest_ = voxel;
+    }
+}
+
+DistanceField::Index DistanceField::FindReached(const Triple& point) const
+{
+    const Index voxel = graph_.Find(AxesRef().ContainingVoxel(point, VoxelLOD()));
+    return voxel != TraversableGraph::None && IsReached(voxel) ? voxel : TraversableGraph::None;
+}
+
+std::int64_t DistanceField::Distance(const std::array<std::int64_t, 3>& point) const
+{
+    const Index voxel = FindReached(point);
+    return voxel == TraversableGraph::None ? -1 : Rounded(voxel);
+}
+
+VoxelModel<bool> DistanceField::ReachableVoxels() const { return ReachableVoxels(std::numeric_limits<std::int64_t>::max()); }
+
+VoxelModel<bool> DistanceField::ReachableVoxels(std::int64_t maxDistance) const
+{
+    RequireNotNegative("The maximum distance of reachable voxels", maxDistance);
+    VoxelPainter painter(ExtentsRef());
+    ForEachReachable([&](const Triple& voxel, std::int64_t distance) {
+        if (distance <= maxDistance) painter.Fill(voxel);
+    });
+    return painter.Take();
+}
+
+} // namespace brix

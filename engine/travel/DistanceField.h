@@ -1,0 +1,77 @@
+// Walking distances over the traversable voxels of a path model, from the nearest of a set of sources.
+//
+//     . . . . . . #          A way leads straight from voxel centre to voxel centre as long as the line lies over traversable voxels,
+//     . T - - + . #          and bends at a voxel's centre (+) where it has to: round a corner, or at the foot of a flight of stairs.
+//     . # # # # \ #          Its length is that of the line in space, not a number of steps on the grid.
+//     . . . . . . S
+//
+// Straight means straight in space: along a piece the ground rises and falls with the line to within one voxel. The steps of a flight of
+// stairs, and the layers of a slope, are walked on their slope.
+#pragma once
+
+#include "PathModel.h"
+#include "TraversableGraph.h"
+
+namespace brix {
+
+/// Immutable once made. Needs the path model only while it is made.
+class DistanceField
+{
+public:
+    /// `pathModel`    what can be walked on. A step leads to one of the eight columns around, at the same height or one voxel up or
+    ///                down; a diagonal one where one of the two columns between has ground at a height in step with both ends
+    /// `sources`      base units, where distance is 0: each in a traversable voxel, or above one by at most the agent's height. The
+    ///                nearest one below is taken; a source without one is ignored
+    /// `maxDistance`  base units: what is farther counts as unreachable; any large number for no limit
+    /// Throws std::domain_error when there is no source, when none remains, and when the distance is negative, in this order.
+    ///
+    /// Method: any-angle search. Voxels are settled in the order of distance, in buckets of half a voxel's width; each knows the voxel
+    /// where its way bends last and offers it to the eight around, which take it when they see it, else the way by way of the
+    /// neighbour. A line from a bend is free when the two voxels are in sight that it passes between in the column before: the strip
+    /// between two such lines is narrower than a voxel. Where only one of them is, it knows the obstacle that hides the other.
+    /// Distances are never below those of the shortest way of straight pieces from centre to centre; on open floor they are exact;
+    /// around corners within 2 % (in plans of nothing but random obstacles, one voxel of some millions misses that by 1 %).
+    /// Cost: about half a microsecond a voxel; 41 bytes a voxel kept and 37 more meanwhile, none for others.
+    DistanceField(const PathModel& pathModel, const std::vector<std::array<std::int64_t, 3>>& sources, std::int64_t maxDistance);
+
+    /// The frame, and the bounds of the path model's traversable voxels, at its level.
+    const Axes& AxesRef() const { return graph_.ExtentsRef().AxesRef(); }
+    const Extents& ExtentsRef() const { return graph_.ExtentsRef(); }
+    std::int64_t VoxelLOD() const { return ExtentsRef().VoxelLOD(); }
+
+    /// Distance in base units, rounded, of the voxel that holds a base-unit point; -1 where that cannot be reached. A voxel's distance
+    /// is that of its centre.
+    std::int64_t Distance(const std::array<std::int64_t, 3>& point) const;
+
+    /// The largest distance, and the voxel that has it: of several the one of the lowest y, then x, then z.
+    std::int64_t FarthestDistance() const { return Rounded(farthest_); }
+    Triple FarthestVoxel() const { return graph_.VoxelIndices(farthest_); }
+
+    /// What can be reached, or reached within a distance in base units, on the extents of the traversable voxels.
+    /// Throws std::domain_error when the distance is negative.
+    VoxelModel<bool> ReachableVoxels() const;
+    VoxelModel<bool> ReachableVoxels(std::int64_t maxDistance) const;
+
+    /// Calls visit(voxelIndices, distance) for every voxel that can be reached, row by row (y), along x, upwards in each column.
+    template <class Visit> void ForEachReachable(const Visit& visit) const
+    {
+        for (Index voxel = 0; voxel < graph_.Size(); ++voxel) {
+            if (IsReached(voxel)) visit(graph_.VoxelIndices(voxel), Rounded(voxel));
+        }
+    }
+
+private:
+    friend class Path;
+    using Index = TraversableGraph::Index;
+
+    bool IsReached(Index voxel) const { return bends_[voxel] != TraversableGraph::None; }
+    std::int64_t Rounded(Index voxel) const { return static_cast<std::int64_t>(distances_[voxel] + 0.5); }
+    Index FindReached(const Triple& point) const; // None where nothing is reached
+
+    TraversableGraph graph_;
+    std::vector<double> distances_; // base units; where reached
+    std::vector<Index> bends_;      // the last voxel before this one where the way bends, itself for a source; None: not reached
+    Index farthest_ = 0;
+};
+
+} // namespace brix

@@ -1,0 +1,102 @@
+#include "Cuboidization.h"
+
+#include "../frame/Require.h"
+#include "../model/ForEachStack.h"
+#include "HeightSweep.h"
+#include "StackFaces.h"
+
+#include <tuple>
+
+namespace brix {
+namespace {
+
+class CuboidMaker
+{
+public:
+    CuboidMaker(const VoxelModel<bool>& model, std::int64_t lod) : model_(model), lod_(lod) {}
+
+    std::vector<VoxelCuboid> MakeCuboids()
+    {
+        const std::int64_t upper = model_.UpperChunkIndices()[2];
+        for (std::int64_t z = model_.LowerChunkIndices()[2]; z <= upper; ++z) AddLayer(z);
+        EndLayer((upper + 1) * ChunkHeight);
+        return std::move(cuboids_);
+    }
+
+private:
+    // Writes what the joiner emits; its lines are the ranges along x.
+    auto Writer()
+    {
+        return [this](std::uint64_t rangeX, const IndexRange& y, const IndexRange& z) {
+            const IndexRange x = UnpackRange(rangeX);
+            cuboids_.push_back({{x.lower, y.lower, z.lower}, {x.upper, y.upper, z.upper}});
+        };
+    }
+
+    void AddLayer(std::int64_t chunkZ);
+    void AddRunEnds(const VoxelStack<bool>& stack, const Triple& corner);
+    void EndLayer(std::int64_t bottom) { joiner_.EndLayer(bottom, Writer()); }
+
+    const VoxelModel<bool>& model_;
+    std::int64_t lod_;
+    std::vector<Cell> ends_; // of runs along x; a line is a row of voxels
+    std::vector<Cell> runs_; // as cells along y; a line is a range along x
+    HeightJoiner joiner_;
+    std::vector<VoxelCuboid> cuboids_;
+};
+
+void CuboidMaker::AddLayer(std::int64_t chunkZ)
+{
+    const std::int64_t bottom = chunkZ * ChunkHeight;
+    ends_.clear();
+    runs_.clear();
+    ForEachStackOfLayer(model_, lod_, chunkZ, [&](const VoxelStore<bool>& store, const StackIndices& ij) {
+        AddRunEnds(store.VoxelStackRef(ij), store.LowerIndices(ij));
+    });
+    MergeToggles(ends_, [&](std::uint64_t row, const IndexRange& x, Heights heights) {
+        runs_.emplace_back(PackRange(x), UnpackPosition(row), heights);
+    });
+    MergeCells(runs_, [&](std::uint64_t rangeX, const IndexRange& y, Heights heights) {
+        joiner_.Add(rangeX, y, heights, bottom, Writer());
+    });
+    EndLayer(bottom);
+}
+
+// A row's heights come at a run's first voxel and go after its last: where it has faces across x.
+void CuboidMaker::AddRunEnds(const VoxelStack<bool>& stack, const Triple& corner)
+{
+    const auto isSolidBeside = [&](std::int64_t step) { return IsSolid(StackBeside(model_, lod_, corner, {step, 0, 0})); };
+    if (stack.IsUnallocated() || (IsSolid(stack) && isSolidBeside(-16) && isSolidBeside(16))) return;
+    const StackColumns columns(model_, lod_, stack, corner);
+    for (std::int64_t y = 0; y < 16; ++y) {
+        const std::uint64_t row = PackPosition(corner[1] + y);
+        for (std::int64_t x = 0; x < 16; ++x) {
+            const Heights first = FacesBeside(columns, x, y, {-1, 0});
+            const Heights last = FacesBeside(columns, x, y, {1, 0});
+            if (first != 0) ends_.emplace_back(row, corner[0] + x, first);
+            if (last != 0) ends_.emplace_back(row, corner[0] + x + 1, last);
+        }
+    }
+}
+
+} // namespace
+
+std::vector<VoxelCuboid> CuboidizeVoxelModel(const VoxelModel<bool>& model, std::int64_t lod)
+{
+    RequireLevelOf(model.FinestLOD(), "The level of detail for voxel cuboidization", lod);
+    std::vector<VoxelCuboid> cuboids = CuboidMaker(model, lod).MakeCuboids();
+    const auto order = [](const VoxelCuboid& cuboid) { return std::tuple(cuboid.lower[2], cuboid.lower[1], cuboid.lower[0]); };
+    std::sort(cuboids.begin(), cuboids.end(), [&](const VoxelCuboid& a, const VoxelCuboid& b) { return order(a) < order(b); });
+    return cuboids;
+}
+
+std::array<double, 6> ToWorldCuboid(const VoxelCuboid& cuboid, const Axes& axes, std::int64_t lod)
+{
+    const Triple lower = axes.VoxelCorner(cuboid.lower, lod);
+    const Triple upper = Plus(axes.VoxelCorner(cuboid.upper, lod), axes.VoxelSize(lod));
+    const Triple size = Minus(upper, lower);
+    const auto [x, y, z] = axes.ToWorldCoordinates(lower);
+    return {x, y, z, axes.ToWorldDistance(size[0]), axes.ToWorldDistance(size[1]), axes.ToWorldDistance(size[2])};
+}
+
+} // namespace brix

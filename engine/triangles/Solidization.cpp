@@ -1,0 +1,192 @@
+#include "Solidization.h"
+
+#include "../frame/Require.h"
+#include "../model/ForEachStack.h"
+#include "HeightSweep.h"
+#include "StackFaces.h"
+
+#include <tuple>
+
+namespace brix {
+namespace {
+
+class RectangleMaker
+{
+public:
+    RectangleMaker(const VoxelModel<bool>& model, std::int64_t lod) : model_(model), lod_(lod) {}
+
+    std::vector<VoxelRectangle> MakeRectangles()
+    {
+        const std::int64_t upper = model_.UpperChunkIndices()[2];
+        for (std::int64_t z = model_.LowerChunkIndices()[2]; z <= upper; ++z) AddLayer(z);
+        for (Facing& facing : facings_) EndLayer(facing, (upper + 1) * ChunkHeight);
+        return std::move(rectangles_);
+    }
+
+private:
+    // The faces of a layer of chunks to one side, by the ends of their runs in each stack. Lines are the planes across x or y; or,
+    // towards z, where every height is a plane, the rows along x.
+    struct Facing
+    {
+        Axis axis;
+        Side side;
+        std::vector<Cell> ends{};
+        HeightJoiner joiner{}; // of those across x and y
+
+        std::int64_t Step() const { return side == Side::Upper ? 1 : -1; }
+        std::int64_t Plane() const { return side == Side::Upper ? 1 : 0; } // counted from the voxel
+    };
+
+    // Writes an upright rectangle; the joiner's lines are planes.
+    auto Writer(const Facing& facing)
+    {
+        return [this, axis = facing.axis, side = facing.side](std::uint64_t line, const IndexRange& along, const IndexRange& z) {
+            const std::int64_t plane = UnpackPosition(line);
+            if (axis == Axis::X)
+                rectangles_.push_back({axis, side, {plane, along.lower, z.lower}, {plane, along.upper + 1, z.upper + 1}});
+            else
+                rectangles_.push_back({axis, side, {along.lower, plane, z.lower}, {along.upper + 1, plane, z.upper + 1}});
+        };
+    }
+
+    void AddLayer(std::int64_t chunkZ);
+    void AddFaces(const VoxelStack<bool>& stack, const Triple& corner);
+    void AddFacesBeside(Facing& facing, const StackColumns& columns, const Triple& corner);
+    void AddFacesStacked(Facing& facing, const StackColumns& columns, const Triple& corner);
+    bool IsBuried(const VoxelStack<bool>& stack, const Triple& corner) const;
+
+    void MergeUpright(Facing& facing, std::int64_t bottom);
+    void MergeLevel(Facing& facing, std::int64_t bottom);
+    void EndLayer(Facing& facing, std::int64_t bottom) { facing.joiner.EndLayer(bottom, Writer(facing)); }
+
+    const VoxelModel<bool>& model_;
+    std::int64_t lod_;
+    std::array<Facing, 6> facings_{{{Axis::X, Side::Lower},
+                                    {Axis::X, Side::Upper},
+                                    {Axis::Y, Side::Lower},
+                                    {Axis::Y, Side::Upper},
+                                    {Axis::Z, Side::Lower},
+                                    {Axis::Z, Side::Upper}}};
+    std::vector<Cell> runs_; // of level faces along x, as cells along y
+    std::vector<VoxelRectangle> rectangles_;
+};
+
+void RectangleMaker::AddLayer(std::int64_t chunkZ)
+{
+    const std::int64_t bottom = chunkZ * ChunkHeight;
+    for (Facing& facing : facings_) facing.ends.clear();
+    ForEachStackOfLayer(model_, lod_, chunkZ, [&](const VoxelStore<bool>& store, const StackIndices& ij) {
+        const VoxelStack<bool>& stack = store.VoxelStackRef(ij);
+        const Triple corner = store.LowerIndices(ij);
+        if (!stack.IsUnallocated() && !IsBuried(stack, corner)) AddFaces(stack, corner);
+    });
+    for (Facing& facing : facings_) facing.axis == Axis::Z ? MergeLevel(facing, bottom) : MergeUpright(facing, bottom);
+}
+
+// Whether a stack and all around it are filled throughout.
+bool RectangleMaker::IsBuried(const VoxelStack<bool>& stack, const Triple& corner) const
+{
+    constexpr std::array<Triple, 6> steps{{{-16, 0, 0}, {16, 0, 0}, {0, -16, 0}, {0, 16, 0}, {0, 0, -64}, {0, 0, 64}}};
+    return IsSolid(stack) && std::all_of(steps.begin(), steps.end(),
+                                         [&](const Triple& step) { return IsSolid(StackBeside(model_, lod_, corner, step)); });
+}
+
+void RectangleMaker::AddFaces(const VoxelStack<bool>& stack, const Triple& corner)
+{
+    const StackColumns columns(model_, lod_, stack, corner);
+    for (Facing& facing : facings_) {
+        facing.axis == Axis::Z ? AddFacesStacked(facing, columns, corner) : AddFacesBeside(facing, columns, corner);
+    }
+}
+
+void RectangleMaker::AddFacesBeside(Facing& facing, const StackColumns& columns, const Triple& corner)
+{
+    const std::int64_t step = facing.Step();
+    const auto add = [&](std::int64_t plane, std::int64_t position, Heights heights) {
+        facing.ends.emplace_back(PackPosition(plane + facing.Plane()), position, heights);
+    };
+    if (facing.axis == Axis::X)
+        ForEachChange(
+            [&](std::int64_t x, std::int64_t y) {
+                return FacesBeside(columns, x, y, {step, 0});
+            },
+            [&](std::int64_t x, std::int64_t y, Heights heights) { add(corner[0] + x, corner[1] + y, heights); });
+    else
+        ForEachChange(
+            [&](std::int64_t y, std::int64_t x) {
+                return FacesBeside(columns, x, y, {0, step});
+            },
+            [&](std::int64_t y, std::int64_t x, Heights heights) { add(corner[1] + y, corner[0] + x, heights); });
+}
+
+void RectangleMaker::AddFacesStacked(Facing& facing, const StackColumns& columns, const Triple& corner)
+{
+    const VoxelStack<bool>& other = StackBeside(model_, lod_, corner, {0, 0, 64 * facing.Step()});
+    const VoxelPlate<bool>& beyond = facing.side == Side::Upper ? other.Plates().front() : other.Plates().back();
+    ForEachChange([&](std::int64_t y, std::int64_t x) { return FacesStacked(columns, x, y, facing.side, beyond); },
+                  [&](std::int64_t y, std::int64_t x, Heights heights) {
+                      facing.ends.emplace_back(PackPosition(corner[1] + y), corner[0] + x, heights);
+                  });
+}
+
+// Along the plane first, then upwards.
+void RectangleMaker::MergeUpright(Facing& facing, std::int64_t bottom)
+{
+    MergeToggles(facing.ends, [&](std::uint64_t plane, const IndexRange& along, Heights heights) {
+        facing.joiner.Add(plane, along, heights, bottom, Writer(facing));
+    });
+    EndLayer(facing, bottom);
+}
+
+// Along x, then along y; every height makes rectangles of its own.
+void RectangleMaker::MergeLevel(Facing& facing, std::int64_t bottom)
+{
+    runs_.clear();
+    MergeToggles(facing.ends, [&](std::uint64_t row, const IndexRange& x, Heights heights) {
+        runs_.emplace_back(PackRange(x), UnpackPosition(row), heights);
+    });
+    MergeCells(runs_, [&](std::uint64_t line, const IndexRange& y, Heights heights) {
+        const IndexRange x = UnpackRange(line);
+        for (; heights != 0; heights &= heights - 1) {
+            const std::int64_t z = bottom + std::countr_zero(heights) + facing.Plane();
+            rectangles_.push_back({Axis::Z, facing.side, {x.lower, y.lower, z}, {x.upper + 1, y.upper + 1, z}});
+        }
+    });
+}
+
+} // namespace
+
+std::vector<VoxelRectangle> SolidizeVoxelModel(const VoxelModel<bool>& model, std::int64_t lod)
+{
+    RequireLevelOf(model.FinestLOD(), "The level of detail for voxel solidization", lod);
+    std::vector<VoxelRectangle> rectangles = RectangleMaker(model, lod).MakeRectangles();
+    const auto order = [](const VoxelRectangle& rectangle) {
+        const auto& [x, y, z] = rectangle.lower;
+        return std::tuple(rectangle.axis, rectangle.side, rectangle.lower[static_cast<std::size_t>(rectangle.axis)], z, y, x);
+    };
+    std::sort(rectangles.begin(), rectangles.end(),
+              [&](const VoxelRectangle& a, const VoxelRectangle& b) { return order(a) < order(b); });
+    return rectangles;
+}
+
+std::array<Triple, 4> CornersOf(const VoxelRectangle& rectangle, const Axes& axes, std::int64_t lod)
+{
+    const Triple lower = axes.VoxelCorner(rectangle.lower, lod);
+    const Triple upper = axes.VoxelCorner(rectangle.upper, lod);
+    const auto axis = static_cast<std::size_t>(rectangle.axis);
+    std::array corners{lower, lower, upper, lower};
+    corners[1][(axis + 1) % 3] = upper[(axis + 1) % 3]; // the two axes after it turn counter-clockwise seen from its upper side
+    corners[3][(axis + 2) % 3] = upper[(axis + 2) % 3];
+    if (rectangle.side == Side::Lower) std::swap(corners[1], corners[3]);
+    return corners;
+}
+
+std::array<std::array<double, 3>, 4> ToWorldRectangle(const VoxelRectangle& rectangle, const Axes& axes, std::int64_t lod)
+{
+    std::array<std::array<double, 3>, 4> world{};
+    const std::array<Triple, 4> corners = CornersOf(rectangle, axes, lod);
+    for (std::size_t i = 0; i < corners.size(); ++i) world[i] = axes.ToWorldCoordinates(corners[i]);
+    return world;
+}
+
+} // namespace brix
