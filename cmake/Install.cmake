@@ -1,10 +1,9 @@
-# What a host gets: the library, the public headers, the program brix when it is built, a CMake package and a pkg-config file. The
-# installed tree may be moved as a whole: nothing in it names the place that it was installed to.
+# What a host gets: the library, the public headers, the C interface and the program brix when they are built, a CMake package and
+# pkg-config files. The installed tree may be moved as a whole: nothing in it names the place that it was installed to.
 include(CMakePackageConfigHelpers)
 include(PublicHeaders)
 
 set(BRIX_PACKAGE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/brix")
-set(BRIX_PKGCONFIG_DIR "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
 
 install(TARGETS brix_engine EXPORT brixTargets ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}")
 install(FILES brix.h DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
@@ -24,8 +23,12 @@ write_basic_package_version_file("${PROJECT_BINARY_DIR}/brixConfigVersion.cmake"
 install(FILES "${PROJECT_BINARY_DIR}/brixConfig.cmake" "${PROJECT_BINARY_DIR}/brixConfigVersion.cmake"
     DESTINATION "${BRIX_PACKAGE_DIR}")
 
-# pkg-config: all paths are told from the place of the file itself.
-file(RELATIVE_PATH BRIX_PREFIX_FROM_PKGCONFIG "${CMAKE_INSTALL_PREFIX}/${BRIX_PKGCONFIG_DIR}" "${CMAKE_INSTALL_PREFIX}")
-string(REGEX REPLACE "/$" "" BRIX_PREFIX_FROM_PKGCONFIG "${BRIX_PREFIX_FROM_PKGCONFIG}")
-configure_file("${PROJECT_SOURCE_DIR}/cmake/brix.pc.in" "${PROJECT_BINARY_DIR}/brix.pc" @ONLY)
-install(FILES "${PROJECT_BINARY_DIR}/brix.pc" DESTINATION "${BRIX_PKGCONFIG_DIR}")
+# brix_install_pkgconfig(<name>): <name>.pc, where all paths are told from the place of the file itself.
+function(brix_install_pkgconfig name)
+    set(folder "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+    file(RELATIVE_PATH BRIX_PREFIX_FROM_PKGCONFIG "${CMAKE_INSTALL_PREFIX}/${folder}" "${CMAKE_INSTALL_PREFIX}")
+    string(REGEX REPLACE "/$" "" BRIX_PREFIX_FROM_PKGCONFIG "${BRIX_PREFIX_FROM_PKGCONFIG}")
+    configure_file("${PROJECT_SOURCE_DIR}/cmake/${name}.pc.in" "${PROJECT_BINARY_DIR}/${name}.pc" @ONLY)
+    install(FILES "${PROJECT_BINARY_DIR}/${name}.pc" DESTINATION "${folder}")
+endfunction()
+brix_install_pkgconfig(brix)

@@ -1,0 +1,4 @@
+public static class Start
+{
+    public static int Main() => Program.Main();
+}
