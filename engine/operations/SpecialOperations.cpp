@@ -208,9 +208,10 @@ public:
         Merge();
     }
 
-    // Where the sum reaches a level.
+    // Where the sum reaches a level. What has no weight reaches 0, and so does everything, also where weights are below it.
     Plate AtLeast(double level) const
     {
+        if (level <= 0) return FilledPlate();
         Plate result;
         for (const Class& voxels : classes_) {
             if (voxels.sum >= level) result = result | voxels.voxels;

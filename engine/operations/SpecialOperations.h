@@ -15,8 +15,9 @@ std::vector<VoxelModel<bool>> AutoSplit(const VoxelModel<bool>& model);
 
 /// One model for each entry of `levels`: filled where the sum of the weights of all models that are filled there is greater than or
 /// equal to that entry, at a level of detail (0..5) that becomes their finest. Models that do not hold it are refined to it. The
-/// results have the bounding extents of all models. Where no model is filled the sum is 0.
-/// Sums are taken in the order of the models, so that they repeat exactly; where infinite weights cancel, no level is reached.
+/// results have the bounding extents of all models. An entry of 0 or below fills them, also where negative weights add up to less.
+/// Sums are taken in the order of the models, so that they repeat exactly; where infinite weights cancel, no level above 0 is
+/// reached.
 /// Throws std::domain_error for, in this order: no models; another number of weights than of models; no levels; a weight that is
 /// NaN; a level that is NaN; `lod` negative or not less than 6; a null pointer; frames that differ.
 /// Cost: stored layers of all models, times the number of models that differ in a plate, times the sums that occur in it.
