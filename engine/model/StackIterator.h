@@ -74,7 +74,7 @@ public:
     }
 
     Store& VoxelStoreRef() const { return Validate(), *store_; }
-    Stack& VoxelStackRef() const { return VoxelStoreRef().VoxelStackRef(stackIndices_); }
+    Stack& VoxelStackRef() const { return VoxelStoreRef().ValidStackRef(stackIndices_); }
 
     /// Voxel indices of the stack's lower corner.
     Triple LowerIndices() const { return VoxelStoreRef().LowerIndices(stackIndices_); }

@@ -44,6 +44,10 @@ public:
         return IsKept(ij) ? stacks_[StackNumber(ij)] : Nothing;
     }
 
+    /// A valid stack, for those who know that it is.
+    VoxelStack<bool>& ValidStackRef(const StackIndices& ij) { return stacks_[StackNumber(ij)]; }
+    const VoxelStack<bool>& ValidStackRef(const StackIndices& ij) const { return stacks_[StackNumber(ij)]; }
+
     /// Voxel indices of the chunk's, and of a stack's, corners.
     Triple LowerIndices() const { return lowerIndices_; }
     Triple LowerIndices(const StackIndices& ij) const { return Plus(lowerIndices_, {16 * ij[0], 16 * ij[1], 0}); }

@@ -43,7 +43,7 @@ public sealed unsafe class SliceIteratorCLI : EngineObject
 
     private protected override void Free(IntPtr pointer) => NativeMethods.brix_iterator_free(pointer);
 
-    /// <summary>Throws when the slice lies outside the model's extents, as do all members below.</summary>
+    /// <summary>Throws when the slice lies outside the model's extents, as do all members but VoxelLOD and IsValid.</summary>
     /// <exception cref="Exception">the iterator is not valid</exception>
     public void Validate()
     {
