@@ -121,13 +121,11 @@ bool DistanceSearch::Sees(Index bend, Index voxel, Sight& sight) const
     const std::int64_t columns = walk.Length();
     if (columns == 0) return false; // one above the other
     const Direction line = DirectionOf(bend, voxel);
-    Narrow(sight, bend, voxel, 0); // notes a rim
+    sight.isClear = !graph_.IsAtRim(voxel);
     std::int64_t steps = 0;
     while (walk.Advance() && !walk.IsInLastColumn()) {
-        if (walk.Steps() == steps) { // a step across the main axis
-            Narrow(sight, bend, walk.Here(), 0);
-            continue;
-        }
+        sight.isClear = sight.isClear && !graph_.IsAtRim(walk.Here());
+        if (walk.Steps() == steps) continue; // a step across the main axis
         steps = walk.Steps();
         const Pair pair = PairAt(walk, bend, line);
         const bool isBetween = pair.seesLeft && pair.seesRight;
@@ -201,36 +199,48 @@ DistanceSearch::Limit DistanceSearch::LimitOf(const Pair& pair, Index bend, Turn
     return isNearer ? limit : Limit{towards, false};
 }
 
-// The next voxel to that side, across the main axis and on a diagonal towards the nearer axis, ends what a limit tells, or limits sight
-// itself where there is no ground.
+// The way to the next voxel to a side of a line from the bend: across the main axis, from a diagonal towards the nearer axis.
+TraversableGraph::Direction DistanceSearch::Beside(const Direction& line, Turn turn)
+{
+    const Direction side = turn == Left ? Direction{-line.y, line.x} : Direction{line.y, -line.x};
+    const std::int32_t x = std::abs(line.x);
+    const std::int32_t y = std::abs(line.y);
+    const bool isAlongX = x < y || (x == y && (side.x < 0) == (line.x > 0));
+    if (isAlongX) return side.x > 0 ? TraversableGraph::East : TraversableGraph::West;
+    return side.y > 0 ? TraversableGraph::North : TraversableGraph::South;
+}
+
+// The corner of a square around a centre that lies farthest from a side.
+DistanceSearch::Direction DistanceSearch::Corner(const Direction& centre, Turn turn)
+{
+    Direction corner{centre.x - 1, centre.y - 1};
+    for (const Direction& other :
+         {Direction{centre.x + 1, centre.y - 1}, Direction{centre.x - 1, centre.y + 1}, Direction{centre.x + 1, centre.y + 1}}) {
+        if (IsBeyond(corner, turn, other)) corner = other;
+    }
+    return corner;
+}
+
+// The next voxel to that side ends what a limit tells. Where it is no ground it limits sight itself; at a rim nobody knows.
 void DistanceSearch::LimitBeside(Limit& limit, Index bend, Index voxel, Turn turn) const
 {
     const Direction line = DirectionOf(bend, voxel);
-    const Direction left{-line.y, line.x};
-    const Direction side = turn == Left ? left : Direction{line.y, -line.x};
-    const std::int32_t x = std::abs(line.x);
-    const std::int32_t y = std::abs(line.y);
-    const bool isAcrossX = x < y || (x == y && (side.x < 0) == (line.x > 0));
-    const TraversableGraph::Direction beside = isAcrossX ? (side.x > 0 ? TraversableGraph::East : TraversableGraph::West)
-                                                         : (side.y > 0 ? TraversableGraph::North : TraversableGraph::South);
-    const Direction centre{line.x + (isAcrossX ? (side.x > 0 ? 2 : -2) : 0), line.y + (isAcrossX ? 0 : (side.y > 0 ? 2 : -2))};
+    const TraversableGraph::Direction beside = Beside(line, turn);
+    const std::int32_t x = (beside == TraversableGraph::East) - (beside == TraversableGraph::West);
+    const std::int32_t y = (beside == TraversableGraph::North) - (beside == TraversableGraph::South);
+    const Direction centre{line.x + 2 * x, line.y + 2 * y};
     const bool isLimit = limit.direction.x != 0 || limit.direction.y != 0;
-    if (graph_.Beside(voxel, beside, static_cast<double>(graph_.VoxelIndices(voxel)[2])) != TraversableGraph::None) {
+    const Index next = graph_.Beside(voxel, beside, static_cast<double>(graph_.VoxelIndices(voxel)[2]));
+    if (next != TraversableGraph::None && !graph_.IsAtRim(next)) {
         if (isLimit && !IsBeyond(centre, turn, limit.direction)) limit = Limit{};
         return;
     }
-    Limit corner{{centre.x - 1, centre.y - 1}, true};
-    for (const Direction& other :
-         {Direction{centre.x + 1, centre.y - 1}, Direction{centre.x - 1, centre.y + 1}, Direction{centre.x + 1, centre.y + 1}}) {
-        if (IsBeyond(corner.direction, turn, other)) corner.direction = other;
-    }
+    const Limit corner{Corner(centre, turn), next == TraversableGraph::None};
     if (!isLimit || IsBeyond(limit.direction, turn, corner.direction)) limit = corner;
 }
 
 void DistanceSearch::Narrow(Sight& sight, Index bend, Index voxel, std::int64_t columns) const
 {
-    sight.isClear = sight.isClear && !graph_.IsAtRim(voxel);
-    if (columns == 0) return;
     const auto rise = static_cast<double>(graph_.VoxelIndices(voxel)[2] - graph_.VoxelIndices(bend)[2]);
     sight.lowestRise = std::max(sight.lowestRise, static_cast<float>((rise - Unevenness) / static_cast<double>(columns)));
     sight.highestRise = std::min(sight.highestRise, static_cast<float>((rise + Unevenness) / static_cast<double>(columns)));

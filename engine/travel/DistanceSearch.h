@@ -58,6 +58,8 @@ private:
     Pair PairAt(const LineWalk& walk, Index bend, const Direction& line) const;
     Direction DirectionOf(Index bend, Index voxel) const;
     static bool IsBeyond(const Direction& a, Turn turn, const Direction& b);
+    static TraversableGraph::Direction Beside(const Direction& line, Turn turn);
+    static Direction Corner(const Direction& centre, Turn turn);
     void Inherit(Sight& sight, const Pair& pair) const;
     Limit LimitOf(const Pair& pair, Index bend, Turn turn) const;
     void LimitBeside(Limit& limit, Index bend, Index voxel, Turn turn) const;

@@ -2,6 +2,7 @@
 
 #include "../frame/Require.h"
 #include "../model/ForEachStack.h"
+#include "../model/InstructionSet.h"
 #include "HeightSweep.h"
 #include "StackFaces.h"
 
@@ -39,6 +40,7 @@ private:
 
     const VoxelModel<bool>& model_;
     std::int64_t lod_;
+    ColumnHeights columns_;  // of the stack at work
     std::vector<Cell> ends_; // of runs along x; a line is a row of voxels
     std::vector<Cell> runs_; // as cells along y; a line is a range along x
     HeightJoiner joiner_;
@@ -50,8 +52,10 @@ void CuboidMaker::AddLayer(std::int64_t chunkZ)
     const std::int64_t bottom = chunkZ * ChunkHeight;
     ends_.clear();
     runs_.clear();
-    ForEachStackOfLayer(model_, lod_, chunkZ, [&](const VoxelStore<bool>& store, const StackIndices& ij) {
-        AddRunEnds(store.VoxelStackRef(ij), store.LowerIndices(ij));
+    RunWith(FastestInstructionSet(), [&] {
+        ForEachStackOfLayer(model_, lod_, chunkZ, [&](const VoxelStore<bool>& store, const StackIndices& ij) {
+            AddRunEnds(store.VoxelStackRef(ij), store.LowerIndices(ij));
+        });
     });
     MergeToggles(ends_, [&](std::uint64_t row, const IndexRange& x, Heights heights) {
         runs_.emplace_back(PackRange(x), UnpackPosition(row), heights);
@@ -65,18 +69,18 @@ void CuboidMaker::AddLayer(std::int64_t chunkZ)
 // A row's heights come at a run's first voxel and go after its last: where it has faces across x.
 void CuboidMaker::AddRunEnds(const VoxelStack<bool>& stack, const Triple& corner)
 {
-    const auto isSolidBeside = [&](std::int64_t step) { return IsSolid(StackBeside(model_, lod_, corner, {step, 0, 0})); };
-    if (stack.IsUnallocated() || (IsSolid(stack) && isSolidBeside(-16) && isSolidBeside(16))) return;
-    const StackColumns columns(model_, lod_, stack, corner);
-    for (std::int64_t y = 0; y < 16; ++y) {
-        const std::uint64_t row = PackPosition(corner[1] + y);
-        for (std::int64_t x = 0; x < 16; ++x) {
-            const Heights first = FacesBeside(columns, x, y, {-1, 0});
-            const Heights last = FacesBeside(columns, x, y, {1, 0});
-            if (first != 0) ends_.emplace_back(row, corner[0] + x, first);
-            if (last != 0) ends_.emplace_back(row, corner[0] + x + 1, last);
-        }
-    }
+    if (stack.IsUnallocated()) return;
+    const VoxelStack<bool>& lower = StackBeside(model_, lod_, corner, {-16, 0, 0});
+    const VoxelStack<bool>& upper = StackBeside(model_, lod_, corner, {16, 0, 0});
+    if (IsSolid(stack) && IsSolid(lower) && IsSolid(upper)) return;
+    const auto add = [&](Side side, const VoxelStack<bool>& other, std::int64_t end) {
+        ForEachFacePlate(Axis::X, side, stack, other, [&](std::int64_t z, const auto& plate) { columns_.SetFrom(z, plate); });
+        columns_.Take([&](std::int64_t x, std::int64_t y, Heights heights) {
+            ends_.emplace_back(PackPosition(corner[1] + y), corner[0] + x + end, heights);
+        });
+    };
+    add(Side::Lower, lower, 0);
+    add(Side::Upper, upper, 1);
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "../frame/Require.h"
 #include "../model/ForEachStack.h"
+#include "../model/InstructionSet.h"
 #include "HeightSweep.h"
 #include "StackFaces.h"
 
@@ -50,9 +51,7 @@ private:
     }
 
     void AddLayer(std::int64_t chunkZ);
-    void AddFaces(const VoxelStack<bool>& stack, const Triple& corner);
-    void AddFacesBeside(Facing& facing, const StackColumns& columns, const Triple& corner);
-    void AddFacesStacked(Facing& facing, const StackColumns& columns, const Triple& corner);
+    void AddFaces(Facing& facing, const VoxelStack<bool>& stack, const Triple& corner);
     bool IsBuried(const VoxelStack<bool>& stack, const Triple& corner) const;
 
     void MergeUpright(Facing& facing, std::int64_t bottom);
@@ -67,6 +66,8 @@ private:
                                     {Axis::Y, Side::Upper},
                                     {Axis::Z, Side::Lower},
                                     {Axis::Z, Side::Upper}}};
+    RunEnds endsAlongX_{Axis::X}; // of the stack at work
+    RunEnds endsAlongY_{Axis::Y};
     std::vector<Cell> runs_; // of level faces along x, as cells along y
     std::vector<VoxelRectangle> rectangles_;
 };
@@ -75,10 +76,13 @@ void RectangleMaker::AddLayer(std::int64_t chunkZ)
 {
     const std::int64_t bottom = chunkZ * ChunkHeight;
     for (Facing& facing : facings_) facing.ends.clear();
-    ForEachStackOfLayer(model_, lod_, chunkZ, [&](const VoxelStore<bool>& store, const StackIndices& ij) {
-        const VoxelStack<bool>& stack = store.VoxelStackRef(ij);
-        const Triple corner = store.LowerIndices(ij);
-        if (!stack.IsUnallocated() && !IsBuried(stack, corner)) AddFaces(stack, corner);
+    RunWith(FastestInstructionSet(), [&] {
+        ForEachStackOfLayer(model_, lod_, chunkZ, [&](const VoxelStore<bool>& store, const StackIndices& ij) {
+            const VoxelStack<bool>& stack = store.VoxelStackRef(ij);
+            const Triple corner = store.LowerIndices(ij);
+            if (stack.IsUnallocated() || IsBuried(stack, corner)) return;
+            for (Facing& facing : facings_) AddFaces(facing, stack, corner);
+        });
     });
     for (Facing& facing : facings_) facing.axis == Axis::Z ? MergeLevel(facing, bottom) : MergeUpright(facing, bottom);
 }
@@ -91,42 +95,20 @@ bool RectangleMaker::IsBuried(const VoxelStack<bool>& stack, const Triple& corne
                                          [&](const Triple& step) { return IsSolid(StackBeside(model_, lod_, corner, step)); });
 }
 
-void RectangleMaker::AddFaces(const VoxelStack<bool>& stack, const Triple& corner)
+void RectangleMaker::AddFaces(Facing& facing, const VoxelStack<bool>& stack, const Triple& corner)
 {
-    const StackColumns columns(model_, lod_, stack, corner);
-    for (Facing& facing : facings_) {
-        facing.axis == Axis::Z ? AddFacesStacked(facing, columns, corner) : AddFacesBeside(facing, columns, corner);
-    }
-}
+    Triple step{};
+    step[static_cast<std::size_t>(facing.axis)] = facing.Step();
+    const VoxelStack<bool>& other = StackBeside(model_, lod_, corner, {16 * step[0], 16 * step[1], 64 * step[2]});
+    RunEnds& ends = facing.axis == Axis::X ? endsAlongY_ : endsAlongX_;
+    ForEachFacePlate(facing.axis, facing.side, stack, other, [&](std::int64_t z, const auto& plate) { ends.SetFrom(z, plate); });
 
-void RectangleMaker::AddFacesBeside(Facing& facing, const StackColumns& columns, const Triple& corner)
-{
-    const std::int64_t step = facing.Step();
-    const auto add = [&](std::int64_t plane, std::int64_t position, Heights heights) {
-        facing.ends.emplace_back(PackPosition(plane + facing.Plane()), position, heights);
-    };
-    if (facing.axis == Axis::X)
-        ForEachChange(
-            [&](std::int64_t x, std::int64_t y) {
-                return FacesBeside(columns, x, y, {step, 0});
-            },
-            [&](std::int64_t x, std::int64_t y, Heights heights) { add(corner[0] + x, corner[1] + y, heights); });
-    else
-        ForEachChange(
-            [&](std::int64_t y, std::int64_t x) {
-                return FacesBeside(columns, x, y, {0, step});
-            },
-            [&](std::int64_t y, std::int64_t x, Heights heights) { add(corner[1] + y, corner[0] + x, heights); });
-}
-
-void RectangleMaker::AddFacesStacked(Facing& facing, const StackColumns& columns, const Triple& corner)
-{
-    const VoxelStack<bool>& other = StackBeside(model_, lod_, corner, {0, 0, 64 * facing.Step()});
-    const VoxelPlate<bool>& beyond = facing.side == Side::Upper ? other.Plates().front() : other.Plates().back();
-    ForEachChange([&](std::int64_t y, std::int64_t x) { return FacesStacked(columns, x, y, facing.side, beyond); },
-                  [&](std::int64_t y, std::int64_t x, Heights heights) {
-                      facing.ends.emplace_back(PackPosition(corner[1] + y), corner[0] + x, heights);
-                  });
+    const std::size_t across = facing.axis == Axis::X ? 0 : 1; // lines along y are told by their x
+    const std::int64_t firstLine = corner[across] + (facing.axis == Axis::Z ? 0 : facing.Plane());
+    const std::int64_t firstPosition = corner[1 - across];
+    ends.Take([&](std::int64_t line, std::int64_t position, Heights heights) {
+        facing.ends.emplace_back(PackPosition(firstLine + line), firstPosition + position, heights);
+    });
 }
 
 // Along the plane first, then upwards.

@@ -1,9 +1,8 @@
-// The faces between filled and empty voxels of one stack, a column of 64 heights at a time: bit z of a word stands for height z.
-//
-//   heights of two columns beside each other     ..##..     their faces towards +x     ...#..    = here & ~beside
-//                                                ...#..
+// The faces between filled and empty voxels of one stack, layer by layer, and the heights at which each of them is there: bit z of a
+// word stands for height z.
 #pragma once
 
+#include "../model/CombineStacks.h"
 #include "../model/StackIterator.h"
 
 namespace brix {
@@ -23,82 +22,98 @@ inline const VoxelStack<bool>& StackBeside(const VoxelModel<bool>& model, std::i
 /// Whether all voxels of a stack are filled.
 inline bool IsSolid(const VoxelStack<bool>& stack) { return stack.LayerCount() == 1 && IsFull(stack.Plates().front()); }
 
-/// The columns of a stack and, around them, those of the stacks beside it: 16 x 16 columns with a border of one, of which the corners
-/// stay empty.
-class StackColumns
+/// The voxels of a plate that are empty on a side along x or y. `beyond` is the plate that faces it there.
+inline VoxelPlate<bool> FacesBeside(Axis axis, Side side, const VoxelPlate<bool>& here, const VoxelPlate<bool>& beyond)
+{
+    if (axis == Axis::X) return AndNot(here, side == Side::Upper ? TowardsUpperX(here, beyond) : TowardsLowerX(here, beyond));
+    return AndNot(here, side == Side::Upper ? TowardsUpperY(here, beyond) : TowardsLowerY(here, beyond));
+}
+
+/// Calls visit(z, plate) with the faces of a stack to one side, for every height from which they are others than below. `other` is
+/// the stack on that side.
+template <class Visit>
+void ForEachFacePlate(Axis axis, Side side, const VoxelStack<bool>& stack, const VoxelStack<bool>& other, const Visit& visit)
+{
+    using Plate = VoxelPlate<bool>;
+    if (axis != Axis::Z)
+        ForEachCommonLayer([&](std::int64_t z, std::int64_t, const Plate& here,
+                               const Plate& beyond) { visit(z, FacesBeside(axis, side, here, beyond)); },
+                           stack, other);
+    else
+        ForEachCommonLayer(
+            [&](std::int64_t z, std::int64_t, const Plate& here, const Plate& next) { visit(z, AndNot(here, next)); }, stack,
+            side == Side::Upper ? SeenAbove(stack, other) : SeenBelow(stack, other));
+}
+
+/// A word of heights for each column of 16 x 16, gathered from plates bottom to top. Only what changes from plate to plate is touched.
+class ColumnHeights
 {
 public:
-    /// `corner`  voxel indices of the stack's lower corner
-    StackColumns(const VoxelModel<bool>& model, std::int64_t lod, const VoxelStack<bool>& stack, const Triple& corner);
+    /// From height z upwards the columns of the plate are set, and no others.
+    void SetFrom(std::int64_t z, const VoxelPlate<bool>& plate)
+    {
+        const VoxelPlate<bool> changed = MapRows([](auto& out, const auto& a, const auto& b) { out = a ^ b; }, plate, last_);
+        const Heights above = ~Heights{0} << z;
+        ForEachColumn(changed, [&](std::size_t column) { columns_[column] ^= above; });
+        any_ = any_ | changed;
+        last_ = plate;
+    }
 
-    /// The heights that are filled at x and y, -1..16.
-    Heights At(std::int64_t x, std::int64_t y) const { return columns_[static_cast<std::size_t>(18 * (y + 1) + x + 1)]; }
+    /// Calls visit(x, y, heights) for the columns that are set at any height, row by row, and begins again with none.
+    template <class Visit> void Take(const Visit& visit)
+    {
+        ForEachColumn(any_, [&](std::size_t column) {
+            const Heights heights = columns_[column];
+            if (heights != 0) visit(static_cast<std::int64_t>(column % 16), static_cast<std::int64_t>(column / 16), heights);
+            columns_[column] = 0;
+        });
+        any_ = last_ = VoxelPlate<bool>{};
+    }
 
 private:
-    template <class RowsOf> void Add(const VoxelStack<bool>& stack, const RowsOf& rowsOf);
+    // The columns are numbered like the bits of a plate, four rows to a word of 64.
+    template <class Visit> static void ForEachColumn(const VoxelPlate<bool>& plate, const Visit& visit)
+    {
+        for (std::size_t y = 0; y < plate.rows.size(); y += 4) {
+            std::uint64_t word = 0;
+            for (std::size_t i = 0; i < 4; ++i) word |= std::uint64_t{plate.rows[y + i]} << 16 * i;
+            for (; word != 0; word &= word - 1) visit(16 * y + static_cast<std::size_t>(std::countr_zero(word)));
+        }
+    }
 
-    std::array<Heights, std::size_t{18} * 18> columns_{};
+    std::array<Heights, 256> columns_{};
+    VoxelPlate<bool> last_;
+    VoxelPlate<bool> any_;
 };
 
-// Every layer toggles all heights from its own upwards where it differs from the one below. rowsOf(plate, flip) calls
-// flip(row, number of a column, step to the next) for each row of bits that is wanted.
-template <class RowsOf> void StackColumns::Add(const VoxelStack<bool>& stack, const RowsOf& rowsOf)
+/// The ends of the runs in the lines of plates, where a line is a row along x, or a column along y: where a voxel differs from the
+/// one before it, at positions 0..16.
+class RunEnds
 {
-    if (stack.IsUnallocated()) return;
-    VoxelPlate<bool> below;
-    for (std::int32_t layer = 0; layer < stack.LayerCount(); ++layer) {
-        const VoxelPlate<bool>& plate = stack.LayerVoxelPlateRef(layer);
-        const Heights above = ~Heights{0} << stack.LowerOffset(layer);
-        const auto flip = [&](unsigned row, std::size_t column, std::size_t step) {
-            for (; row != 0; row &= row - 1) columns_[column + step * static_cast<std::size_t>(std::countr_zero(row))] ^= above;
-        };
-        rowsOf(MapRows([](auto& out, const auto& a, const auto& b) { out = a ^ b; }, plate, below), flip);
-        below = plate;
+public:
+    explicit RunEnds(Axis along) : isAlongX_(along == Axis::X) {}
+
+    void SetFrom(std::int64_t z, const VoxelPlate<bool>& plate)
+    {
+        const VoxelPlate<bool> before = isAlongX_ ? TowardsLowerX(plate, {}) : TowardsLowerY(plate, {});
+        inside_.SetFrom(z, MapRows([](auto& out, const auto& a, const auto& b) { out = a ^ b; }, plate, before));
+        VoxelPlate<bool> last; // a line per bit of its first row
+        last.rows[0] = isAlongX_ ? plate.Column(15) : plate.Row(15);
+        atEnd_.SetFrom(z, last);
     }
-}
 
-inline StackColumns::StackColumns(const VoxelModel<bool>& model, std::int64_t lod, const VoxelStack<bool>& stack,
-                                  const Triple& corner)
-{
-    const auto number = [](std::size_t x, std::size_t y) { return 18 * y + x; }; // counted with the border
-    Add(stack, [&](const VoxelPlate<bool>& plate, const auto& flip) {
-        for (std::size_t y = 0; y < plate.rows.size(); ++y) flip(plate.rows[y], number(1, y + 1), 1);
-    });
-    const auto beside = [&](const Triple& step) -> const VoxelStack<bool>& { return StackBeside(model, lod, corner, step); };
-    Add(beside({-16, 0, 0}), [&](const auto& plate, const auto& flip) { flip(plate.Column(15), number(0, 1), 18); });
-    Add(beside({16, 0, 0}), [&](const auto& plate, const auto& flip) { flip(plate.Column(0), number(17, 1), 18); });
-    Add(beside({0, -16, 0}), [&](const auto& plate, const auto& flip) { flip(plate.Row(15), number(1, 0), 1); });
-    Add(beside({0, 16, 0}), [&](const auto& plate, const auto& flip) { flip(plate.Row(0), number(1, 17), 1); });
-}
-
-/// The heights at which a column (offsets in the stack) is filled and the one beside it is not.
-inline Heights FacesBeside(const StackColumns& columns, std::int64_t x, std::int64_t y, const std::array<std::int64_t, 2>& step)
-{
-    return columns.At(x, y) & ~columns.At(x + step[0], y + step[1]);
-}
-
-/// The heights at which a column is filled and what is above or below is not; `beyond` lies upon the stack or under it.
-inline Heights FacesStacked(const StackColumns& columns, std::int64_t x, std::int64_t y, Side side,
-                            const VoxelPlate<bool>& beyond)
-{
-    const Heights here = columns.At(x, y);
-    const Heights next = beyond.Value({x, y}) ? 1 : 0;
-    return here & ~(side == Side::Upper ? here >> 1 | next << 63 : here << 1 | next);
-}
-
-/// Calls visit(line, position, heights) wherever heights come or go along one of sixteen lines of sixteen columns, at positions 0..16.
-/// The heights of a column are heightsAt(line, position).
-template <class HeightsAt, class Visit> void ForEachChange(const HeightsAt& heightsAt, const Visit& visit)
-{
-    for (std::int64_t line = 0; line < 16; ++line) {
-        Heights before = 0;
-        for (std::int64_t position = 0; position < 16; ++position) {
-            const Heights here = heightsAt(line, position);
-            if (here != before) visit(line, position, here ^ before);
-            before = here;
-        }
-        if (before != 0) visit(line, std::int64_t{16}, before);
+    /// Calls visit(line, position, heights) for all ends, and begins again with none.
+    template <class Visit> void Take(const Visit& visit)
+    {
+        inside_.Take(
+            [&](std::int64_t x, std::int64_t y, Heights heights) { isAlongX_ ? visit(y, x, heights) : visit(x, y, heights); });
+        atEnd_.Take([&](std::int64_t line, std::int64_t, Heights heights) { visit(line, std::int64_t{16}, heights); });
     }
-}
+
+private:
+    bool isAlongX_;
+    ColumnHeights inside_;
+    ColumnHeights atEnd_;
+};
 
 } // namespace brix

@@ -19,6 +19,10 @@ public class HostileTests
     private static readonly AxesCLI DisposedAxes = Disposed(Axes());
     private static readonly ExtentsCLI GoodExtents = Extents((0, 0, 0), (2, 2, 2));
     private static readonly ExtentsCLI DisposedExtents = Disposed(Extents((0, 0, 0), (2, 2, 2)));
+    private static readonly PathModelCLI GoodPathModel = new(Model, 5, 1, 2, true);
+    private static readonly PathModelCLI DisposedPathModel = Disposed(new PathModelCLI(Model, 5, 1, 2, true));
+    private static readonly DistanceFieldCLI GoodField = new(GoodPathModel, Centre((1, 1, 2)), -1);
+    private static readonly DistanceFieldCLI DisposedField = Disposed(new DistanceFieldCLI(GoodPathModel, Centre((1, 1, 2)), -1));
 
     /// <summary>Values of each type; the first one is good.</summary>
     private static readonly Dictionary<Type, object?[]> Values = new() {
@@ -40,6 +44,8 @@ public class HostileTests
             select new AxesCLI(spacing, Origin, double.NegativeInfinity, 5)],
         [typeof(ExtentsCLI)] = [GoodExtents, null, DisposedExtents],
         [typeof(VoxelModelCLI)] = [Model, null, DisposedModel],
+        [typeof(PathModelCLI)] = [GoodPathModel, null, DisposedPathModel],
+        [typeof(DistanceFieldCLI)] = [GoodField, null, DisposedField],
         [typeof(List<VoxelModelCLI>)] = [new List<VoxelModelCLI> { Model, Model }, null, new List<VoxelModelCLI>(),
             new List<VoxelModelCLI> { null! }, new List<VoxelModelCLI> { Model, DisposedModel }]
     };
@@ -69,7 +75,7 @@ public class HostileTests
 
     private static IDisposable Create(Type type)
     {
-        if (type == typeof(PathModelCLI)) return new PathModelCLI(Model, 5, 1, 2, true);
+        if (type == typeof(PathCLI)) return new PathCLI(GoodField, Centre((1, 1, 2)));
         ConstructorInfo constructor = type.GetConstructors().OrderBy(item => item.GetParameters().Length).First();
         return (IDisposable)constructor.Invoke(constructor.GetParameters().Select(item => Values[item.ParameterType][0]).ToArray());
     }

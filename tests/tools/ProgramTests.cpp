@@ -187,7 +187,7 @@ TEST_F(Program, TellsThatMemoryIsShort)
 TEST_F(Program, HelpsAndTellsItsVersion)
 {
     for (const std::string arguments : {"--help", "info --help", "voxelize --help", "slice --help", "run --help",
-                                        "walkable --help", "scene --help", "--version"}) {
+                                        "walkable --help", "travel --help", "scene --help", "--version"}) {
         const Outcome outcome = Run(arguments);
         EXPECT_EQ(outcome.exitCode, 0) << arguments;
         EXPECT_EQ(outcome.error, "") << arguments;
@@ -304,6 +304,20 @@ TEST_F(Program, KeepsTheLargestRegionAndWritesItsSurface)
               Reported(Run("run one.stl -w 1.6 --lod 3 -- auto-crop"), "auto-crop +(\\d+) voxels filled"));
     EXPECT_EQ(Reported(outcome, "s.stl: level 3, (\\d+) triangles"), static_cast<std::int64_t>(Load("s.stl").size()));
     EXPECT_LT(Load("s.stl").size(), Load("v.stl").size());
+}
+
+TEST_F(Program, DrawsHowFarAPersonWalks)
+{
+    ASSERT_EQ(Run("scene building -o house.stl").exitCode, 0);
+    const std::string arguments =
+        "house.stl -w 3.2 --lod 5 --vertical-lod 4 --origin 0.03 0.03 0.03 --from -1 5 0.1 --floor 0.05 "
+        "--floor 3.05 --scale 1 -o t.png";
+    const Outcome travel = Run("travel " + arguments);
+    ASSERT_EQ(travel.exitCode, 0) << travel.error;
+    EXPECT_EQ(ContentOf(folder_ / "t.png").substr(1, 3), "PNG");
+    EXPECT_EQ(Reported(travel, "reachable +(\\d+)"), Reported(Run("walkable " + arguments), "reachable +(\\d+)"));
+    EXPECT_EQ(Reported(travel, "the farthest (\\d+)"), 25) << "metres, round the house";
+    EXPECT_EQ(Run("travel house.stl -w 1.6 --floor 0 --from 0 0 99 -o t.png").exitCode, 1);
 }
 
 TEST_F(Program, DrawsWhereAPersonCanWalk)

@@ -19,6 +19,7 @@ void AddCommands(CLI::App& program)
     AddRunCommand(program);
     AddSliceCommand(program);
     AddWalkableCommand(program);
+    AddTravelCommand(program);
     AddSceneCommand(program);
 }
 

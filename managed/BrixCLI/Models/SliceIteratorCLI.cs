@@ -113,9 +113,8 @@ public sealed unsafe class SliceIteratorCLI : EngineObject
     /// <exception cref="Exception">the iterator is not valid</exception>
     public ExtentsCLI SliceExtents()
     {
-        IndexBox bounds = Bounds();
-        using VoxelModelCLI model = VoxelIterators.Model(this);
-        return new ExtentsCLI(model.Frame, bounds, VoxelLOD());
+        using ExtentsCLI extents = ModelExtents();
+        return new ExtentsCLI(extents.Frame, SliceOf(extents), VoxelLOD());
     }
 
     /// <summary>A model of the slice alone.</summary>
@@ -129,14 +128,22 @@ public sealed unsafe class SliceIteratorCLI : EngineObject
 
     private IndexBox Bounds()
     {
+        using ExtentsCLI extents = ModelExtents();
+        return SliceOf(extents);
+    }
+
+    private ExtentsCLI ModelExtents()
+    {
         Validate();
-        long sliceIndex = VoxelIterators.Indices(this).Component(dimIndex_);
         using VoxelModelCLI model = VoxelIterators.Model(this);
-        using ExtentsCLI extents = model.Extents(VoxelLOD());
+        return model.Extents(VoxelLOD());
+    }
+
+    private IndexBox SliceOf(ExtentsCLI extents)
+    {
+        long sliceIndex = VoxelIterators.Indices(this).Component(dimIndex_);
         IndexBox bounds = extents.Bounds;
-        bounds.Lower = bounds.Lower.With(dimIndex_, sliceIndex);
-        bounds.Upper = bounds.Upper.With(dimIndex_, sliceIndex);
-        return bounds;
+        return new IndexBox { Lower = bounds.Lower.With(dimIndex_, sliceIndex), Upper = bounds.Upper.With(dimIndex_, sliceIndex) };
     }
 
     private struct RowCounts

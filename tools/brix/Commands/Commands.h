@@ -9,6 +9,7 @@ void AddInfoCommand(CLI::App& program);
 void AddRunCommand(CLI::App& program);
 void AddSceneCommand(CLI::App& program);
 void AddSliceCommand(CLI::App& program);
+void AddTravelCommand(CLI::App& program);
 void AddVoxelizeCommand(CLI::App& program);
 void AddWalkableCommand(CLI::App& program);
 

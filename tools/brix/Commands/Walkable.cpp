@@ -4,6 +4,7 @@
 #include "../Grid.h"
 #include "../Report.h"
 #include "../SlicePicture.h"
+#include "../Storeys.h"
 #include "../TriangleFiles.h"
 
 #include <brix/operations/BasicOperations.h>
@@ -12,7 +13,6 @@
 #include <brix/operations/SurfaceOperations.h>
 #include <brix/travel/PathModel.h>
 
-#include <cmath>
 #include <utility>
 
 namespace brix::tools {
@@ -30,8 +30,7 @@ struct Options
     GridOptions grid;
     std::filesystem::path output;
     std::vector<double> floors;
-    double diameter = 0.5;
-    double height = 1.8;
+    PersonOptions person;
     std::vector<double> start; // none: everything where one can stand
     std::int64_t scale = 4;
 };
@@ -44,46 +43,11 @@ struct Walk
     Voxels ground;
 };
 
-// Heights of voxels, inclusive.
-struct Band
-{
-    std::int64_t lower;
-    std::int64_t upper;
-};
-
-Voxels Between(const Voxels& voxels, const Band& band)
-{
-    const Extents& extents = voxels.ExtentsRef(voxels.FinestLOD());
-    const Triple lower{extents.LowerIndices()[0], extents.LowerIndices()[1], band.lower};
-    const Triple upper{extents.UpperIndices()[0], extents.UpperIndices()[1], band.upper};
-    return Resize(voxels, Extents(extents.AxesRef(), lower, upper, voxels.FinestLOD()));
-}
-
-// All voxels of a band of heights, seen in a layer below it.
-Voxels SeenInLayer(const Voxels& voxels, const Band& band, std::int64_t layer)
-{
-    const Voxels downToLayer = Between(Between(voxels, band), {layer, band.upper});
-    return ExpandAlongZ(downToLayer, static_cast<int>(band.upper - layer), 0, std::nullopt, false);
-}
-
-std::int64_t ToVoxels(double length, double voxel, const char* what)
-{
-    const double voxels = std::ceil(length / voxel - 1e-9);
-    if (!(voxels >= 1) || voxels > 1e6)
-        throw UsageError(std::string("The ") + what + " of the person must be a positive length of at most a million voxels.");
-    return static_cast<std::int64_t>(voxels);
-}
-
 // Walls are what reaches the height of the cut, things all that is lower. Stairs are seen up to just below the next storey.
 Picture DrawStorey(const Walk& walk, double floor, const Options& options)
 {
-    const Axes& axes = walk.solid.AxesRef();
     const std::int64_t lod = walk.solid.FinestLOD();
-    const auto layerAt = [&](double z) { return axes.ContainingVoxel(axes.FromWorldCoordinates({0, 0, z}), lod)[2]; };
-    const std::int64_t base = layerAt(floor);
-    const std::int64_t cut = layerAt(floor + options.height * 0.7);
-    const std::int64_t top = layerAt(floor + options.height * 1.5);
-    const std::int64_t layer = base - 1;
+    const auto [base, layer, cut, top] = StoreyAbove(walk.solid.AxesRef(), floor, options.person.height);
     const Voxels tight = SeenInLayer(walk.ground, {layer, base + 1}, layer);
     const Voxels things = SeenInLayer(walk.solid, {base + 1, cut}, layer);
     const Voxels walls = SeenInLayer(walk.solid, {cut, cut}, layer);
@@ -108,8 +72,8 @@ Voxels Reachable(const Voxels& traversable, const std::array<double, 3>& start)
 void RunWalkable(const Options& options)
 {
     const Axes axes = MakeAxes(options.grid);
-    const std::int64_t diameter = ToVoxels(options.diameter, axes.WorldVoxelWidth(options.grid.lod), "diameter");
-    const std::int64_t height = ToVoxels(options.height, axes.WorldVoxelHeight(), "height");
+    const std::int64_t diameter = ToVoxels(options.person.diameter, axes.WorldVoxelWidth(options.grid.lod), "diameter");
+    const std::int64_t height = ToVoxels(options.person.height, axes.WorldVoxelHeight(), "height");
     RequireOutputFolder(options.output);
 
     // Triangles are skins: what they enclose, the inside of walls, is solid, too.
@@ -148,8 +112,7 @@ void AddWalkableCommand(CLI::App& program)
     command.add_option("--from", options->start, "Show only what can be reached from this point on the ground [all]")
         ->expected(3)
         ->type_name("X Y Z");
-    command.add_option("--diameter", options->diameter, "Width of the person")->capture_default_str()->type_name("LENGTH");
-    command.add_option("--height", options->height, "Height of the person")->capture_default_str()->type_name("LENGTH");
+    AddPersonOptions(command, options->person);
     command.add_option("--scale", options->scale, "Pixels for the edge of a voxel")
         ->check(CLI::Range(1, 64))
         ->capture_default_str();
