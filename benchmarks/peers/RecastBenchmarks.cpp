@@ -2,10 +2,13 @@
 // in floats, at the same cell size, from an indexed float mesh, into a fresh heightfield. Both sides start from world coordinates in
 // FileAndVoxelize; Voxelize starts from filed triangles. Recast's Y is the height.
 #include "VoxelizationMeasures.h"
+#include "operations/BasicOperations.h"
+#include "travel/PathModel.h"
 #include "triangles/TriangleMesh.h"
 
 #include <Recast.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <map>
 
@@ -97,7 +100,57 @@ void MeasureRecast(benchmark::State& state, const GriddedScene& scene)
     state.counters["voxels"] = static_cast<double>(scene.FilledVoxels());
 }
 
+// From triangles to where an agent can stand, 5 voxels wide and 18 high, who climbs one voxel. Rules differ at ledges, which Recast
+// forbids and the engine forbids above drops of two voxels: the counts stand beside the times and are not compared.
+constexpr int AgentRadius = 2;
+constexpr int AgentHeight = 18;
+
+struct FreeCompactHeightfield
+{
+    void operator()(rcCompactHeightfield* field) const { rcFreeCompactHeightfield(field); }
+};
+
+void MeasureWalkableSpaceOfRecast(benchmark::State& state, const GriddedScene& scene)
+{
+    rcContext context(false);
+    const IndexedFloats& floats = FloatsOf(scene);
+    std::int64_t standing = 0;
+    MeasureOnFresh(
+        state, [&] { return std::unique_ptr<rcCompactHeightfield, FreeCompactHeightfield>(rcAllocCompactHeightfield()); },
+        [&](const auto& compact) {
+            const Heightfield field = EmptyHeightfield(context, scene);
+            rcRasterizeTriangles(&context, floats.vertices.data(), static_cast<int>(floats.vertices.size() / 3),
+                                 floats.indices.data(), floats.areas.data(), static_cast<int>(floats.areas.size()), *field);
+            rcFilterLowHangingWalkableObstacles(&context, 1, *field);
+            rcFilterLedgeSpans(&context, AgentHeight, 1, *field);
+            rcFilterWalkableLowHeightSpans(&context, AgentHeight, *field);
+            if (!rcBuildCompactHeightfield(&context, AgentHeight, 1, *field, *compact)) std::abort();
+            rcErodeWalkableArea(&context, AgentRadius, *compact);
+        },
+        [&](const auto& compact) {
+            standing = std::count(compact->areas, compact->areas + compact->spanCount, RC_WALKABLE_AREA);
+        });
+    state.counters["standing"] = static_cast<double>(standing);
+}
+
+void MeasureWalkableSpace(benchmark::State& state, const GriddedScene& scene)
+{
+    std::int64_t standing = 0;
+    MeasureOnFresh(
+        state, [&] { return VoxelModel<bool>(scene.extents, GriddedScene::FinestLOD); },
+        [&](VoxelModel<bool>& model) {
+            TriangleModel filed(scene.extents);
+            filed.AddWorldTriangles(scene.worldTriangles);
+            VoxelizeTriangleModel(model, filed);
+            model = PathModel(model, GriddedScene::FinestLOD, 2 * AgentRadius + 1, AgentHeight, false).TraversableVoxels();
+        },
+        [&](const VoxelModel<bool>& model) { standing = CountFilled(model, GriddedScene::FinestLOD); });
+    state.counters["standing"] = static_cast<double>(standing);
+}
+
 const bool registered = [] {
+    RegisterForScenes("WalkableSpace", MeasureWalkableSpace, Resolutions);
+    RegisterForScenes("RecastWalkableSpace", MeasureWalkableSpaceOfRecast, Resolutions);
     RegisterForScenes("Voxelize", MeasureVoxelize, Resolutions);
     RegisterForScenes("FileAndVoxelize", MeasureFileAndVoxelize, Resolutions);
     RegisterForScenes("RecastRasterizeTriangles", MeasureRecast, Resolutions);
