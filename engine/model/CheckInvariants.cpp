@@ -40,7 +40,10 @@ std::string CheckStack(const Store& store, const StackIndices& ij)
     const std::int64_t lod = store.ExtentsRef().VoxelLOD();
     if (!IsCanonical(stack)) return "layers are not canonical in the stack at" + Describe(corner, lod);
     Stack trimmed = stack;
-    trimmed.FillOutsideBox(store.LowerOffset(ij), store.UpperOffset(ij), false);
+    if (store.IsStackValid(ij))
+        trimmed.FillOutsideBox(store.LowerOffset(ij), store.UpperOffset(ij), false);
+    else
+        trimmed = Stack();
     if (!(trimmed == stack)) return "voxels outside the extents are filled in the stack at" + Describe(corner, lod);
     return {};
 }
@@ -107,11 +110,10 @@ std::string CheckChunk(const VoxelChunk<bool>& chunk, std::int64_t finestLOD, st
 {
     for (std::int64_t lod = 0; lod <= finestLOD; ++lod) {
         const Store& store = chunk.VoxelStoreRef(lod);
-        std::string reason;
-        ForEachStackOfStore(store, [&](const Store&, const StackIndices& ij) {
-            if (reason.empty()) reason = CheckStack(store, ij);
-        });
-        if (!reason.empty()) return reason;
+        for (std::int64_t stack = 0; stack < store.StacksPerRow() * store.StacksPerRow(); ++stack) {
+            const std::string reason = CheckStack(store, {stack % store.StacksPerRow(), stack / store.StacksPerRow()});
+            if (!reason.empty()) return reason;
+        }
     }
     for (std::int64_t lod = 0; lod <= finestLOD; ++lod) {
         if (lod == writtenLOD) continue;

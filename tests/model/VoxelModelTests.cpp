@@ -120,6 +120,20 @@ TEST(VoxelModel, IsCopiedDeeply)
     }
 }
 
+// Nobody has to write there, but whoever does finds a stack, and the others keep what they hold.
+TEST(VoxelModel, HasAStackToWriteBesideItsExtents)
+{
+    VoxelModel<bool> model(Extents(TestAxes, {20, 40, 0}, {60, 90, 3}, 5), 5);
+    VoxelStore<bool>& store = model.ChunkRef({0, 0, 0}).VoxelStoreRef(5);
+    store.VoxelStackRef({2, 3}).LayerVoxelPlateRef(0).rows[7] = 5;
+    EXPECT_TRUE(std::as_const(store).VoxelStackRef({31, 0}).IsUnallocated());
+    store.VoxelStackRef({31, 0}).LayerVoxelPlateRef(0).rows[1] = 1;
+    EXPECT_EQ(store.VoxelStackRef({2, 3}).LayerVoxelPlateRef(0).rows[7], 5);
+    EXPECT_EQ(std::as_const(store).VoxelStackRef({31, 0}).LayerVoxelPlateRef(0).rows[1], 1);
+    EXPECT_TRUE(store.VoxelStackRef({1, 2}).IsUnallocated());
+    EXPECT_NE(CheckInvariants(model, 5).find("outside the extents"), std::string::npos);
+}
+
 TEST(VoxelModel, OwnsEightBytesPerEmptyStackAndMemoryForTheOthers)
 {
     const Extents extents(TestAxes, {0, 0, 0}, {0, 0, 0}, 0);
