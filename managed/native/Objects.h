@@ -86,7 +86,8 @@ template <class Object> Object& Given(Object* object)
 
 template <class... Pointers> void RequireGiven(const Pointers*... pointers)
 {
-    if (((pointers == nullptr) || ...)) throw NullArgument();
+    const bool areGiven = (static_cast<bool>(pointers) && ...);
+    if (!areGiven) throw NullArgument();
 }
 
 inline const VoxelModel<bool>& VoxelsOf(const brix_model* model) { return **Given(model).voxels; }

@@ -276,12 +276,13 @@ TEST_F(CInterface, CopiesResultsWholeOrInParts)
     }
     EXPECT_EQ(pieces, expected);
 
-    for (const auto& [first, count] :
+    for (const auto& part :
          {std::pair<std::int64_t, std::int64_t>{-1, 1}, {0, -1}, {0, size + 1}, {size + 1, 0}, {1, most}, {least, least}}) {
         const Failure failure =
-            FailureOf([&](brix_error* error) { return brix_list_copy(list.get(), first, count, nullptr, error); });
-        EXPECT_EQ(failure.message, "The part to be copied must lie within the result. The part from " + std::to_string(first) +
-                                       " on, " + std::to_string(count) + " long, was requested of " + std::to_string(size) + ".");
+            FailureOf([&](brix_error* error) { return brix_list_copy(list.get(), part.first, part.second, nullptr, error); });
+        EXPECT_EQ(failure.message, "The part to be copied must lie within the result. The part from " +
+                                       std::to_string(part.first) + " on, " + std::to_string(part.second) +
+                                       " long, was requested of " + std::to_string(size) + ".");
     }
 }
 
