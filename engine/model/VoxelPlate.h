@@ -154,15 +154,16 @@ constexpr VoxelPlate<bool> Box(const std::array<std::int64_t, 2>& lower, const s
 ///     here  .##.   beyond  #...   gives  ##.#      (distance 1, x to the right, drawn 4 wide)
 constexpr VoxelPlate<bool> TowardsUpperX(const VoxelPlate<bool>& here, const VoxelPlate<bool>& beyond, int distance = 1)
 {
-    return MapRows([distance](auto& out, const auto& x, const auto& y) { out = x >> distance | y << (16 - distance); }, here,
-                   beyond);
+    // In two steps: what a vector's lane of 16 bits becomes when it is shifted by 16 is not defined.
+    return MapRows([distance](auto& out, const auto& x, const auto& y) { out = x >> 1 >> (distance - 1) | y << (16 - distance); },
+                   here, beyond);
 }
 
 /// The same towards smaller x:   beyond  ...#   here  .##.   gives  #.##
 constexpr VoxelPlate<bool> TowardsLowerX(const VoxelPlate<bool>& here, const VoxelPlate<bool>& beyond, int distance = 1)
 {
-    return MapRows([distance](auto& out, const auto& x, const auto& y) { out = x << distance | y >> (16 - distance); }, here,
-                   beyond);
+    return MapRows([distance](auto& out, const auto& x, const auto& y) { out = x << 1 << (distance - 1) | y >> (16 - distance); },
+                   here, beyond);
 }
 
 #if defined(__GNUC__)
