@@ -173,6 +173,7 @@ TEST(VoxelStack, KeepsItsContentWhenMemoryRunsOut)
         expectSafe([](Stack& stack) { stack.Decompress(); });
         expectSafe([](Stack& stack) { stack.Compress(); });
         expectSafe([&](Stack& stack) { stack = other; });
+        expectSafe([&](Stack& stack) { stack.Assign(other.Plates(), other.LayerOffsets()); });
         expectSafe([](Stack& stack) { const Stack copy = stack; });
     }
     EXPECT_GT(failures, 300);
