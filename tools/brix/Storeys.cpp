@@ -20,10 +20,20 @@ VoxelModel<bool> Between(const VoxelModel<bool>& voxels, const Band& band)
 
 } // namespace
 
-void AddPersonOptions(CLI::App& command, PersonOptions& person)
+void AddStoreyOptions(CLI::App& command, StoreyOptions& options, const std::string& startText, bool isStartRequired)
 {
-    command.add_option("--diameter", person.diameter, "Width of the person")->capture_default_str()->type_name("LENGTH");
-    command.add_option("--height", person.height, "Height of the person")->capture_default_str()->type_name("LENGTH");
+    AddGridOptions(command, options.grid);
+    command.add_option("-o,--output", options.output, "PNG file to write")->required()->type_name("OUT.png");
+    command.add_option("--floor", options.floors, "Height of a storey's floor, in the units of the file; repeatable")
+        ->required()
+        ->allow_extra_args(false)
+        ->type_name("Z");
+    command.add_option("--from", options.start, startText)->required(isStartRequired)->expected(3)->type_name("X Y Z");
+    command.add_option("--diameter", options.person.diameter, "Width of the person")->capture_default_str()->type_name("LENGTH");
+    command.add_option("--height", options.person.height, "Height of the person")->capture_default_str()->type_name("LENGTH");
+    command.add_option("--scale", options.scale, "Pixels for the edge of a voxel")
+        ->check(CLI::Range(1, 64))
+        ->capture_default_str();
 }
 
 std::int64_t ToVoxels(double length, double voxel, const char* what)

@@ -1,9 +1,16 @@
-// What the commands that draw plans storey by storey have in common: the person, and layers of voxels seen from above.
+// What the commands that draw plans storey by storey have in common: their options, and layers of voxels seen
+// from above.
 #pragma once
+
+#include "Grid.h"
 
 #include <brix/model/VoxelModel.h>
 
 #include <CLI/CLI.hpp>
+
+#include <filesystem>
+#include <string>
+#include <vector>
 
 namespace brix::tools {
 
@@ -13,7 +20,19 @@ struct PersonOptions
     double height = 1.8;
 };
 
-void AddPersonOptions(CLI::App& command, PersonOptions& person);
+/// What every command that draws storeys is told.
+struct StoreyOptions
+{
+    GridOptions grid;
+    PersonOptions person;
+    std::filesystem::path output;
+    std::vector<double> floors;
+    std::vector<double> start; // x, y, z in the units of the file, or none
+    std::int64_t scale = 4;
+};
+
+/// Adds them; `startText` says what the point is for.
+void AddStoreyOptions(CLI::App& command, StoreyOptions& options, const std::string& startText, bool isStartRequired);
 
 /// A length of the person in whole voxels, rounded up. Throws UsageError for one that is not positive, or is more than a million.
 std::int64_t ToVoxels(double length, double voxel, const char* what);

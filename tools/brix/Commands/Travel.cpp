@@ -2,7 +2,6 @@
 #include "Commands.h"
 
 #include "../ColourScale.h"
-#include "../Grid.h"
 #include "../Report.h"
 #include "../Storeys.h"
 #include "../TriangleFiles.h"
@@ -29,15 +28,9 @@ constexpr Colour Seen{250, 204, 92};
 constexpr Colour Unseen{150, 160, 178};
 constexpr Colour Way{220, 30, 60};
 
-struct Options
+struct Options : StoreyOptions
 {
-    GridOptions grid;
-    PersonOptions person;
-    std::filesystem::path output;
-    std::vector<double> floors;
-    std::vector<double> start;
     double eye = 1.6;
-    std::int64_t scale = 4;
 };
 
 // Everything that a plan shows.
@@ -270,21 +263,8 @@ void AddTravelCommand(CLI::App& program)
     const auto options = std::make_shared<Options>();
     CLI::App& command =
         *program.add_subcommand("travel", "Draw how far people walk from a point in an STL file, and what they see");
-    AddGridOptions(command, options->grid);
-    command.add_option("-o,--output", options->output, "PNG file to write")->required()->type_name("OUT.png");
-    command.add_option("--from", options->start, "Where the ways start, on the ground")
-        ->required()
-        ->expected(3)
-        ->type_name("X Y Z");
-    command.add_option("--floor", options->floors, "Height of a storey's floor, in the units of the file; repeatable")
-        ->required()
-        ->allow_extra_args(false)
-        ->type_name("Z");
+    AddStoreyOptions(command, *options, "Where the ways start, on the ground", true);
     command.add_option("--eye", options->eye, "Height of the eye above the start")->capture_default_str()->type_name("LENGTH");
-    AddPersonOptions(command, options->person);
-    command.add_option("--scale", options->scale, "Pixels for the edge of a voxel")
-        ->check(CLI::Range(1, 64))
-        ->capture_default_str();
     command.footer(
         "A person climbs steps of one voxel: choose voxels as high as a step, with --vertical-lod.\n"
         "Example: brix travel house.stl -w 3.2 --lod 5 --vertical-lod 4 --from -1 5 0.1 --floor 0 --floor 3 -o travel.png");

@@ -1,7 +1,6 @@
 // brix walkable: where a person can stand and walk, drawn storey by storey.
 #include "Commands.h"
 
-#include "../Grid.h"
 #include "../Report.h"
 #include "../SlicePicture.h"
 #include "../Storeys.h"
@@ -25,15 +24,7 @@ constexpr Colour Raised{240, 165, 75};
 constexpr Colour Tight{214, 120, 120};
 constexpr Colour Things{176, 180, 190};
 
-struct Options
-{
-    GridOptions grid;
-    std::filesystem::path output;
-    std::vector<double> floors;
-    PersonOptions person;
-    std::vector<double> start; // none: everything where one can stand
-    std::int64_t scale = 4;
-};
+using Options = StoreyOptions; // without a start, everything is shown where one can stand
 
 // What the picture of a storey is made of: solid matter, where the person can stand, and all ground with any room above.
 struct Walk
@@ -103,19 +94,7 @@ void AddWalkableCommand(CLI::App& program)
 {
     const auto options = std::make_shared<Options>();
     CLI::App& command = *program.add_subcommand("walkable", "Draw where a person can stand and walk in an STL file");
-    AddGridOptions(command, options->grid);
-    command.add_option("-o,--output", options->output, "PNG file to write")->required()->type_name("OUT.png");
-    command.add_option("--floor", options->floors, "Height of a storey's floor, in the units of the file; repeatable")
-        ->required()
-        ->allow_extra_args(false)
-        ->type_name("Z");
-    command.add_option("--from", options->start, "Show only what can be reached from this point on the ground [all]")
-        ->expected(3)
-        ->type_name("X Y Z");
-    AddPersonOptions(command, options->person);
-    command.add_option("--scale", options->scale, "Pixels for the edge of a voxel")
-        ->check(CLI::Range(1, 64))
-        ->capture_default_str();
+    AddStoreyOptions(command, *options, "Show only what can be reached from this point on the ground [all]", false);
     command.footer("A person climbs steps of one voxel: choose voxels as high as a step, with --vertical-lod.\n"
                    "Example: brix walkable house.stl -w 3.2 --lod 5 --vertical-lod 4 --floor 0 --floor 3 -o walkable.png");
     command.callback([options] { RunWalkable(*options); });
