@@ -37,7 +37,7 @@ void SaveTrianglesToAsciiSTL(const std::filesystem::path& filePath, const std::v
 /// is left behind.
 void SaveTrianglesToBinarySTL(const std::filesystem::path& filePath, const std::vector<WorldTriangle>& triangles, bool swapYZ);
 
-/// Either of them, for triangles that are not in a list: `count` of them at `triangles`.
+/// Either of them, for triangles (world units) that are not in a list: `count` of them at `triangles`. Throws as they do.
 enum class StlVariant
 {
     Ascii,
