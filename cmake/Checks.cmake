@@ -1,8 +1,9 @@
-# Checks of the sources and of the library as a whole, run with the tests: tools/dev/check-layers, check-symbols and check-exports.
+# Checks of the sources, of the tools, and of the library as a whole, run with the tests.
 find_program(BRIX_BASH bash)
 if(BRIX_BASH)
     add_test(NAME Layers.IncludesFollowTheDataFlow
         COMMAND "${BRIX_BASH}" "${PROJECT_SOURCE_DIR}/tools/dev/check-layers" "${PROJECT_SOURCE_DIR}")
+    add_test(NAME SetUp.NamesAndInstallsWhatIsMissing COMMAND "${BRIX_BASH}" "${PROJECT_SOURCE_DIR}/tests/setup/check")
     # The sanitizers put symbols of their own into the library.
     if(CMAKE_NM AND NOT BRIX_SANITIZE AND CMAKE_CXX_COMPILER_ID MATCHES "^(GNU|Clang)$")
         add_test(NAME Library.HasNoSymbolsOutsideItsNamespace
