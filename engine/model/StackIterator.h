@@ -1,5 +1,5 @@
-// Names one stack of a model at one level. The mutable and the read-only iterator are one template; they stay usable as long as the
-// model is neither assigned to nor destroyed.
+// Names one stack of a model at one level. The mutable and the read-only iterator are one template. They, and voxel iterators, stay
+// usable as long as the model is neither assigned to nor destroyed, whatever is done to its stacks meanwhile.
 #pragma once
 
 #include "VoxelModel.h"

@@ -1,4 +1,5 @@
-// Names one voxel of a model at one level, with a cursor on its layer so that steps inside a stack are cheap.
+// Names one voxel of a model at one level. Like a stack iterator it holds a place and nothing of what is there: the layer is looked
+// up when the value is asked for (LayerID counts bits), so the stack may be edited and compressed between two reads.
 #pragma once
 
 #include "StackIterator.h"
@@ -20,7 +21,6 @@ public:
         const Triple offset = Minus(voxelIndices, stack_.LowerIndices());
         xy_ = {offset[0], offset[1]};
         z_ = offset[2];
-        layer_ = StackRef().LayerID(z_);
     }
 
     /// An iterator that is not valid. Throws as above.
@@ -30,7 +30,7 @@ public:
     template <class Other>
     requires(std::is_same_v<const Other, VoxelModelType> && !std::is_same_v<Other, VoxelModelType>)
         VoxelIteratorBase(const VoxelIteratorBase<Other>& other)
-        : stack_(other.stack_), xy_(other.xy_), z_(other.z_), layer_(other.layer_)
+        : stack_(other.stack_), xy_(other.xy_), z_(other.z_)
     {}
 
     bool IsValid() const { return stack_.IsValid(); }
@@ -53,7 +53,8 @@ public:
     bool Value() const
     {
         Validate();
-        return StackRef().LayerVoxelPlateRef(layer_).Value(xy_);
+        const VoxelStack<bool>& stack = StackRef();
+        return stack.LayerVoxelPlateRef(stack.LayerID(z_)).Value(xy_);
     }
 
     /// Moves by any number of voxels; the iterator is not valid afterwards when that leads outside the extents.
@@ -66,8 +67,6 @@ public:
         }
         xy_ = {offset[0], offset[1]};
         z_ = offset[2];
-        while (z_ > StackRef().UpperOffset(layer_)) ++layer_;
-        while (z_ < StackRef().LowerOffset(layer_)) --layer_;
         return *this;
     }
 
@@ -90,7 +89,6 @@ private:
     StackIteratorBase<VoxelModelType> stack_;
     std::array<std::int64_t, 2> xy_{};
     std::int64_t z_ = 0;
-    std::int32_t layer_ = 0;
 };
 
 inline VoxelIterator VoxelModel<bool>::FindVoxel(const Triple& voxelIndices, std::int64_t lod)

@@ -1,8 +1,10 @@
 // Stack and voxel iterators against plain lookup.
 #include "model/ForEachStack.h"
 #include "model/VoxelIterator.h"
+#include "operations/SliceRows.h"
 #include "support/Messages.h"
 #include "support/RandomModels.h"
+#include "support/Stacks.h"
 
 #include <gtest/gtest.h>
 
@@ -148,6 +150,73 @@ TEST(Iterators, WalkWhereTheirStepsLead)
             ASSERT_EQ(walker.VoxelIndices(), place) << random;
             ASSERT_EQ(walker.Value(), level.Value(place)) << random;
             ASSERT_EQ(moved.Value(), level.Value(place)) << random;
+        }
+    }
+}
+
+// Any edit of a stack: one voxel, which isolates its layer and may leave it so, other layers for the same content, or other content.
+void EditAtRandom(VoxelModel<bool>& model, ReferenceModel& level, const Triple& voxel, Random& random)
+{
+    const StackIterator place(model, voxel, level.VoxelLOD());
+    VoxelStack<bool>& stack = place.VoxelStackRef();
+    const Triple offset = Minus(voxel, place.LowerIndices());
+    switch (random.Between(0, 4)) {
+    case 0: {
+        VoxelPlate<bool>& plate = stack.LayerVoxelPlateRef(stack.IsolateLevel(offset[2], true, true));
+        const VoxelPlate<bool> bit = Box({offset[0], offset[1]}, {offset[0], offset[1]});
+        plate = random.OneIn(2) ? plate | bit : AndNot(plate, bit);
+        break;
+    }
+    case 1:
+        stack.Decompress();
+        break;
+    case 2:
+        stack.Compress();
+        break;
+    case 3:
+        stack.FillOutsideBox({0, 0, 0}, {15, 15, offset[2]}, random.OneIn(2));
+        break;
+    default:
+        stack = MakeStack(RandomHeights(random));
+    }
+    const Heights heights = HeightsOf(stack);
+    ForEachTriple({0, 0, 0}, {15, 15, 63}, [&](const Triple& at) {
+        level.Set(Plus(place.LowerIndices(), at), heights[static_cast<std::size_t>(at[2])].Value({at[0], at[1]}));
+    });
+}
+
+// Voxel iterators and stack iterators that were made before all edits, and slices, are read between them.
+TEST(Iterators, ReadWhatTheStacksHoldAtThatMoment)
+{
+    for (RandomModel& random : RandomModels(500, 40)) {
+        Random choices(random.seed);
+        const std::int64_t lod = random.voxels.FinestLOD();
+        ReferenceModel level = random.reference.AtLevel(lod);
+        const Triple& lower = level.ExtentsRef().LowerIndices();
+        const Triple& upper = level.ExtentsRef().UpperIndices();
+        const auto anyVoxel = [&] {
+            return Triple{choices.Between(lower[0], upper[0]), choices.Between(lower[1], upper[1]),
+                          choices.Between(lower[2], upper[2])};
+        };
+        std::vector<ConstVoxelIterator> kept;
+        for (int i = 0; i < 30; ++i) kept.emplace_back(random.voxels.FindVoxel(anyVoxel(), lod));
+        const StackIterator stack(random.voxels, kept.front().VoxelIndices(), lod);
+
+        for (int edit = 0; edit < 40; ++edit) {
+            const Triple edited = anyVoxel();
+            EditAtRandom(random.voxels, level, edited, choices);
+            for (const ConstVoxelIterator& voxel : kept) ASSERT_EQ(voxel.Value(), level.Value(voxel.VoxelIndices())) << random;
+            const auto [x, y, z] = kept.front().VoxelIndices();
+            const Triple offset = Minus({x, y, z}, stack.LowerIndices());
+            const Heights heights = HeightsOf(stack.VoxelStackRef());
+            ASSERT_EQ(heights[static_cast<std::size_t>(offset[2])].Value({offset[0], offset[1]}), level.Value({x, y, z}))
+                << random;
+            const auto rows = RowsAtSliceXIndex(random.voxels, x, lod, false, false);
+            ForEachTriple({x, lower[1], lower[2]}, {x, upper[1], upper[2]}, [&](const Triple& at) {
+                ASSERT_EQ(rows[static_cast<std::size_t>(at[2] - lower[2])][static_cast<std::size_t>(at[1] - lower[1])],
+                          level.Value(at))
+                    << random;
+            });
         }
     }
 }
