@@ -4,6 +4,8 @@ if(BRIX_BASH)
     add_test(NAME Layers.IncludesFollowTheDataFlow
         COMMAND "${BRIX_BASH}" "${PROJECT_SOURCE_DIR}/tools/dev/check-layers" "${PROJECT_SOURCE_DIR}")
     add_test(NAME SetUp.NamesAndInstallsWhatIsMissing COMMAND "${BRIX_BASH}" "${PROJECT_SOURCE_DIR}/tests/setup/check")
+    add_test(NAME Consumer.IsSparedForeignOptions
+        COMMAND "${BRIX_BASH}" "${PROJECT_SOURCE_DIR}/tests/consumer/check-options" "${BRIX_INCLUDE_TREE}")
     # The sanitizers put symbols of their own into the library.
     if(CMAKE_NM AND NOT BRIX_SANITIZE AND CMAKE_CXX_COMPILER_ID MATCHES "^(GNU|Clang)$")
         add_test(NAME Library.HasNoSymbolsOutsideItsNamespace

@@ -1,6 +1,8 @@
 // The whole public interface of Brix, in the order in which data flows.
 #pragma once
 
+#include "brix/frame/Compiler.h"
+
 #include "brix/frame/Lattice.h"
 #include "brix/frame/Triples.h"
 

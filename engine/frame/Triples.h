@@ -1,6 +1,8 @@
 // Axes of the lattice, and componentwise arithmetic of index and coordinate triples (x, y, z).
 #pragma once
 
+#include "Compiler.h"
+
 #include <algorithm>
 #include <array>
 #include <cstddef>

@@ -5,6 +5,8 @@
 //                           rows[1]  .#.............#      = 0x8002
 #pragma once
 
+#include "../frame/Compiler.h"
+
 #include <array>
 #include <bit>
 #include <cstddef>

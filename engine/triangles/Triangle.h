@@ -1,6 +1,8 @@
 // Triangles as they pass through the engine: in world coordinates (the host's doubles) and in base units (the lattice).
 #pragma once
 
+#include "../frame/Compiler.h"
+
 #include <array>
 #include <cstdint>
 #include <vector>
