@@ -8,6 +8,7 @@
 
 #include "brix/frame/Axes.h"
 #include "brix/frame/Extents.h"
+#include "brix/frame/NotEnoughMemory.h"
 
 #include "brix/model/VoxelPlate.h"
 #include "brix/model/VoxelStack.h"

@@ -1,5 +1,6 @@
 #include "VoxelModel.h"
 
+#include "../frame/NotEnoughMemory.h"
 #include "../frame/Require.h"
 
 #include <utility>
@@ -17,9 +18,10 @@ const Extents& ExtentsForLevel(const Extents& extents, std::int64_t finestLOD)
 } // namespace
 
 VoxelModel<bool>::VoxelModel(const Extents& extents, std::int64_t finestLOD)
-    : Model(ExtentsForLevel(extents, finestLOD)), finestLOD_(finestLOD)
-{
+try : Model(ExtentsForLevel(extents, finestLOD)), finestLOD_(finestLOD) {
     ForEachTriple(LowerChunkIndices(), UpperChunkIndices(), [&](const Triple& chunk) { ChunkRef(chunk).Initialize(finestLOD); });
+} catch (const std::bad_alloc&) {
+    throw NotEnoughMemory("a voxel model", extents.RescaledCopy(finestLOD));
 }
 
 VoxelModel<bool>& VoxelModel<bool>::operator=(VoxelModel&& other) noexcept

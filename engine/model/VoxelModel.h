@@ -20,7 +20,7 @@ template <> class VoxelModel<bool> : public virtual Model<VoxelChunk<bool>>
 {
 public:
     /// An empty model on these extents (given at any level) that holds the levels 0..finestLOD. Costs 8 bytes and no allocation
-    /// per stack. Throws std::domain_error when the finest level is negative or not less than 6.
+    /// per stack. Throws std::domain_error when the finest level is negative or not less than 6; then NotEnoughMemory.
     VoxelModel(const Extents& extents, std::int64_t finestLOD);
 
     VoxelModel(const VoxelModel&) = default;

@@ -68,8 +68,8 @@ void TriangleChunk::ForEachTriangle(const Visit& visit, const VisitLarge& visitL
 class TriangleModel : public Model<TriangleChunk>
 {
 public:
-    /// An empty chunk grid on these extents.
-    explicit TriangleModel(const Extents& extents) : Model(extents) {}
+    /// An empty chunk grid on these extents. Throws NotEnoughMemory.
+    explicit TriangleModel(const Extents& extents);
 
     /// Converts each corner from world units with the frame's FromWorldCoordinates, and files the triangle.
     void AddWorldTriangle(const WorldTriangle& worldTriangle);

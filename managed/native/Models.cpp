@@ -44,15 +44,16 @@ struct brix_rows
 
 std::int32_t brix_model_create(const brix_extents* extents, std::int64_t finest_lod, brix_model** result, brix_error* error)
 {
-    return Guarded(error, [&] { MakeModel(result, VoxelModel<bool>(Given(extents).extents, finest_lod)); });
+    return Guarded(error, {extents, result}, "a voxel model of these extents",
+                   [&] { MakeModel(result, VoxelModel<bool>(extents->extents, finest_lod)); });
 }
 
 std::int32_t brix_model_from_triangles(const double* triangles, std::int64_t triangle_count, const brix_extents* extents,
                                        std::int64_t finest_lod, brix_model** result, brix_error* error)
 {
-    return Guarded(error, [&] {
+    return Guarded(error, {extents, result}, "the voxel model of the triangles", [&] {
         const WorldTriangle* first = TrianglesAt(triangles, triangle_count);
-        TriangleModel filed(Given(extents).extents);
+        TriangleModel filed(extents->extents);
         filed.AddWorldTriangles(first, static_cast<std::size_t>(triangle_count));
         VoxelModel<bool> voxels(extents->extents, finest_lod);
         VoxelizeTriangleModel(voxels, filed);
@@ -64,17 +65,17 @@ void brix_model_free(brix_model* model) { delete model; }
 
 std::int32_t brix_model_axes(const brix_model* model, brix_axes** result, brix_error* error)
 {
-    return Guarded(error, [&] { Make(result, VoxelsOf(model).AxesRef()); });
+    return Guarded(error, {model, result}, [&] { Make(result, VoxelsOf(model).AxesRef()); });
 }
 
 std::int32_t brix_model_extents(const brix_model* model, std::int64_t voxel_lod, brix_extents** result, brix_error* error)
 {
-    return Guarded(error, [&] { Make(result, VoxelsOf(model).ExtentsRef(voxel_lod)); });
+    return Guarded(error, {model, result}, [&] { Make(result, VoxelsOf(model).ExtentsRef(voxel_lod)); });
 }
 
 std::int32_t brix_model_finest_lod(const brix_model* model, std::int64_t* result, brix_error* error)
 {
-    return Guarded(error, [&] { Given(result) = VoxelsOf(model).FinestLOD(); });
+    return Guarded(error, {model, result}, [&] { *result = VoxelsOf(model).FinestLOD(); });
 }
 
 // ---- Iterators
@@ -82,13 +83,14 @@ std::int32_t brix_model_finest_lod(const brix_model* model, std::int64_t* result
 std::int32_t brix_iterator_create(const brix_model* model, const std::int64_t* voxel_indices, std::int64_t voxel_lod,
                                   brix_iterator** result, brix_error* error)
 {
-    return Guarded(error, [&] { MakeIterator(result, Given(model).voxels, ThreeOf(voxel_indices), voxel_lod); });
+    return Guarded(error, {model, voxel_indices, result},
+                   [&] { MakeIterator(result, model->voxels, ThreeOf(voxel_indices), voxel_lod); });
 }
 
 std::int32_t brix_iterator_at_point(const brix_model* model, const double* coords, std::int64_t voxel_lod, brix_iterator** result,
                                     brix_error* error)
 {
-    return Guarded(error, [&] {
+    return Guarded(error, {model, coords, result}, [&] {
         const Triple voxelIndices = VoxelsOf(model).AxesRef().ContainingVoxel(BaseUnits(model, coords), voxel_lod);
         MakeIterator(result, model->voxels, voxelIndices, voxel_lod);
     });
@@ -98,33 +100,33 @@ void brix_iterator_free(brix_iterator* iterator) { delete iterator; }
 
 std::int32_t brix_iterator_model(const brix_iterator* iterator, brix_model** result, brix_error* error)
 {
-    return Guarded(error, [&] { Make(result, Given(iterator).voxels); });
+    return Guarded(error, {iterator, result}, [&] { Make(result, iterator->voxels); });
 }
 
 std::int32_t brix_iterator_voxel_lod(const brix_iterator* iterator, std::int64_t* result, brix_error* error)
 {
-    return Guarded(error, [&] { Given(result) = Given(iterator).iterator.VoxelLOD(); });
+    return Guarded(error, {iterator, result}, [&] { *result = iterator->iterator.VoxelLOD(); });
 }
 
 std::int32_t brix_iterator_is_valid(const brix_iterator* iterator, std::int32_t* result, brix_error* error)
 {
-    return Guarded(error, [&] { Given(result) = Given(iterator).iterator.IsValid(); });
+    return Guarded(error, {iterator, result}, [&] { *result = iterator->iterator.IsValid(); });
 }
 
 std::int32_t brix_iterator_voxel_indices(const brix_iterator* iterator, std::int64_t* result_3, brix_error* error)
 {
-    return Guarded(error, [&] { CopyThree(Given(iterator).iterator.VoxelIndices(), result_3); });
+    return Guarded(error, {iterator, result_3}, [&] { CopyThree(iterator->iterator.VoxelIndices(), result_3); });
 }
 
 std::int32_t brix_iterator_is_filled(const brix_iterator* iterator, std::int32_t* result, brix_error* error)
 {
-    return Guarded(error, [&] { Given(result) = Given(iterator).iterator.Value(); });
+    return Guarded(error, {iterator, result}, [&] { *result = iterator->iterator.Value(); });
 }
 
 std::int32_t brix_iterator_voxel_center(const brix_iterator* iterator, double* result_3, brix_error* error)
 {
-    return Guarded(error, [&] {
-        const ConstVoxelIterator& voxel = Given(iterator).iterator;
+    return Guarded(error, {iterator, result_3}, [&] {
+        const ConstVoxelIterator& voxel = iterator->iterator;
         const Axes& axes = voxel.VoxelModelRef().AxesRef();
         CopyThree(axes.ToWorldCoordinates(axes.VoxelCenter(voxel.VoxelIndices(), voxel.VoxelLOD())), result_3);
     });
@@ -133,7 +135,8 @@ std::int32_t brix_iterator_voxel_center(const brix_iterator* iterator, double* r
 std::int32_t brix_iterator_advance(const brix_iterator* iterator, const std::int64_t* offsets, brix_iterator** result,
                                    brix_error* error)
 {
-    return Guarded(error, [&] { Make(result, Given(iterator).voxels, iterator->iterator + ThreeOf(offsets)); });
+    return Guarded(error, {iterator, offsets, result},
+                   [&] { Make(result, iterator->voxels, iterator->iterator + ThreeOf(offsets)); });
 }
 
 // ---- Slices
@@ -142,7 +145,7 @@ std::int32_t brix_rows_at_slice(const brix_model* model, std::int32_t dim_index,
                                 std::int32_t reverse_row_order, std::int32_t reverse_each_row, brix_rows** result,
                                 brix_error* error)
 {
-    return Guarded(error, [&] {
+    return Guarded(error, {model, result}, "the rows of the slice", [&] {
         const VoxelModel<bool>& voxels = VoxelsOf(model);
         Make(result, RowsAcross(dim_index)(voxels, slice_index, voxel_lod, reverse_row_order != 0, reverse_each_row != 0));
     });
@@ -152,8 +155,7 @@ void brix_rows_free(brix_rows* rows) { delete rows; }
 
 std::int32_t brix_rows_size(const brix_rows* rows, std::int64_t* row_count, std::int64_t* row_length, brix_error* error)
 {
-    return Guarded(error, [&] {
-        RequireGiven(rows, row_count, row_length);
+    return Guarded(error, {rows, row_count, row_length}, [&] {
         *row_count = static_cast<std::int64_t>(rows->rows.size());
         *row_length = rows->RowLength();
     });
@@ -162,8 +164,8 @@ std::int32_t brix_rows_size(const brix_rows* rows, std::int64_t* row_count, std:
 std::int32_t brix_rows_copy(const brix_rows* rows, std::int64_t first_row, std::int64_t row_count, std::uint8_t* destination,
                             brix_error* error)
 {
-    return Guarded(error, [&] {
-        RequirePart(first_row, row_count, static_cast<std::int64_t>(Given(rows).rows.size()), destination);
+    return Guarded(error, {rows}, [&] {
+        RequirePart(first_row, row_count, static_cast<std::int64_t>(rows->rows.size()), destination);
         for (std::int64_t row = first_row; row < first_row + row_count; ++row) {
             for (const bool value : rows->rows[static_cast<std::size_t>(row)]) *destination++ = value ? 1 : 0;
         }

@@ -6,6 +6,7 @@
 #include <brix.h>
 
 #include <cstring>
+#include <initializer_list>
 #include <memory>
 #include <new>
 #include <optional>
@@ -64,44 +65,43 @@ struct NullArgument : std::invalid_argument
     NullArgument() : std::invalid_argument("A required argument is a null pointer.") {}
 };
 
-/// Describes the exception being handled in `error`, which may be null, and returns its status. Never throws.
-std::int32_t ReportException(brix_error* error) noexcept;
+/// Describes the exception being handled in `error`, which may be null, and returns its status. `asked`: as below. Never throws.
+std::int32_t ReportException(brix_error* error, const char* asked) noexcept;
+
+inline void RequireGiven(const void* pointer)
+{
+    if (pointer == nullptr) throw NullArgument();
+}
 
 /// Runs `work`; the only place where exceptions end.
-template <class Work> std::int32_t Guarded(brix_error* error, const Work& work) noexcept
+/// `needed`  every pointer that may not be null, results among them: they are judged here, before any work and in this order, so
+///           that no expression in `work` depends on which of its operands is evaluated first
+/// `asked`   what the work makes, for the sentence that tells that there is no memory for it
+template <class Work>
+std::int32_t Guarded(brix_error* error, std::initializer_list<const void*> needed, const char* asked, const Work& work) noexcept
 {
     try {
+        for (const void* pointer : needed) RequireGiven(pointer);
         work();
         return BRIX_OK;
     } catch (...) {
-        return ReportException(error);
+        return ReportException(error, asked);
     }
 }
 
-template <class Object> Object& Given(Object* object)
+template <class Work>
+std::int32_t Guarded(brix_error* error, std::initializer_list<const void*> needed, const Work& work) noexcept
 {
-    if (object == nullptr) throw NullArgument();
-    return *object;
+    return Guarded(error, needed, "the result", work);
 }
 
-template <class... Pointers> void RequireGiven(const Pointers*... pointers)
-{
-    const bool areGiven = (static_cast<bool>(pointers) && ...);
-    if (!areGiven) throw NullArgument();
-}
-
-inline const VoxelModel<bool>& VoxelsOf(const brix_model* model) { return **Given(model).voxels; }
+inline const VoxelModel<bool>& VoxelsOf(const brix_model* model) { return **model->voxels; }
 
 /// Three numbers from or to the caller's memory.
-template <class Number> std::array<Number, 3> ThreeOf(const Number* numbers)
-{
-    RequireGiven(numbers);
-    return {numbers[0], numbers[1], numbers[2]};
-}
+template <class Number> std::array<Number, 3> ThreeOf(const Number* numbers) { return {numbers[0], numbers[1], numbers[2]}; }
 
 template <class Number> void CopyThree(const std::array<Number, 3>& numbers, Number* result)
 {
-    RequireGiven(result);
     std::copy(numbers.begin(), numbers.end(), result);
 }
 
@@ -113,7 +113,6 @@ inline Triple BaseUnits(const brix_model* model, const double* worldCoords)
 /// A new object for the caller, made of its members.
 template <class Object, class... Members> void Make(Object** result, Members&&... members)
 {
-    RequireGiven(result);
     *result = new Object{std::forward<Members>(members)...};
 }
 
@@ -124,9 +123,9 @@ inline SharedVoxels Share(VoxelModel<bool>&& voxels)
 
 inline void MakeModel(brix_model** result, VoxelModel<bool>&& voxels) { Make(result, Share(std::move(voxels))); }
 
-/// `count` items of `width` doubles each, called by their plural name in messages, in the caller's memory. Throws when there cannot be
-/// so many, or when there is no memory.
-void RequireItems(const double* numbers, std::int64_t count, std::int64_t width, std::string_view name);
+/// `count` items of `width` numbers each, called by their plural name in messages, in the caller's memory; no pointer is needed for
+/// none. Throws when there cannot be so many.
+void RequireItems(const void* numbers, std::int64_t count, std::int64_t width, std::string_view name);
 
 /// Triangles in the caller's memory.
 const WorldTriangle* TrianglesAt(const double* triangles, std::int64_t count);
@@ -178,7 +177,6 @@ private:
 
 template <class Item, class Convert> void MakeList(brix_list** result, std::vector<Item>&& items, const Convert& convert)
 {
-    RequireGiven(result);
     *result = new ItemList<Item, Convert>(std::move(items), convert);
 }
 

@@ -36,8 +36,8 @@ std::int32_t brix_path_model_create(const brix_model* environment, std::int64_t 
                                     std::int64_t agent_height_offset, std::int32_t auto_adjust_extents, brix_path_model** result,
                                     brix_error* error)
 {
-    return Guarded(error, [&] {
-        Make(result, Given(environment).voxels,
+    return Guarded(error, {environment, result}, "the path model", [&] {
+        Make(result, environment->voxels,
              PathModel(VoxelsOf(environment), voxel_lod, agent_diameter_offset, agent_height_offset, auto_adjust_extents != 0));
     });
 }
@@ -46,34 +46,35 @@ void brix_path_model_free(brix_path_model* path_model) { delete path_model; }
 
 std::int32_t brix_path_model_environment(const brix_path_model* path_model, brix_model** result, brix_error* error)
 {
-    return Guarded(error, [&] { Make(result, Given(path_model).environment); });
+    return Guarded(error, {path_model, result}, [&] { Make(result, path_model->environment); });
 }
 
 std::int32_t brix_path_model_traversable_voxels(const brix_path_model* path_model, brix_model** result, brix_error* error)
 {
-    return Guarded(error, [&] { MakeModel(result, VoxelModel<bool>(Given(path_model).pathModel.TraversableVoxels())); });
+    return Guarded(error, {path_model, result}, "the traversable voxels",
+                   [&] { MakeModel(result, VoxelModel<bool>(path_model->pathModel.TraversableVoxels())); });
 }
 
 std::int32_t brix_path_model_voxel_lod(const brix_path_model* path_model, std::int64_t* result, brix_error* error)
 {
-    return Guarded(error, [&] { Given(result) = Given(path_model).pathModel.VoxelLOD(); });
+    return Guarded(error, {path_model, result}, [&] { *result = path_model->pathModel.VoxelLOD(); });
 }
 
 std::int32_t brix_path_model_agent_diameter_offset(const brix_path_model* path_model, std::int64_t* result, brix_error* error)
 {
-    return Guarded(error, [&] { Given(result) = Given(path_model).pathModel.AgentDiameterOffset(); });
+    return Guarded(error, {path_model, result}, [&] { *result = path_model->pathModel.AgentDiameterOffset(); });
 }
 
 std::int32_t brix_path_model_agent_height_offset(const brix_path_model* path_model, std::int64_t* result, brix_error* error)
 {
-    return Guarded(error, [&] { Given(result) = Given(path_model).pathModel.AgentHeightOffset(); });
+    return Guarded(error, {path_model, result}, [&] { *result = path_model->pathModel.AgentHeightOffset(); });
 }
 
 std::int32_t brix_path_model_generate_sample_points(const brix_path_model* path_model, double spacing, std::int64_t min_diameter,
                                                     brix_list** result, brix_error* error)
 {
-    return Guarded(error, [&] {
-        const PathModel& model = Given(path_model).pathModel;
+    return Guarded(error, {path_model, result}, "the sample points", [&] {
+        const PathModel& model = path_model->pathModel;
         const Axes& axes = model.TraversableVoxels().AxesRef();
         MakePointList(result, model.GenerateSamplePoints(axes.FromWorldDistance(spacing), min_diameter), axes);
     });
@@ -84,8 +85,8 @@ std::int32_t brix_path_model_generate_sample_points(const brix_path_model* path_
 std::int32_t brix_distance_field_create(const brix_path_model* path_model, const double* sources, std::int64_t source_count,
                                         double max_distance, brix_distance_field** result, brix_error* error)
 {
-    return Guarded(error, [&] {
-        const PathModel& model = Given(path_model).pathModel;
+    return Guarded(error, {path_model, result}, "the distance field", [&] {
+        const PathModel& model = path_model->pathModel;
         const Axes& axes = model.TraversableVoxels().AxesRef();
         Make(result, DistanceField(model, PointsAt(axes, sources, source_count), axes.FromWorldDistance(max_distance)));
     });
@@ -96,47 +97,48 @@ void brix_distance_field_free(brix_distance_field* distance_field) { delete dist
 std::int32_t brix_distance_field_distance(const brix_distance_field* distance_field, const double* point_coords, double* result,
                                           brix_error* error)
 {
-    return Guarded(error, [&] {
-        const DistanceField& field = Given(distance_field).field;
+    return Guarded(error, {distance_field, point_coords, result}, [&] {
+        const DistanceField& field = distance_field->field;
         const Axes& axes = field.AxesRef();
         const std::int64_t distance = field.Distance(axes.FromWorldCoordinates(ThreeOf(point_coords)));
-        Given(result) = distance < 0 ? -1.0 : axes.ToWorldDistance(distance);
+        *result = distance < 0 ? -1.0 : axes.ToWorldDistance(distance);
     });
 }
 
 std::int32_t brix_distance_field_farthest_distance(const brix_distance_field* distance_field, double* result, brix_error* error)
 {
-    return Guarded(error, [&] {
-        const DistanceField& field = Given(distance_field).field;
-        Given(result) = field.AxesRef().ToWorldDistance(field.FarthestDistance());
+    return Guarded(error, {distance_field, result}, [&] {
+        const DistanceField& field = distance_field->field;
+        *result = field.AxesRef().ToWorldDistance(field.FarthestDistance());
     });
 }
 
 std::int32_t brix_distance_field_farthest_voxel(const brix_distance_field* distance_field, std::int64_t* result_3,
                                                 brix_error* error)
 {
-    return Guarded(error, [&] { CopyThree(Given(distance_field).field.FarthestVoxel(), result_3); });
+    return Guarded(error, {distance_field, result_3}, [&] { CopyThree(distance_field->field.FarthestVoxel(), result_3); });
 }
 
 std::int32_t brix_distance_field_reachable_voxels(const brix_distance_field* distance_field, brix_model** result,
                                                   brix_error* error)
 {
-    return Guarded(error, [&] { MakeModel(result, Given(distance_field).field.ReachableVoxels()); });
+    return Guarded(error, {distance_field, result}, "the reachable voxels",
+                   [&] { MakeModel(result, distance_field->field.ReachableVoxels()); });
 }
 
 std::int32_t brix_distance_field_reachable_within(const brix_distance_field* distance_field, double max_distance,
                                                   brix_model** result, brix_error* error)
 {
-    return Guarded(error, [&] {
-        const DistanceField& field = Given(distance_field).field;
+    return Guarded(error, {distance_field, result}, "the reachable voxels", [&] {
+        const DistanceField& field = distance_field->field;
         MakeModel(result, field.ReachableVoxels(field.AxesRef().FromWorldDistance(max_distance)));
     });
 }
 
 std::int32_t brix_distance_field_distances(const brix_distance_field* distance_field, brix_list** result, brix_error* error)
 {
-    return Guarded(error, [&] {
-        const DistanceField& field = Given(distance_field).field;
+    return Guarded(error, {distance_field, result}, "the list of distances", [&] {
+        const DistanceField& field = distance_field->field;
         const Axes& axes = field.AxesRef();
         std::vector<std::array<double, 4>> distances;
         field.ForEachReachable([&](const Triple& voxelIndices, std::int64_t distance) {
@@ -152,8 +154,8 @@ std::int32_t brix_distance_field_distances(const brix_distance_field* distance_f
 std::int32_t brix_path_create(const brix_distance_field* distance_field, const double* point_coords, brix_path** result,
                               brix_error* error)
 {
-    return Guarded(error, [&] {
-        const DistanceField& field = Given(distance_field).field;
+    return Guarded(error, {distance_field, point_coords, result}, "the path", [&] {
+        const DistanceField& field = distance_field->field;
         const Axes& axes = field.AxesRef();
         Make(result, axes, Path(field, axes.FromWorldCoordinates(ThreeOf(point_coords))));
     });
@@ -163,15 +165,17 @@ void brix_path_free(brix_path* path) { delete path; }
 
 std::int32_t brix_path_length(const brix_path* path, double* result, brix_error* error)
 {
-    return Guarded(error, [&] { Given(result) = Given(path).axes.ToWorldDistance(path->path.Length()); });
+    return Guarded(error, {path, result}, [&] { *result = path->axes.ToWorldDistance(path->path.Length()); });
 }
 
 std::int32_t brix_path_voxels(const brix_path* path, brix_model** result, brix_error* error)
 {
-    return Guarded(error, [&] { MakeModel(result, VoxelModel<bool>(Given(path).path.Voxels())); });
+    return Guarded(error, {path, result}, "the voxels of the path",
+                   [&] { MakeModel(result, VoxelModel<bool>(path->path.Voxels())); });
 }
 
 std::int32_t brix_path_points(const brix_path* path, brix_list** result, brix_error* error)
 {
-    return Guarded(error, [&] { MakePointList(result, std::vector<Triple>(Given(path).path.Points()), path->axes); });
+    return Guarded(error, {path, result}, "the points of the path",
+                   [&] { MakePointList(result, std::vector<Triple>(path->path.Points()), path->axes); });
 }

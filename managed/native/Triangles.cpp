@@ -16,14 +16,14 @@ static_assert(std::is_trivially_copyable_v<WorldTriangle>);
 
 namespace brix::capi {
 
-void RequireItems(const double* numbers, std::int64_t count, std::int64_t width, std::string_view name)
+void RequireItems(const void* numbers, std::int64_t count, std::int64_t width, std::string_view name)
 {
+    if (count > 0) RequireGiven(numbers);
     const auto most = static_cast<std::int64_t>(std::numeric_limits<std::ptrdiff_t>::max() / sizeof(double)) / width;
     if (count < 0 || count > most) {
         throw std::domain_error("The number of " + std::string(name) + " must lie between 0 and " + std::to_string(most) +
                                 ". The value encountered was " + std::to_string(count) + ".");
     }
-    if (count > 0) RequireGiven(numbers);
 }
 
 const WorldTriangle* TrianglesAt(const double* triangles, std::int64_t count)
@@ -71,8 +71,7 @@ void brix_list_free(brix_list* list) { delete list; }
 
 std::int32_t brix_list_size(const brix_list* list, std::int64_t* item_count, std::int64_t* width, brix_error* error)
 {
-    return Guarded(error, [&] {
-        RequireGiven(list, item_count, width);
+    return Guarded(error, {list, item_count, width}, [&] {
         *item_count = list->Size();
         *width = list->Width();
     });
@@ -81,8 +80,8 @@ std::int32_t brix_list_size(const brix_list* list, std::int64_t* item_count, std
 std::int32_t brix_list_copy(const brix_list* list, std::int64_t first_item, std::int64_t item_count, double* destination,
                             brix_error* error)
 {
-    return Guarded(error, [&] {
-        RequirePart(first_item, item_count, Given(list).Size(), destination);
+    return Guarded(error, {list}, [&] {
+        RequirePart(first_item, item_count, list->Size(), destination);
         if (item_count > 0) list->Copy(first_item, item_count, destination);
     });
 }
@@ -91,7 +90,7 @@ std::int32_t brix_list_copy(const brix_list* list, std::int64_t first_item, std:
 
 std::int32_t brix_triangle_normals(const double* triangles, std::int64_t triangle_count, double* result, brix_error* error)
 {
-    return Guarded(error, [&] {
+    return Guarded(error, {}, [&] {
         const WorldTriangle* first = TrianglesAt(triangles, triangle_count);
         if (triangle_count > 0) RequireGiven(result);
         for (std::int64_t i = 0; i < triangle_count; ++i) CopyThree(WorldTriangleNormal(first[i]), result + 3 * i);
@@ -101,7 +100,7 @@ std::int32_t brix_triangle_normals(const double* triangles, std::int64_t triangl
 std::int32_t brix_load_stl(const char* path, std::int64_t path_length, std::int32_t swap_yz, brix_list** result,
                            brix_error* error)
 {
-    return Guarded(error, [&] {
+    return Guarded(error, {result}, "the triangles of the STL file", [&] {
         MakeList(result, LoadTrianglesFromSTL(PathAt(path, path_length), swap_yz != 0),
                  [](const WorldTriangle& triangle) { return triangle; });
     });
@@ -110,7 +109,7 @@ std::int32_t brix_load_stl(const char* path, std::int64_t path_length, std::int3
 std::int32_t brix_save_stl(const double* triangles, std::int64_t triangle_count, const char* path, std::int64_t path_length,
                            std::int32_t use_binary_format, std::int32_t swap_yz, brix_error* error)
 {
-    return Guarded(error, [&] {
+    return Guarded(error, {}, "writing the STL file", [&] {
         const WorldTriangle* first = TrianglesAt(triangles, triangle_count);
         const StlVariant variant = use_binary_format != 0 ? StlVariant::Binary : StlVariant::Ascii;
         SaveTrianglesToSTL(PathAt(path, path_length), first, static_cast<std::size_t>(triangle_count), variant, swap_yz != 0);
@@ -120,23 +119,21 @@ std::int32_t brix_save_stl(const double* triangles, std::int64_t triangle_count,
 std::int32_t brix_detect_triangle_extents(const brix_axes* axes, const double* triangles, std::int64_t triangle_count,
                                           brix_extents** result, brix_error* error)
 {
-    return Guarded(error, [&] {
+    return Guarded(error, {axes, result}, [&] {
         const WorldTriangle* first = TrianglesAt(triangles, triangle_count);
-        Make(result, DetectTriangleExtents(Given(axes).axes, first, static_cast<std::size_t>(triangle_count)));
+        Make(result, DetectTriangleExtents(axes->axes, first, static_cast<std::size_t>(triangle_count)));
     });
 }
 
 std::int32_t brix_tessellate_voxel_model(const brix_model* model, std::int64_t voxel_lod, brix_list** result, brix_error* error)
 {
-    return Guarded(error, [&] {
-        RequireGiven(result);
-        *result = new TessellationList(VoxelsOf(model), voxel_lod);
-    });
+    return Guarded(error, {model, result}, "the triangles of the voxel model",
+                   [&] { *result = new TessellationList(VoxelsOf(model), voxel_lod); });
 }
 
 std::int32_t brix_cuboidize_voxel_model(const brix_model* model, std::int64_t voxel_lod, brix_list** result, brix_error* error)
 {
-    return Guarded(error, [&] {
+    return Guarded(error, {model, result}, "the boxes of the voxel model", [&] {
         const VoxelModel<bool>& voxels = VoxelsOf(model);
         MakeList(result, CuboidizeVoxelModel(voxels, voxel_lod), [axes = voxels.AxesRef(), voxel_lod](const VoxelCuboid& cuboid) {
             return ToWorldCuboid(cuboid, axes, voxel_lod);
@@ -146,7 +143,7 @@ std::int32_t brix_cuboidize_voxel_model(const brix_model* model, std::int64_t vo
 
 std::int32_t brix_solidize_voxel_model(const brix_model* model, std::int64_t voxel_lod, brix_list** result, brix_error* error)
 {
-    return Guarded(error, [&] {
+    return Guarded(error, {model, result}, "the rectangles of the voxel model", [&] {
         const VoxelModel<bool>& voxels = VoxelsOf(model);
         MakeList(result, SolidizeVoxelModel(voxels, voxel_lod),
                  [axes = voxels.AxesRef(), voxel_lod](const VoxelRectangle& rectangle) {
@@ -159,7 +156,7 @@ std::int32_t brix_solidize_voxel_model(const brix_model* model, std::int64_t vox
 
 std::int32_t brix_mesh_from_triangles(const double* triangles, std::int64_t triangle_count, brix_mesh** result, brix_error* error)
 {
-    return Guarded(error, [&] {
+    return Guarded(error, {result}, "the triangle mesh", [&] {
         const WorldTriangle* first = TrianglesAt(triangles, triangle_count);
         TriangleMesh mesh({}, {});
         mesh.AddTriangles(first, static_cast<std::size_t>(triangle_count));
@@ -170,10 +167,9 @@ std::int32_t brix_mesh_from_triangles(const double* triangles, std::int64_t tria
 std::int32_t brix_mesh_create(const double* vertices, std::int64_t vertex_count, const std::int32_t* indices,
                               std::int64_t triangle_count, brix_mesh** result, brix_error* error)
 {
-    return Guarded(error, [&] {
+    return Guarded(error, {result}, "the triangle mesh", [&] {
         RequireItems(vertices, vertex_count, 3, "triangle mesh vertices");
-        RequireItems(nullptr, std::min<std::int64_t>(triangle_count, 0), 9, "triangles");
-        if (triangle_count > 0) RequireGiven(indices);
+        RequireItems(indices, triangle_count, 3, "triangles");
         std::vector<std::array<double, 3>> points(static_cast<std::size_t>(vertex_count));
         std::copy_n(vertices, 3 * vertex_count, points.empty() ? nullptr : points.front().data());
         std::vector<Triple> triples(static_cast<std::size_t>(triangle_count));
@@ -188,8 +184,7 @@ void brix_mesh_free(brix_mesh* mesh) { delete mesh; }
 
 std::int32_t brix_mesh_size(const brix_mesh* mesh, std::int64_t* vertex_count, std::int64_t* triangle_count, brix_error* error)
 {
-    return Guarded(error, [&] {
-        RequireGiven(mesh, vertex_count, triangle_count);
+    return Guarded(error, {mesh, vertex_count, triangle_count}, [&] {
         *vertex_count = static_cast<std::int64_t>(mesh->mesh.VerticesRef().size());
         *triangle_count = static_cast<std::int64_t>(mesh->mesh.IndexedTrianglesRef().size());
     });
@@ -198,8 +193,8 @@ std::int32_t brix_mesh_size(const brix_mesh* mesh, std::int64_t* vertex_count, s
 std::int32_t brix_mesh_copy_vertices(const brix_mesh* mesh, std::int64_t first_vertex, std::int64_t vertex_count,
                                      double* destination, brix_error* error)
 {
-    return Guarded(error, [&] {
-        const auto& vertices = Given(mesh).mesh.VerticesRef();
+    return Guarded(error, {mesh}, [&] {
+        const auto& vertices = mesh->mesh.VerticesRef();
         RequirePart(first_vertex, vertex_count, static_cast<std::int64_t>(vertices.size()), destination);
         for (std::int64_t i = 0; i < vertex_count; ++i)
             CopyThree(vertices[static_cast<std::size_t>(first_vertex + i)], destination + 3 * i);
@@ -209,8 +204,8 @@ std::int32_t brix_mesh_copy_vertices(const brix_mesh* mesh, std::int64_t first_v
 std::int32_t brix_mesh_copy_indices(const brix_mesh* mesh, std::int64_t first_triangle, std::int64_t triangle_count,
                                     std::int32_t* destination, brix_error* error)
 {
-    return Guarded(error, [&] {
-        const auto& triangles = Given(mesh).mesh.IndexedTrianglesRef();
+    return Guarded(error, {mesh}, [&] {
+        const auto& triangles = mesh->mesh.IndexedTrianglesRef();
         RequirePart(first_triangle, triangle_count, static_cast<std::int64_t>(triangles.size()), destination);
         for (std::int64_t i = 0; i < triangle_count; ++i) {
             for (const std::int64_t index : triangles[static_cast<std::size_t>(first_triangle + i)])
@@ -222,9 +217,9 @@ std::int32_t brix_mesh_copy_indices(const brix_mesh* mesh, std::int64_t first_tr
 std::int32_t brix_mesh_copy_triangles(const brix_mesh* mesh, std::int64_t first_triangle, std::int64_t triangle_count,
                                       double* destination, brix_error* error)
 {
-    return Guarded(error, [&] {
-        const auto& vertices = Given(mesh).mesh.VerticesRef();
-        const auto& triangles = Given(mesh).mesh.IndexedTrianglesRef();
+    return Guarded(error, {mesh}, [&] {
+        const auto& vertices = mesh->mesh.VerticesRef();
+        const auto& triangles = mesh->mesh.IndexedTrianglesRef();
         RequirePart(first_triangle, triangle_count, static_cast<std::int64_t>(triangles.size()), destination);
         for (std::int64_t i = 0; i < triangle_count; ++i) {
             for (const std::int64_t index : triangles[static_cast<std::size_t>(first_triangle + i)]) {

@@ -35,7 +35,7 @@ Triple DirectionInBaseUnits(const Axes& axes, const std::array<double, 3>& world
 std::int32_t brix_visibility_from_direction(const brix_model* model, const double* direction, std::int64_t voxel_lod,
                                             double threshold, brix_model** result, brix_error* error)
 {
-    return Guarded(error, [&] {
+    return Guarded(error, {model, direction, result}, "what is visible along the direction", [&] {
         const VoxelModel<bool>& voxels = VoxelsOf(model);
         const Triple inBaseUnits = DirectionInBaseUnits(voxels.AxesRef(), ThreeOf(direction));
         MakeModel(result, VisibilityFromDirection(voxels, inBaseUnits, voxel_lod, threshold));
@@ -46,7 +46,7 @@ std::int32_t brix_visibility_from_point(const brix_model* model, const double* p
                                         double max_radius, double threshold, std::int32_t auto_adjust_extents,
                                         brix_model** result, brix_error* error)
 {
-    return Guarded(error, [&] {
+    return Guarded(error, {model, point_coords, result}, "what is visible from the point", [&] {
         const VoxelModel<bool>& voxels = VoxelsOf(model);
         MakeModel(result,
                   VisibilityFromPoint(voxels, BaseUnits(model, point_coords), voxel_lod,
@@ -58,7 +58,7 @@ std::int32_t brix_visibility_within_cone(const brix_model* model, const double* 
                                          double angle, std::int64_t voxel_lod, double max_radius, double threshold,
                                          std::int32_t auto_adjust_extents, brix_model** result, brix_error* error)
 {
-    return Guarded(error, [&] {
+    return Guarded(error, {model, point_coords, direction, result}, "what is visible within the cone", [&] {
         const VoxelModel<bool>& voxels = VoxelsOf(model);
         const Axes& axes = voxels.AxesRef();
         MakeModel(result, VisibilityWithinCone(voxels, BaseUnits(model, point_coords),
@@ -72,7 +72,7 @@ std::int32_t brix_visibility_within_pyramid(const brix_model* model, const doubl
                                             double max_radius, double threshold, std::int32_t auto_adjust_extents,
                                             brix_model** result, brix_error* error)
 {
-    return Guarded(error, [&] {
+    return Guarded(error, {model, point_coords, direction, result}, "what is visible within the pyramid", [&] {
         const VoxelModel<bool>& voxels = VoxelsOf(model);
         const Axes& axes = voxels.AxesRef();
         MakeModel(result,

@@ -7,7 +7,8 @@
  *     iterator keeps the voxels of its model alive.
  *   - Objects never change after they were made, so several threads may read one object; none may free it meanwhile.
  *   - Arguments are plain numbers, pointers to numbers and objects. A pointer to three numbers is x, y, z. Booleans are int32_t, zero
- *     or not. Only `guide` and error objects may be NULL; any other NULL is refused with BRIX_NULL_ARGUMENT.
+ *     or not. Only `guide`, error objects and lists of no items may be NULL; any other NULL, a result's among them, is refused with
+ *     BRIX_NULL_ARGUMENT before anything else is looked at or done.
  *   - On failure nothing is written to the result.
  *
  * Units: "world" coordinates and distances are doubles in the host's units; voxel indices belong to a level of detail, 0 (coarsest)
@@ -59,7 +60,7 @@ typedef enum brix_status
     BRIX_INVALID_ARGUMENT = 1, /* an argument breaks a rule (std::domain_error) */
     BRIX_OUT_OF_RANGE = 2,     /* an iterator that points outside its model was used (std::out_of_range) */
     BRIX_FILE_FAILURE = 3,     /* a file cannot be read or written (std::runtime_error) */
-    BRIX_OUT_OF_MEMORY = 4,    /* an allocation failed; nothing is lost but the result */
+    BRIX_OUT_OF_MEMORY = 4,    /* there is not enough memory for what the message names; nothing is lost but the result */
     BRIX_NULL_ARGUMENT = 5,    /* a required pointer is NULL */
     BRIX_FAILURE = 6           /* anything else */
 } brix_status;
