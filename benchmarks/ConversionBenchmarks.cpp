@@ -5,8 +5,9 @@
 #include "Measure.h"
 #include "OperationScenes.h"
 
+#include "operations/AutoSplit.h"
 #include "operations/BasicOperations.h"
-#include "operations/SpecialOperations.h"
+#include "operations/DensityMap.h"
 
 namespace brix::benchmarks {
 namespace {

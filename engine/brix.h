@@ -10,6 +10,8 @@
 #include "brix/frame/Extents.h"
 #include "brix/frame/NotEnoughMemory.h"
 
+#include "brix/model/StackLattice.h"
+
 #include "brix/model/VoxelPlate.h"
 #include "brix/model/VoxelStack.h"
 #include "brix/model/VoxelStore.h"
@@ -34,12 +36,13 @@
 #include "brix/triangles/Tessellation.h"
 #include "brix/triangles/Voxelization.h"
 
+#include "brix/operations/AutoSplit.h"
 #include "brix/operations/BasicOperations.h"
+#include "brix/operations/DensityMap.h"
 #include "brix/operations/FillOperations.h"
 #include "brix/operations/ProximityOperations.h"
 #include "brix/operations/SliceRows.h"
 #include "brix/operations/SolidOperations.h"
-#include "brix/operations/SpecialOperations.h"
 #include "brix/operations/SurfaceOperations.h"
 
 #include "brix/travel/PathModel.h"

@@ -1,10 +1,11 @@
 // Triangles of any doubles, voxelized into a small model, and a chain of operations chosen by the bytes: nothing but the engine's own
 // errors may leave it, and every result must be well formed.
 #include "model/CheckInvariants.h"
+#include "operations/AutoSplit.h"
 #include "operations/BasicOperations.h"
+#include "operations/DensityMap.h"
 #include "operations/FillOperations.h"
 #include "operations/SolidOperations.h"
-#include "operations/SpecialOperations.h"
 #include "operations/SurfaceOperations.h"
 #include "travel/PathModel.h"
 #include "triangles/Cuboidization.h"

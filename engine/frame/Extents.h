@@ -1,4 +1,4 @@
-// An inclusive box of voxel indices at one level of detail of a frame. Every Extents that exists lies within the index space.
+// An inclusive box of voxel indices (axis-aligned bounding box) at one level of detail of a frame. Every Extents that exists lies within the index space.
 #pragma once
 
 #include "Axes.h"

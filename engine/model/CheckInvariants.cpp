@@ -20,7 +20,7 @@ bool IsCanonical(const Stack& stack)
 {
     const auto plates = stack.Plates();
     const auto offsets = stack.LayerOffsets();
-    if (offsets.front() != 0 || offsets.back() >= Stack::Height) return false;
+    if (offsets.front() != 0 || offsets.back() >= StackHeight) return false;
     if (plates.size() == 1 && IsEmpty(plates.front()) != stack.IsUnallocated()) return false;
     for (std::size_t layer = 1; layer < plates.size(); ++layer) {
         if (offsets[layer] <= offsets[layer - 1] || plates[layer] == plates[layer - 1]) return false;
@@ -50,11 +50,12 @@ std::string CheckStack(const Store& store, const StackIndices& ij)
 
 bool CoarseAgrees(const Store& coarse, const StackIndices& ij, const Triple& offset, const Store& fine)
 {
-    const Triple first{2 * (16 * ij[0] + offset[0]), 2 * (16 * ij[1] + offset[1]), offset[2]};
+    const Triple first{2 * (PlateWidth * ij[0] + offset[0]), 2 * (PlateWidth * ij[1] + offset[1]), offset[2]};
     bool anyFine = false;
     for (std::int64_t child = 0; child < 4; ++child) {
         const Triple voxel = Plus(first, {child % 2, child / 2, 0});
-        anyFine |= IsFilled(fine.VoxelStackRef({voxel[0] / 16, voxel[1] / 16}), {voxel[0] % 16, voxel[1] % 16, voxel[2]});
+        const Triple stack = StackOfVoxel(voxel);
+        anyFine |= IsFilled(fine.VoxelStackRef({stack[0], stack[1]}), Minus(voxel, CornerOfStack(stack)));
     }
     return IsFilled(coarse.VoxelStackRef(ij), offset) == anyFine;
 }
@@ -63,15 +64,15 @@ bool FineAgrees(const Store& fine, const StackIndices& ij, const Triple& offset,
 {
     const Stack& source = coarse.VoxelStackRef({ij[0] / 2, ij[1] / 2});
     const bool inExtents = IsWithin(offset, fine.LowerOffset(ij), fine.UpperOffset(ij));
-    const Triple doubled{offset[0] / 2 + 8 * (ij[0] % 2), offset[1] / 2 + 8 * (ij[1] % 2), offset[2]};
+    const Triple doubled{offset[0] / 2 + PlateWidth / 2 * (ij[0] % 2), offset[1] / 2 + PlateWidth / 2 * (ij[1] % 2), offset[2]};
     const bool expected = inExtents && IsFilled(source, source.LayerID(offset[2]) == 0 ? offset : doubled);
     return IsFilled(fine.VoxelStackRef(ij), offset) == expected;
 }
 
 // The heights at which a stack of `store`, or one that it follows from, begins a layer; between them, nothing changes.
-std::bitset<Stack::Height> ChangingHeights(const Store& store, const StackIndices& ij, const Store& source)
+std::bitset<StackHeight> ChangingHeights(const Store& store, const StackIndices& ij, const Store& source)
 {
-    std::bitset<Stack::Height> heights;
+    std::bitset<StackHeight> heights;
     const auto add = [&](const Stack& stack) {
         for (const std::uint8_t offset : stack.LayerOffsets()) heights.set(offset);
     };
@@ -93,9 +94,9 @@ std::string CheckLevel(const Store& store, const Store& source)
     std::string reason;
     ForEachStackOfStore(store, [&](const Store&, const StackIndices& ij) {
         const auto heights = ChangingHeights(store, ij, source);
-        for (std::int64_t z = 0; z < Stack::Height && reason.empty(); ++z) {
+        for (std::int64_t z = 0; z < StackHeight && reason.empty(); ++z) {
             if (!heights[static_cast<std::size_t>(z)]) continue;
-            ForEachTriple({0, 0, z}, {15, 15, z}, [&](const Triple& offset) {
+            ForEachTriple({0, 0, z}, {LastOffset[0], LastOffset[1], z}, [&](const Triple& offset) {
                 const bool agrees = isCoarser ? CoarseAgrees(store, ij, offset, source) : FineAgrees(store, ij, offset, source);
                 if (agrees || !reason.empty()) return;
                 reason =

@@ -39,12 +39,12 @@ struct ShiftedStack
     const VoxelStack<bool>& upper;
     std::int64_t distance; // the heights of `lower` that are skipped
 
-    std::int64_t Boundary() const { return VoxelStack<bool>::Height - distance; } // z at which `upper` begins
+    std::int64_t Boundary() const { return StackHeight - distance; } // z at which `upper` begins
 };
 
 inline ShiftedStack SeenBelow(const VoxelStack<bool>& here, const VoxelStack<bool>& below, std::int64_t distance = 1)
 {
-    return {below, here, VoxelStack<bool>::Height - distance};
+    return {below, here, StackHeight - distance};
 }
 
 inline ShiftedStack SeenAbove(const VoxelStack<bool>& here, const VoxelStack<bool>& above, std::int64_t distance = 1)
@@ -63,7 +63,7 @@ public:
             plate_ = &stack.lower.LayerVoxelPlateRef(stack.lower.LayerID(stack.distance));
             starts_ = stack.lower.LayerStarts() >> stack.distance;
         }
-        if (boundary_ < VoxelStack<bool>::Height) starts_ |= stack.upper.LayerStarts() << boundary_;
+        if (boundary_ < StackHeight) starts_ |= stack.upper.LayerStarts() << boundary_;
         starts_ &= ~HeightSet{1};
     }
 
@@ -84,17 +84,18 @@ private:
     HeightSet starts_ = 0;
 };
 
-/// The box lower..upper of a stack's offsets (inclusive, may reach beyond the stack), as if it were a stack that is filled inside it.
+/// A box of a stack's offsets (it may reach beyond the stack), as if it were a stack that is filled inside it.
 class BoxStack
 {
 public:
-    BoxStack(const Triple& lower, const Triple& upper)
+    explicit BoxStack(const OffsetBox& box)
     {
-        const std::int64_t begin = std::clamp<std::int64_t>(lower[2], 0, VoxelStack<bool>::Height);
-        const std::int64_t end = std::clamp<std::int64_t>(upper[2], begin - 1, VoxelStack<bool>::Height - 1) + 1;
+        const auto& [lower, upper] = box;
+        const std::int64_t begin = std::clamp<std::int64_t>(lower[2], 0, StackHeight);
+        const std::int64_t end = std::clamp<std::int64_t>(upper[2], begin - 1, StackHeight - 1) + 1;
         if (begin > 0) Add(0, {});
         if (begin < end) Add(begin, Box({lower[0], lower[1]}, {upper[0], upper[1]}));
-        if (begin < end && end < VoxelStack<bool>::Height) Add(end, {});
+        if (begin < end && end < StackHeight) Add(end, {});
         if (starts_ == 0) Add(0, {});
     }
 
@@ -127,7 +128,7 @@ public:
         AppendMade(z, [&] { return plate; });
     }
 
-    /// The same with the plate make(), which is made in its place: copying 32 bytes costs as much as a rule.
+    /// The same with the plate make(), which is constructed in the buffer: a copy of 32 bytes would cost as much as most rules.
     template <class Make> void AppendMade(std::int64_t z, const Make& make)
     {
         ::new (static_cast<void*>(&plates_[count_])) VoxelPlate<bool>(make());
@@ -146,11 +147,11 @@ private:
     std::size_t count_ = 0;
     union
     {
-        VoxelPlate<bool> plates_[VoxelStack<bool>::Height];
+        VoxelPlate<bool> plates_[StackHeight];
     };
     union
     {
-        std::uint8_t offsets_[VoxelStack<bool>::Height];
+        std::uint8_t offsets_[StackHeight];
     };
 };
 
@@ -163,7 +164,7 @@ template <class Visit, class... Stacks> void ForEachCommonLayer(const Visit& vis
             const std::int64_t z = std::countr_zero(starts);
             starts &= starts - 1;
             (cursors.MoveTo(z), ...);
-            visit(z, starts != 0 ? std::countr_zero(starts) : VoxelStack<bool>::Height, cursors.PlateRef()...);
+            visit(z, starts != 0 ? std::countr_zero(starts) : StackHeight, cursors.PlateRef()...);
         }
     };
     walk(MakeCursor(stacks)...);

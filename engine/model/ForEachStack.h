@@ -22,7 +22,7 @@ template <class VoxelModelType, class Visit> void ForEachStack(VoxelModelType& m
 
 /// The same for the chunks of one height, which must be among the model's.
 template <class VoxelModelType, class Visit>
-void ForEachStackOfLayer(VoxelModelType& model, std::int64_t lod, std::int64_t chunkZ, Visit visit)
+void ForEachStackOfSlab(VoxelModelType& model, std::int64_t lod, std::int64_t chunkZ, Visit visit)
 {
     const Triple lower = model.LowerChunkIndices();
     const Triple upper = model.UpperChunkIndices();

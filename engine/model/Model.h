@@ -1,33 +1,12 @@
-// The chunk grid: a box of chunks in space, for voxel chunks and triangle chunks alike. A chunk is 16 level-0 voxels wide along x
-// and y (16 * 2^L voxels at level L) and 64 voxels high. Chunk indices are absolute: models in the same frame share one grid.
+// The chunk grid: a box of chunks in space, for voxel chunks and triangle chunks alike. Chunk indices are absolute: models in the same
+// frame share one grid.
 #pragma once
 
-#include "../frame/Extents.h"
+#include "StackLattice.h"
 
-#include <bit>
 #include <vector>
 
 namespace brix {
-
-/// Width of a chunk in level-0 voxels, and height in voxels.
-inline constexpr std::int64_t ChunkWidth = 16;
-inline constexpr std::int64_t ChunkHeight = 64;
-
-/// Voxel indices at a level of a chunk's lower corner.
-constexpr Triple ChunkLowerIndices(const Triple& chunkIndices, std::int64_t voxelLOD)
-{
-    const std::int64_t width = ChunkWidth << NearestLevel(voxelLOD);
-    return {chunkIndices[0] * width, chunkIndices[1] * width, chunkIndices[2] * ChunkHeight};
-}
-
-/// Indices of the chunk that holds a voxel of a level.
-constexpr Triple ChunkOfVoxel(const Triple& voxelIndices, std::int64_t voxelLOD)
-{
-    const std::int64_t widthBits = std::countr_zero(static_cast<std::uint64_t>(ChunkWidth)) + NearestLevel(voxelLOD);
-    constexpr std::int64_t heightBits = std::countr_zero(static_cast<std::uint64_t>(ChunkHeight));
-    return {FloorShift(voxelIndices[0], widthBits), FloorShift(voxelIndices[1], widthBits),
-            FloorShift(voxelIndices[2], heightBits)};
-}
 
 template <class Chunk> class Model
 {

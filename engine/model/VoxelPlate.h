@@ -6,6 +6,7 @@
 #pragma once
 
 #include "../frame/Compiler.h"
+#include "StackLattice.h"
 
 #include <array>
 #include <bit>
@@ -21,11 +22,10 @@ template <class Value> struct VoxelPlate;
 
 template <> struct VoxelPlate<bool>
 {
-    static constexpr std::size_t Side = 16;
     static constexpr std::uint16_t FullRow = 0xFFFF;
 
     /// Row y, bit x: 1 where the voxel is filled.
-    std::array<std::uint16_t, Side> rows{};
+    std::array<std::uint16_t, PlateWidth> rows{};
 
     /// Whether the voxel at (x, y), each 0..15, is filled.
     constexpr bool Value(const std::array<std::int64_t, 2>& xy) const
@@ -38,7 +38,7 @@ template <> struct VoxelPlate<bool>
     constexpr std::uint16_t Column(std::size_t x) const
     {
         unsigned column = 0;
-        for (std::size_t y = 0; y < Side; ++y) column |= (static_cast<unsigned>(rows[y]) >> x & 1U) << y;
+        for (std::size_t y = 0; y < rows.size(); ++y) column |= (static_cast<unsigned>(rows[y]) >> x & 1U) << y;
         return static_cast<std::uint16_t>(column);
     }
 
@@ -54,7 +54,7 @@ template <> struct VoxelPlate<bool>
 template <class RowRule> constexpr VoxelPlate<bool> MakePlate(RowRule rowRule)
 {
     VoxelPlate<bool> plate;
-    for (std::size_t y = 0; y < VoxelPlate<bool>::Side; ++y) plate.rows[y] = static_cast<std::uint16_t>(rowRule(y));
+    for (std::size_t y = 0; y < plate.rows.size(); ++y) plate.rows[y] = static_cast<std::uint16_t>(rowRule(y));
     return plate;
 }
 
@@ -89,7 +89,7 @@ template <class Rule, class... Plates> constexpr VoxelPlate<bool> MapRows(const 
     if (!std::is_constant_evaluated()) return MapVectors(rule, plates...);
 #endif
     VoxelPlate<bool> result;
-    for (std::size_t y = 0; y < VoxelPlate<bool>::Side; ++y) {
+    for (std::size_t y = 0; y < result.rows.size(); ++y) {
         unsigned row = 0;
         rule(row, static_cast<unsigned>(plates.rows[y])...);
         result.rows[y] = static_cast<std::uint16_t>(row);
@@ -125,7 +125,7 @@ constexpr bool IsFull(const VoxelPlate<bool>& plate) { return plate == FilledPla
 constexpr std::int64_t Count(const VoxelPlate<bool>& plate)
 {
     int count = 0;
-    for (std::size_t y = 0; y < VoxelPlate<bool>::Side; y += 4) {
+    for (std::size_t y = 0; y < plate.rows.size(); y += 4) {
         std::array<std::uint16_t, 4> rows{plate.rows[y], plate.rows[y + 1], plate.rows[y + 2], plate.rows[y + 3]};
         count += std::popcount(std::bit_cast<std::uint64_t>(rows));
     }

@@ -15,6 +15,8 @@ constexpr std::uint8_t NoOffset = 0;
 
 } // namespace
 
+constinit const VoxelStack<bool> EmptyStack;
+
 VoxelStack<bool>::Block* VoxelStack<bool>::MakeBlock(std::size_t capacity)
 {
     void* const memory = ::operator new(BlockBytes(capacity));
@@ -155,7 +157,7 @@ void VoxelStack<bool>::Decompress()
 {
     Allocate();
     if (IsFullyDecompressed()) return;
-    Block* const block = MakeBlock(Height);
+    Block* const block = MakeBlock(StackHeight);
     std::uint8_t* const offsets = Offsets(block);
     Plate* const plates = PlatesOf(block);
     for (std::int32_t layer = 0; layer < LayerCount(); ++layer) {
@@ -165,14 +167,14 @@ void VoxelStack<bool>::Decompress()
         }
     }
     block->layerStarts = HeightsFrom(0);
-    block->layerCount = static_cast<std::uint8_t>(Height);
+    block->layerCount = static_cast<std::uint8_t>(StackHeight);
     Release();
     block_ = block;
 }
 
 void VoxelStack<bool>::FillOutsideBox(const Triple& lower, const Triple& upper, bool value)
 {
-    const BoxStack box(lower, upper);
+    const BoxStack box(OffsetBox{lower, upper});
     if (value)
         CombineStacks(
             *this, [](const Plate& plate, const Plate& inside) { return plate | ~inside; }, *this, box);

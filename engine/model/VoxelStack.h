@@ -12,7 +12,6 @@
 // empty owns no memory and takes the 8 bytes of a pointer; any other owns one block that holds offsets and plates.
 #pragma once
 
-#include "../frame/Triples.h"
 #include "VoxelPlate.h"
 
 #include <span>
@@ -24,7 +23,7 @@ using HeightSet = std::uint64_t;
 
 /// The heights z..63, and 0..z.
 constexpr HeightSet HeightsFrom(std::int64_t z) { return ~HeightSet{0} << z; }
-constexpr HeightSet HeightsUpTo(std::int64_t z) { return ~HeightSet{0} >> (63 - z); }
+constexpr HeightSet HeightsUpTo(std::int64_t z) { return ~HeightSet{0} >> (StackHeight - 1 - z); }
 
 /// The number of heights in a set: of pairs, of fours, of bytes, and the sum of the bytes. Without the processor's own instruction
 /// this takes half the time of the library's function.
@@ -41,9 +40,6 @@ template <class Value> class VoxelStack;
 template <> class VoxelStack<bool>
 {
 public:
-    static constexpr std::int64_t Side = 16;
-    static constexpr std::int64_t Height = 64;
-
     /// Wholly empty: one layer with an empty plate.
     VoxelStack() noexcept = default;
     VoxelStack(const VoxelStack& other);
@@ -65,7 +61,7 @@ public:
     std::int64_t LowerOffset(std::int32_t layer) const { return LayerOffsets()[static_cast<std::size_t>(layer)]; }
     std::int64_t UpperOffset(std::int32_t layer) const
     {
-        return layer + 1 < LayerCount() ? LowerOffset(layer + 1) - 1 : Height - 1;
+        return layer + 1 < LayerCount() ? LowerOffset(layer + 1) - 1 : StackHeight - 1;
     }
 
     /// A layer's plate. Whoever changes it calls Compress when done.
@@ -76,7 +72,7 @@ public:
     VoxelPlate<bool>& LayerVoxelPlateRef(std::int32_t layer);
 
     /// Whether every height has a layer of its own; then a layer's number is its height.
-    bool IsFullyDecompressed() const { return LayerCount() == Height; }
+    bool IsFullyDecompressed() const { return LayerCount() == StackHeight; }
 
     /// Whether the stack is stored as wholly empty. A compressed stack without filled voxels always is.
     bool IsUnallocated() const { return block_ == nullptr; }

@@ -4,8 +4,6 @@
 
 namespace brix {
 
-const VoxelStack<bool> VoxelStore<bool>::Nothing;
-
 VoxelStore<bool>::VoxelStore(const Extents& extents, const Triple& lowerIndices)
     : extents_(extents), lowerIndices_(lowerIndices), stacksPerRow_(std::int64_t{1} << extents.VoxelLOD())
 {

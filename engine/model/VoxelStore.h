@@ -1,7 +1,6 @@
 // The voxels of one chunk at one level L: a square of 2^L x 2^L stacks, of which those are kept that the extents touch.
 #pragma once
 
-#include "../frame/Extents.h"
 #include "VoxelStack.h"
 
 #include <vector>
@@ -41,40 +40,34 @@ public:
     }
     const VoxelStack<bool>& VoxelStackRef(const StackIndices& ij) const
     {
-        return IsKept(ij) ? stacks_[StackNumber(ij)] : Nothing;
+        return IsKept(ij) ? stacks_[StackNumber(ij)] : EmptyStack;
     }
 
-    /// A valid stack, for those who know that it is.
+    /// The same without a check. Precondition: IsStackValid(ij).
     VoxelStack<bool>& ValidStackRef(const StackIndices& ij) { return stacks_[StackNumber(ij)]; }
     const VoxelStack<bool>& ValidStackRef(const StackIndices& ij) const { return stacks_[StackNumber(ij)]; }
 
     /// Voxel indices of the chunk's, and of a stack's, corners.
     Triple LowerIndices() const { return lowerIndices_; }
-    Triple LowerIndices(const StackIndices& ij) const { return Plus(lowerIndices_, {16 * ij[0], 16 * ij[1], 0}); }
-    Triple UpperIndices(const StackIndices& ij) const { return Plus(LowerIndices(ij), {15, 15, 63}); }
+    Triple LowerIndices(const StackIndices& ij) const { return Plus(lowerIndices_, {PlateWidth * ij[0], PlateWidth * ij[1], 0}); }
+    Triple UpperIndices(const StackIndices& ij) const { return Plus(LowerIndices(ij), LastOffset); }
 
     /// The part of a stack that lies in the extents, as inclusive offsets inside the stack.
-    Triple LowerOffset(const StackIndices& ij) const
-    {
-        return Minus(extents_.LowerCornerClamp(LowerIndices(ij)), LowerIndices(ij));
-    }
-    Triple UpperOffset(const StackIndices& ij) const
-    {
-        return Minus(extents_.UpperCornerClamp(UpperIndices(ij)), LowerIndices(ij));
-    }
+    OffsetBox Inside(const StackIndices& ij) const { return PartInside(extents_, LowerIndices(ij)); }
+    Triple LowerOffset(const StackIndices& ij) const { return Inside(ij).lower; }
+    Triple UpperOffset(const StackIndices& ij) const { return Inside(ij).upper; }
 
     /// The stack that holds a voxel of this level; it may not be valid.
     StackIndices ContainingStack(const Triple& voxelIndices) const
     {
-        return {FloorShift(voxelIndices[0] - lowerIndices_[0], 4), FloorShift(voxelIndices[1] - lowerIndices_[1], 4)};
+        const Triple stack = StackOfVoxel(Minus(voxelIndices, lowerIndices_));
+        return {stack[0], stack[1]};
     }
 
     /// Bytes of the heap that the store owns.
     std::size_t AllocatedBytes() const;
 
 private:
-    static const VoxelStack<bool> Nothing;
-
     bool IsKept(const StackIndices& ij) const
     {
         return lowerKept_[0] <= ij[0] && ij[0] <= upperKept_[0] && lowerKept_[1] <= ij[1] && ij[1] <= upperKept_[1];

@@ -25,7 +25,7 @@ std::int64_t CountFilled(const Stack& stack)
     const auto plates = stack.Plates();
     const auto offsets = stack.LayerOffsets();
     for (std::size_t layer = 0; layer < plates.size(); ++layer) {
-        const std::int64_t end = layer + 1 < plates.size() ? offsets[layer + 1] : Stack::Height;
+        const std::int64_t end = layer + 1 < plates.size() ? offsets[layer + 1] : StackHeight;
         count += Count(plates[layer]) * (end - offsets[layer]);
     }
     return count;

@@ -1,4 +1,5 @@
-// Questions about a whole model, and models with other bounds, another place or another finest level. Inputs are never changed.
+// Questions about a whole model, and models with other bounds (AutoCrop: the axis-aligned bounding box of what is filled), another
+// place or another finest level. Inputs are never changed.
 #pragma once
 
 #include "../model/VoxelModel.h"

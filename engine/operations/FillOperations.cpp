@@ -39,7 +39,7 @@ struct StackRuns
     std::int64_t EndOf(std::int64_t start) const
     {
         const HeightSet above = starts & ~HeightsUpTo(start);
-        return above != 0 ? LowestOf(above) : Stack::Height;
+        return above != 0 ? LowestOf(above) : StackHeight;
     }
 };
 
@@ -66,7 +66,7 @@ private:
     {
         const Triple offset = Minus(stack, lower_);
         return static_cast<std::size_t>(offset[0]) + static_cast<std::size_t>(offset[1]) * perRow_ +
-               static_cast<std::size_t>(offset[2]) * perLayer_;
+               static_cast<std::size_t>(offset[2]) * perSlab_;
     }
 
     void AddStack(const Stack& obstacles, StackRuns& stack);
@@ -88,7 +88,7 @@ private:
     const LevelGrid& grid_;
     Triple lower_; // of a grid with one more stack on all sides, so that every stack has its neighbours
     std::size_t perRow_;
-    std::size_t perLayer_;
+    std::size_t perSlab_;
     std::vector<StackRuns> stacks_;
     std::vector<Run> runs_;
     std::vector<std::size_t> waiting_; // stacks with entered runs
@@ -98,12 +98,13 @@ Flood::Flood(const LevelGrid& grid) : grid_(grid), lower_(Minus(grid.LowerStack(
 {
     const Triple size = Plus(Minus(grid.UpperStack(), grid.LowerStack()), {3, 3, 3});
     perRow_ = static_cast<std::size_t>(size[0]);
-    perLayer_ = static_cast<std::size_t>(size[1]) * perRow_;
-    stacks_.resize(static_cast<std::size_t>(size[2]) * perLayer_);
+    perSlab_ = static_cast<std::size_t>(size[1]) * perRow_;
+    stacks_.resize(static_cast<std::size_t>(size[2]) * perSlab_);
     ForEachTriple(grid.LowerStack(), grid.UpperStack(), [&](const Triple& stack) {
-        if (grid.IsInside(stack)) return AddStack(grid.StackAt(stack), stacks_[Number(stack)]);
+        const OffsetBox inExtents = grid.Inside(stack);
+        if (inExtents.IsWholeStack()) return AddStack(grid.StackAt(stack), stacks_[Number(stack)]);
         Stack obstacles = grid.StackAt(stack);
-        obstacles.FillOutsideBox(grid.LowerOffset(stack), grid.UpperOffset(stack), true);
+        obstacles.FillOutsideBox(inExtents.lower, inExtents.upper, true);
         AddStack(obstacles, stacks_[Number(stack)]);
     });
 }
@@ -123,8 +124,8 @@ void Flood::AddStack(const Stack& obstacles, StackRuns& stack)
 
 void Flood::EnterVoxel(const Triple& voxel)
 {
-    const Triple stack = LevelGrid::ContainingStack(voxel);
-    const Triple offset = Minus(voxel, {16 * stack[0], 16 * stack[1], 64 * stack[2]});
+    const Triple stack = StackOfVoxel(voxel);
+    const Triple offset = Minus(voxel, CornerOfStack(stack));
     const std::array<std::int64_t, 2> xy{offset[0], offset[1]};
     EnterRuns(Number(stack), HeightSet{1} << offset[2], Box(xy, xy));
 }
@@ -133,13 +134,13 @@ void Flood::EnterFaces()
 {
     const Extents& extents = grid_.ExtentsRef();
     ForEachTriple(grid_.LowerStack(), grid_.UpperStack(), [&](const Triple& stack) {
-        const Triple corner{16 * stack[0], 16 * stack[1], 64 * stack[2]};
+        const Triple corner = CornerOfStack(stack);
         const Triple lower = Minus(extents.LowerIndices(), corner); // offsets of the faces, also of those far from this stack
         const Triple upper = Minus(extents.UpperIndices(), corner);
-        if (lower[0] >= 0 || lower[1] >= 0 || upper[0] < 16 || upper[1] < 16)
+        if (lower[0] >= 0 || lower[1] >= 0 || upper[0] < PlateWidth || upper[1] < PlateWidth)
             EnterRuns(Number(stack), HeightsFrom(0), ~Box({lower[0] + 1, lower[1] + 1}, {upper[0] - 1, upper[1] - 1}));
         if (lower[2] >= 0) EnterRuns(Number(stack), HeightSet{1} << lower[2], FilledPlate());
-        if (upper[2] < 64) EnterRuns(Number(stack), HeightSet{1} << upper[2], FilledPlate());
+        if (upper[2] < StackHeight) EnterRuns(Number(stack), HeightSet{1} << upper[2], FilledPlate());
     });
 }
 
@@ -198,8 +199,8 @@ template <Side side> void Flood::SpreadStacked(std::size_t number, Growth& growt
         pending &= ~(HeightSet{1} << start);
         const Plate& reached = RunAt(stack, start).reached;
         if (const HeightSet others = stack.starts & beyond(start); others == 0)
-            EnterRuns(side == Side::Upper ? number + perLayer_ : number - perLayer_,
-                      side == Side::Upper ? HeightsUpTo(0) : HeightsFrom(63), reached);
+            EnterRuns(side == Side::Upper ? number + perSlab_ : number - perSlab_,
+                      side == Side::Upper ? HeightsUpTo(0) : HeightsFrom(StackHeight - 1), reached);
         else if (const std::int64_t neighbour = next(others); (stack.unsettled >> neighbour & 1) != 0)
             EnterRun(stack, neighbour, reached);
         runs = (stack.entered | pending) & beyond(start);
@@ -247,7 +248,8 @@ template <class Rule> VoxelModel<bool> MakeResult(LevelGrid& grid, const Flood& 
         StackBuilder builder;
         flood.ForEachRun(stack, [&](std::int64_t start, const Run& run) { builder.Append(start, rule(run)); });
         builder.WriteTo(result);
-        if (!grid.IsInside(stack)) result.FillOutsideBox(grid.LowerOffset(stack), grid.UpperOffset(stack), false);
+        const OffsetBox inExtents = grid.Inside(stack);
+        if (!inExtents.IsWholeStack()) result.FillOutsideBox(inExtents.lower, inExtents.upper, false);
     });
     VoxelModel<bool> model = grid.TakeModel();
     PropagateLevel(model, model.FinestLOD());

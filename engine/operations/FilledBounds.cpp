@@ -6,7 +6,7 @@ void WidenByFilled(const VoxelStack<bool>& stack, const Triple& corner, Triple& 
 {
     if (stack.IsUnallocated()) return;
     VoxelPlate<bool> anyPlate;
-    std::int64_t lowerZ = VoxelStack<bool>::Height;
+    std::int64_t lowerZ = StackHeight;
     std::int64_t upperZ = -1;
     for (std::int32_t layer = 0; layer < stack.LayerCount(); ++layer) {
         const VoxelPlate<bool>& plate = stack.LayerVoxelPlateRef(layer);
@@ -16,7 +16,7 @@ void WidenByFilled(const VoxelStack<bool>& stack, const Triple& corner, Triple& 
         upperZ = stack.UpperOffset(layer);
     }
     unsigned anyRow = 0;
-    std::int64_t lowerY = VoxelStack<bool>::Side;
+    std::int64_t lowerY = PlateWidth;
     std::int64_t upperY = -1;
     for (std::size_t y = 0; y < anyPlate.rows.size(); ++y) {
         if (anyPlate.rows[y] == 0) continue;

@@ -5,7 +5,7 @@
 
 namespace brix {
 
-/// The stacks that extents touch at their level. Stack (x, y, z) of the grid covers the voxels 16x..16x+15, 16y..16y+15, 64z..64z+63.
+/// The stacks that extents touch at their level, by their place among all stacks of the level (StackOfVoxel).
 /// The grid starts by looking at a model's stacks and owns those that a pass has written.
 class LevelGrid
 {
@@ -21,24 +21,14 @@ public:
     /// A stack of the grid, or an empty one outside it.
     const VoxelStack<bool>& StackAt(const Triple& stack) const
     {
-        return IsWithin(stack, lower_, upper_) ? *stacks_[Number(stack)] : Nothing;
+        return IsWithin(stack, lower_, upper_) ? *stacks_[Number(stack)] : EmptyStack;
     }
 
     /// The part of a stack that lies in the extents, as inclusive offsets inside the stack.
-    Triple LowerOffset(const Triple& stack) const { return Minus(extents_.LowerCornerClamp(Corner(stack)), Corner(stack)); }
-    Triple UpperOffset(const Triple& stack) const
-    {
-        return Minus(extents_.UpperCornerClamp(Plus(Corner(stack), {15, 15, 63})), Corner(stack));
-    }
+    OffsetBox Inside(const Triple& stack) const { return PartInside(extents_, CornerOfStack(stack)); }
 
-    /// Whether a stack lies in the extents with all its voxels.
-    bool IsInside(const Triple& stack) const
-    {
-        return LowerOffset(stack) == Triple{} && UpperOffset(stack) == Triple{15, 15, 63};
-    }
-
-    /// Replaces every stack by what write(stack, result) makes of it; `write` may read all stacks as they were, and gets a result
-    /// of any content to overwrite.
+    /// Replaces every stack: write(stack, result) overwrites `result`, whose content before is arbitrary. StackAt gives the old stacks
+    /// until all are written.
     template <class Write> void Rewrite(const Write& write)
     {
         if (spare_.empty()) spare_.resize(stacks_.size());
@@ -50,17 +40,8 @@ public:
     /// A model on the extents whose finest level holds the grid's stacks, which are gone afterwards; coarser levels are left empty.
     VoxelModel<bool> TakeModel();
 
-    /// The stack that holds a voxel of the grid's level.
-    static Triple ContainingStack(const Triple& voxelIndices)
-    {
-        return {FloorDivide(voxelIndices[0], 16), FloorDivide(voxelIndices[1], 16), FloorDivide(voxelIndices[2], 64)};
-    }
-
     /// The stacks are numbered from 0 to StackCount() - 1: x innermost, then y, then z.
     std::size_t StackCount() const { return stacks_.size(); }
-
-    /// The stack that stands for all those which a grid does not have.
-    static const VoxelStack<bool> Nothing;
 
     std::size_t Number(const Triple& stack) const
     {
@@ -69,8 +50,6 @@ public:
     }
 
 private:
-    static Triple Corner(const Triple& stack) { return {16 * stack[0], 16 * stack[1], 64 * stack[2]}; }
-
     Extents extents_;
     Triple lower_;
     Triple upper_;

@@ -24,9 +24,9 @@ template <class Restrain> struct Restraint
     const LevelGrid* guide; // may be null: no restraint
     Restrain restrain;
 };
+template <class Restrain> Restraint(const LevelGrid*, Restrain) -> Restraint<Restrain>;
 
-/// Voxels in a stack along an axis.
-constexpr std::int64_t StackSize(Axis axis) { return axis == Axis::Z ? VoxelStack<bool>::Height : VoxelStack<bool>::Side; }
+inline constexpr Restraint Unrestrained{nullptr, [](const VoxelPlate<bool>& plate, const VoxelPlate<bool>&) { return plate; }};
 
 inline Triple NeighbourOf(Triple stack, Axis axis, Side side, std::int64_t count = 1)
 {
@@ -83,15 +83,16 @@ bool Pass(LevelGrid& grid, const StacksOf& stacksOf, const Rule& rule, const Res
                 result = Stack();
                 return;
             }
-            const Stack& guide = restraint.guide != nullptr ? restraint.guide->StackAt(stack) : LevelGrid::Nothing;
-            if (guide.IsUnallocated() && grid.IsInside(stack)) {
+            const Stack& guide = restraint.guide != nullptr ? restraint.guide->StackAt(stack) : EmptyStack;
+            const OffsetBox inExtents = grid.Inside(stack);
+            if (guide.IsUnallocated() && inExtents.IsWholeStack()) {
                 CombineStacks(result, rule, sources...);
                 return;
             }
             const auto restrained = [&](const Plate& inside, const Plate& barrier, const auto&... plates) {
                 return inside & restraint.restrain(rule(plates...), barrier);
             };
-            CombineStacks(result, restrained, BoxStack(grid.LowerOffset(stack), grid.UpperOffset(stack)), guide, sources...);
+            CombineStacks(result, restrained, BoxStack(inExtents), guide, sources...);
         });
         isChanged = isChanged || !(result == grid.StackAt(stack));
     };
@@ -105,8 +106,8 @@ bool PassTowards(LevelGrid& grid, std::int64_t distance, const Rule& rule, const
                  InstructionSet instructionSet)
 {
     using Plate = VoxelPlate<bool>;
-    const std::int64_t skipped = (distance - 1) / StackSize(axis);
-    const std::int64_t steps = distance - skipped * StackSize(axis);
+    const std::int64_t skipped = (distance - 1) / StackSizeAlong(axis);
+    const std::int64_t steps = distance - skipped * StackSizeAlong(axis);
     const auto withSeen = [&](const Triple& stack, const auto& combine) {
         const VoxelStack<bool>& near = grid.StackAt(NeighbourOf(stack, axis, side, skipped));
         const VoxelStack<bool>& far = grid.StackAt(NeighbourOf(stack, axis, side, skipped + 1));
@@ -138,7 +139,7 @@ bool PassAlong(LevelGrid& grid, const Look& look, const Rule& rule, const Restra
 }
 
 /// Rewrites every plate by rule(rule(here, seen on the lower side), seen on the upper side), looking no farther than the size of a
-/// stack (1 .. StackSize) on either.
+/// stack (1 .. StackSizeAlong) on either.
 template <class Rule, class Restrain>
 bool PassBothWays(LevelGrid& grid, Axis alongAxis, std::int64_t lowerDistance, std::int64_t upperDistance, const Rule& rule,
                   const Restraint<Restrain>& restraint, InstructionSet instructionSet = FastestInstructionSet())

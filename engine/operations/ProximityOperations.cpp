@@ -13,9 +13,6 @@ namespace {
 // Beyond every distance between a voxel of a model and the voxel of any 64-bit point, and small enough to be added to both.
 constexpr std::int64_t FarAway = std::int64_t{1} << 60;
 
-template <Axis axis>
-inline constexpr std::int64_t StackLength = axis == Axis::Z ? VoxelStack<bool>::Height : VoxelStack<bool>::Side;
-
 // The voxels of a stack on the line along an axis through one of its voxels; bit i is the voxel with offset i on that axis.
 template <Axis axis> std::uint64_t LineOfStack(const VoxelStack<bool>& stack, const Triple& offset)
 {
@@ -23,7 +20,7 @@ template <Axis axis> std::uint64_t LineOfStack(const VoxelStack<bool>& stack, co
         std::uint64_t line = 0;
         for (std::int32_t layer = 0; layer < stack.LayerCount(); ++layer) {
             if (stack.LayerVoxelPlateRef(layer).Value({offset[0], offset[1]}))
-                line |= ~std::uint64_t{0} << stack.LowerOffset(layer) & ~std::uint64_t{0} >> (63 - stack.UpperOffset(layer));
+                line |= HeightsFrom(stack.LowerOffset(layer)) & HeightsUpTo(stack.UpperOffset(layer));
         }
         return line;
     } else {
@@ -45,13 +42,13 @@ std::optional<std::int64_t> FirstFilled(const VoxelModel<bool>& model, Triple vo
         const Triple offset = Minus(voxel, stack.LowerIndices());
         const std::int64_t origin = stack.LowerIndices()[along];
         std::uint64_t line = LineOfStack<axis>(stack.VoxelStackRef(), offset);
-        line &= side == Side::Lower ? ~std::uint64_t{0} >> (63 - offset[along]) : ~std::uint64_t{0} << offset[along];
+        line &= side == Side::Lower ? HeightsUpTo(offset[along]) : HeightsFrom(offset[along]);
         if (line != 0) {
             const std::int64_t first =
                 origin + (side == Side::Lower ? static_cast<std::int64_t>(std::bit_width(line)) - 1 : std::countr_zero(line));
             return isBeyond(first) ? std::nullopt : std::optional(first);
         }
-        voxel[along] = side == Side::Lower ? origin - 1 : origin + StackLength<axis>;
+        voxel[along] = side == Side::Lower ? origin - 1 : origin + StackSizeAlong(axis);
     }
     return std::nullopt;
 }

@@ -1,4 +1,4 @@
-// Searches for the filled voxel that is nearest to a point, at the model's finest level. Points are in base units; any numbers are
+// Searches for the filled voxel that is nearest to a point (nearest neighbour), at the model's finest level. Points are in base units; any numbers are
 // accepted. Each search returns an iterator of the model, which is not valid when nothing was found.
 #pragma once
 

@@ -15,9 +15,8 @@ namespace {
 template <class Stack> void TransferStack(VoxelStore<bool>& to, const StackIndices& ij, Stack& from)
 {
     VoxelStack<bool>& stack = to.VoxelStackRef(ij);
-    const Triple lower = to.LowerOffset(ij);
-    const Triple upper = to.UpperOffset(ij);
-    if (lower != Triple{} || upper != Triple{15, 15, 63}) return CopyInsideBox(stack, from, BoxStack(lower, upper));
+    const OffsetBox inExtents = to.Inside(ij);
+    if (!inExtents.IsWholeStack()) return CopyInsideBox(stack, from, BoxStack(inExtents));
     stack = std::move(from);
     stack.Compress(); // hosts may leave equal layers
 }

@@ -26,13 +26,13 @@ RegionLabels::RegionLabels(const VoxelModel<bool>& model, const LevelGrid& grid)
 {
     RunWith(FastestInstructionSet(), [&] {
         ForEachStack(model, model.FinestLOD(), [&](const VoxelStore<bool>& store, const StackIndices& ij) {
-            if (!store.VoxelStackRef(ij).IsUnallocated()) AddStack(LevelGrid::ContainingStack(store.LowerIndices(ij)));
+            if (!store.VoxelStackRef(ij).IsUnallocated()) AddStack(StackOfVoxel(store.LowerIndices(ij)));
         });
         NumberRegions();
     });
 }
 
-// In stack order the neighbours at the lower sides of a stack have been there before.
+// In stack order, the lower neighbours of a stack are labelled already.
 void RegionLabels::AddStack(const Triple& stack)
 {
     const std::size_t first = labels_.size();
@@ -48,15 +48,15 @@ void RegionLabels::AddStack(const Triple& stack)
     }
     JoinBelow(stack);
     JoinBeside(stack, Minus(stack, {1, 0, 0}), [&](const Plate& a, const Region* ofA, const Plate& b, const Region* ofB) {
-        for (std::size_t y = 0; y < Plate::Side; ++y) {
+        for (std::size_t y = 0; y < PlateWidth; ++y) {
             ofA += RunCount(a.rows[y]);
-            if ((a.rows[y] >> 15 & b.rows[y] & 1) != 0) Unite(ofA[-1], *ofB);
+            if ((a.rows[y] >> (PlateWidth - 1) & b.rows[y] & 1) != 0) Unite(ofA[-1], *ofB);
             ofB += RunCount(b.rows[y]);
         }
     });
     JoinBeside(stack, Minus(stack, {0, 1, 0}), [&](const Plate& a, const Region* ofA, const Plate& b, const Region* ofB) {
-        if ((a.rows[15] & b.rows[0]) == 0) return;
-        JoinRows(a.rows[15], ofA + brix::RunCount(a) - RunCount(a.rows[15]), b.rows[0], ofB);
+        if ((a.rows.back() & b.rows.front()) == 0) return;
+        JoinRows(a.rows.back(), ofA + brix::RunCount(a) - RunCount(a.rows.back()), b.rows.front(), ofB);
     });
 }
 
@@ -126,7 +126,7 @@ void RegionLabels::JoinRows(unsigned rowA, const Region* labelsA, unsigned rowB,
 
 void RegionLabels::JoinPlates(const Plate& a, const Region* labelsA, const Plate& b, const Region* labelsB)
 {
-    for (std::size_t y = 0; y < Plate::Side; ++y) {
+    for (std::size_t y = 0; y < PlateWidth; ++y) {
         JoinRows(a.rows[y], labelsA, b.rows[y], labelsB);
         labelsA += RunCount(a.rows[y]);
         labelsB += RunCount(b.rows[y]);

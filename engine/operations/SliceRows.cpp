@@ -18,7 +18,7 @@ template <Axis fixed, class Visit> void ForEachSliceWord(const VoxelStack<bool>&
     const auto offset = static_cast<std::size_t>(slice);
     if constexpr (fixed == Axis::Z) {
         const VoxelPlate<bool>& plate = stack.LayerVoxelPlateRef(stack.LayerID(slice));
-        for (std::int64_t y = 0; y < VoxelStack<bool>::Side; ++y) visit(y, y, plate.Row(static_cast<std::size_t>(y)));
+        for (std::int64_t y = 0; y < PlateWidth; ++y) visit(y, y, plate.Row(static_cast<std::size_t>(y)));
     } else {
         for (std::int32_t layer = 0; layer < stack.LayerCount(); ++layer) {
             const VoxelPlate<bool>& plate = stack.LayerVoxelPlateRef(layer);

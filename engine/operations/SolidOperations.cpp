@@ -18,8 +18,6 @@ using Plate = VoxelPlate<bool>;
 using Store = VoxelStore<bool>;
 using Stack = VoxelStack<bool>;
 
-const Stack Nothing;
-
 // The combinations of two sets. Same(a, b) gives the stack that is the result without a look at plates, if one is.
 struct InAny
 {
@@ -64,7 +62,8 @@ const Store* StoreOf(const VoxelModel<bool>* model, const Triple& chunk, std::in
     return model != nullptr && model->IsChunkValid(chunk) ? &model->ChunkRef(chunk).VoxelStoreRef(lod) : nullptr;
 }
 
-// Makes a level of `result`, which may be one of the two, what a rule makes of two models at that level. A missing model is empty. With a clip, which lies inside the result's extents, everything outside it is emptied.
+// Makes a level of `result`, which may be one of the two, what a rule makes of two models at that level. A missing model is empty.
+// With a clip, which lies inside the result's extents, everything outside the clip is emptied.
 template <class Rule>
 void Combine(VoxelModel<bool>& result, std::int64_t lod, const Rule& rule, const VoxelModel<bool>* first,
              const VoxelModel<bool>* second, const std::optional<Extents>& clip)
@@ -74,13 +73,11 @@ void Combine(VoxelModel<bool>& result, std::int64_t lod, const Rule& rule, const
         const Store* const b = StoreOf(second, chunk, lod);
         ForEachStackOfStore(result.ChunkRef(chunk).VoxelStoreRef(lod), [&](Store& to, const StackIndices& ij) {
             Stack& stack = to.VoxelStackRef(ij);
-            const Stack& x = a != nullptr ? a->VoxelStackRef(ij) : Nothing;
-            const Stack& y = b != nullptr ? b->VoxelStackRef(ij) : Nothing;
-            const Triple corner = to.LowerIndices(ij);
-            const Triple lower = clip ? Minus(clip->LowerCornerClamp(corner), corner) : Triple{};
-            const Triple upper = clip ? Minus(clip->UpperCornerClamp(to.UpperIndices(ij)), corner) : Triple{15, 15, 63};
-            if (lower != Triple{} || upper != Triple{15, 15, 63}) {
-                CombineInsideBox(stack, rule, x, y, BoxStack(lower, upper));
+            const Stack& x = a != nullptr ? a->VoxelStackRef(ij) : EmptyStack;
+            const Stack& y = b != nullptr ? b->VoxelStackRef(ij) : EmptyStack;
+            const OffsetBox inClip = clip ? PartInside(*clip, to.LowerIndices(ij)) : OffsetBox{};
+            if (!inClip.IsWholeStack()) {
+                CombineInsideBox(stack, rule, x, y, BoxStack(inClip));
             } else if (const Stack* const same = rule.Same(x, y)) {
                 stack = *same;
                 if (clip) stack.Compress(); // a copy of what a host may have left with equal layers

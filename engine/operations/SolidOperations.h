@@ -1,4 +1,4 @@
-// Boolean combinations of models of one frame. Inputs are never changed.
+// Boolean combinations of models of one frame (constructive solid geometry). Inputs are never changed.
 #pragma once
 
 #include "../model/VoxelModel.h"

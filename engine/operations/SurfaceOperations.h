@@ -1,4 +1,4 @@
-// Growth and shrinkage of the filled regions of a model. Inputs are never changed; a guide may have another finest level than the
+// Growth and shrinkage (morphological dilation and erosion) of the filled regions of a model. Inputs are never changed; a guide may have another finest level than the
 // model and any extents of the same frame.
 #pragma once
 

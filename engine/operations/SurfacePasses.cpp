@@ -27,30 +27,31 @@ SurfacePasses<Change>::SurfacePasses(const VoxelModel<bool>& source, const std::
     const auto withGuide = [&](const Triple& stack, const auto& combine) {
         combine(grid_.StackAt(stack), guide_->StackAt(stack));
     };
-    Pass(grid_, withGuide, RestrainPlate(), Restraint<RestrainPlate>{nullptr, {}});
+    Pass(grid_, withGuide, Change::Restrain, Unrestrained);
 }
 
-// With a guide, nothing is known beyond the next voxel.
+// With a guide a pass looks one voxel far, as the guide may stop growth at each of them.
 template <class Change> void SurfacePasses<Change>::StepByStep(Axis axis, Side seenSide, std::int64_t count)
 {
     for (std::int64_t moved = 0; moved < count; ++moved) {
-        if (!PassAlong(grid_, {axis, seenSide, 1}, AlongRule(), Guided())) return; // all further passes would do nothing
+        if (!PassAlong(grid_, {axis, seenSide, 1}, Change::Along, Guided())) return; // all further passes would do nothing
     }
 }
 
 // One pass that looks so far to both sides, or to the one whose distance is not 0. Returns whether anything has changed.
 template <class Change> bool SurfacePasses<Change>::Look(Axis axis, std::int64_t towardsLower, std::int64_t towardsUpper)
 {
-    const bool isNear = towardsLower <= StackSize(axis) && towardsUpper <= StackSize(axis);
+    const bool isNear = towardsLower <= StackSizeAlong(axis) && towardsUpper <= StackSizeAlong(axis);
     if (isNear && towardsLower > 0 && towardsUpper > 0)
-        return PassBothWays(grid_, axis, towardsLower, towardsUpper, AlongRule(), Guided());
-    const bool isLower = towardsLower > 0 && PassAlong(grid_, {axis, Side::Lower, towardsLower}, AlongRule(), Guided());
-    const bool isUpper = towardsUpper > 0 && PassAlong(grid_, {axis, Side::Upper, towardsUpper}, AlongRule(), Guided());
+        return PassBothWays(grid_, axis, towardsLower, towardsUpper, Change::Along, Guided());
+    const bool isLower = towardsLower > 0 && PassAlong(grid_, {axis, Side::Lower, towardsLower}, Change::Along, Guided());
+    const bool isUpper = towardsUpper > 0 && PassAlong(grid_, {axis, Side::Upper, towardsUpper}, Change::Along, Guided());
     return isLower || isUpper;
 }
 
-// Without a guide, what reaches one voxel in one pass reaches two more in the next and four more in the third: a pass may look as far
-// as it has seen on a side so far, and one more. Both sides go together, as neither is in the other's way.
+// Without a guide the steps double: after passes that looked 1, 2, 4 .. voxels far, every voxel knows all voxels that near, so that
+// the next pass may look one voxel farther than the sum so far without leaving a gap. Both sides go together: they do not depend on
+// each other.
 template <class Change> void SurfacePasses<Change>::Along(Axis axis, std::int64_t lower, std::int64_t upper)
 {
     constexpr bool areSidesCrossed = Change::SeenSideOfLower == Side::Upper;
@@ -93,7 +94,7 @@ template <class Change> VoxelModel<bool> SurfacePasses<Change>::Finish(bool auto
             combine(grid_.StackAt(stack), source.StackAt(stack), guide_->StackAt(stack));
         };
         const auto finish = [](const auto&... plates) { return Change::Finish(plates...); };
-        Pass(grid_, withSource, finish, Restraint<RestrainPlate>{nullptr, {}});
+        Pass(grid_, withSource, finish, Unrestrained);
     }
     VoxelModel<bool> result = grid_.TakeModel();
     return autoCrop ? AutoCrop(std::move(result))

@@ -8,18 +8,18 @@
 
 namespace brix {
 
-/// Grown regions never enter the guide, and keep what the source had there.
+/// Growth (dilation). Grown regions never enter the guide, and keep what the source had there. The rules that a pass applies to every
+/// plate are lambdas, so that they are inlined into it.
 struct Growth
 {
     // A lower face moves when voxels look for filled ones above them.
     static constexpr Side SeenSideOfLower = Side::Upper;
     static constexpr Side SeenSideOfUpper = Side::Lower;
 
-    static VoxelPlate<bool> Restrain(const VoxelPlate<bool>& plate, const VoxelPlate<bool>& guide)
-    {
+    static constexpr auto Restrain = [](const VoxelPlate<bool>& plate, const VoxelPlate<bool>& guide) {
         return AndNot(plate, guide);
-    }
-    static VoxelPlate<bool> Along(const VoxelPlate<bool>& here, const VoxelPlate<bool>& seen) { return here | seen; }
+    };
+    static constexpr auto Along = [](const VoxelPlate<bool>& here, const VoxelPlate<bool>& seen) { return here | seen; };
     template <class... Least> static VoxelPlate<bool> Where(const Least&... arguments) { return GrowWhere(arguments...); }
     static VoxelPlate<bool> Finish(const VoxelPlate<bool>& plate, const VoxelPlate<bool>& source, const VoxelPlate<bool>& guide)
     {
@@ -27,15 +27,15 @@ struct Growth
     }
 };
 
-/// Guide voxels, also those just outside the model, count as filled neighbours and are taken out again at the end.
+/// Shrinkage (erosion). Guide voxels, also those just outside the model, count as filled neighbours and are taken out again at the end.
 struct Shrinkage
 {
     // A lower face moves when voxels look for empty ones below them.
     static constexpr Side SeenSideOfLower = Side::Lower;
     static constexpr Side SeenSideOfUpper = Side::Upper;
 
-    static VoxelPlate<bool> Restrain(const VoxelPlate<bool>& plate, const VoxelPlate<bool>& guide) { return plate | guide; }
-    static VoxelPlate<bool> Along(const VoxelPlate<bool>& here, const VoxelPlate<bool>& seen) { return here & seen; }
+    static constexpr auto Restrain = [](const VoxelPlate<bool>& plate, const VoxelPlate<bool>& guide) { return plate | guide; };
+    static constexpr auto Along = [](const VoxelPlate<bool>& here, const VoxelPlate<bool>& seen) { return here & seen; };
     template <class... Least> static VoxelPlate<bool> Where(const Least&... arguments) { return ShrinkWhere(arguments...); }
     static VoxelPlate<bool> Finish(const VoxelPlate<bool>& plate, const VoxelPlate<bool>& source, const VoxelPlate<bool>&)
     {
@@ -71,24 +71,7 @@ public:
     VoxelModel<bool> Finish(bool autoCrop);
 
 private:
-    struct RestrainPlate
-    {
-        VoxelPlate<bool> operator()(const VoxelPlate<bool>& plate, const VoxelPlate<bool>& guide) const
-        {
-            return Change::Restrain(plate, guide);
-        }
-    };
-
-    // An object, as a function would be called through its address for every plate.
-    struct AlongRule
-    {
-        VoxelPlate<bool> operator()(const VoxelPlate<bool>& here, const VoxelPlate<bool>& seen) const
-        {
-            return Change::Along(here, seen);
-        }
-    };
-
-    Restraint<RestrainPlate> Guided() const { return {guide_ ? &*guide_ : nullptr, {}}; }
+    auto Guided() const { return Restraint{guide_ ? &*guide_ : nullptr, Change::Restrain}; }
 
     void StepByStep(Axis axis, Side seenSide, std::int64_t count);
     bool Look(Axis axis, std::int64_t towardsLower, std::int64_t towardsUpper);

@@ -19,8 +19,8 @@ public:
     std::vector<VoxelCuboid> MakeCuboids()
     {
         const std::int64_t upper = model_.UpperChunkIndices()[2];
-        for (std::int64_t z = model_.LowerChunkIndices()[2]; z <= upper; ++z) AddLayer(z);
-        EndLayer((upper + 1) * ChunkHeight);
+        for (std::int64_t z = model_.LowerChunkIndices()[2]; z <= upper; ++z) AddSlab(z);
+        EndSlab((upper + 1) * ChunkHeight);
         return std::move(cuboids_);
     }
 
@@ -34,9 +34,9 @@ private:
         };
     }
 
-    void AddLayer(std::int64_t chunkZ);
+    void AddSlab(std::int64_t chunkZ);
     void AddRunEnds(const VoxelStack<bool>& stack, const Triple& corner);
-    void EndLayer(std::int64_t bottom) { joiner_.EndLayer(bottom, Writer()); }
+    void EndSlab(std::int64_t bottom) { joiner_.EndSlab(bottom, Writer()); }
 
     const VoxelModel<bool>& model_;
     std::int64_t lod_;
@@ -47,13 +47,13 @@ private:
     std::vector<VoxelCuboid> cuboids_;
 };
 
-void CuboidMaker::AddLayer(std::int64_t chunkZ)
+void CuboidMaker::AddSlab(std::int64_t chunkZ)
 {
     const std::int64_t bottom = chunkZ * ChunkHeight;
     ends_.clear();
     runs_.clear();
     RunWith(FastestInstructionSet(), [&] {
-        ForEachStackOfLayer(model_, lod_, chunkZ, [&](const VoxelStore<bool>& store, const StackIndices& ij) {
+        ForEachStackOfSlab(model_, lod_, chunkZ, [&](const VoxelStore<bool>& store, const StackIndices& ij) {
             AddRunEnds(store.VoxelStackRef(ij), store.LowerIndices(ij));
         });
     });
@@ -63,15 +63,15 @@ void CuboidMaker::AddLayer(std::int64_t chunkZ)
     MergeCells(runs_, [&](std::uint64_t rangeX, const IndexRange& y, Heights heights) {
         joiner_.Add(rangeX, y, heights, bottom, Writer());
     });
-    EndLayer(bottom);
+    EndSlab(bottom);
 }
 
 // A row's heights come at a run's first voxel and go after its last: where it has faces across x.
 void CuboidMaker::AddRunEnds(const VoxelStack<bool>& stack, const Triple& corner)
 {
     if (stack.IsUnallocated()) return;
-    const VoxelStack<bool>& lower = StackBeside(model_, lod_, corner, {-16, 0, 0});
-    const VoxelStack<bool>& upper = StackBeside(model_, lod_, corner, {16, 0, 0});
+    const VoxelStack<bool>& lower = StackBeside(model_, lod_, corner, {-PlateWidth, 0, 0});
+    const VoxelStack<bool>& upper = StackBeside(model_, lod_, corner, {PlateWidth, 0, 0});
     if (IsSolid(stack) && IsSolid(lower) && IsSolid(upper)) return;
     const auto add = [&](Side side, const VoxelStack<bool>& other, std::int64_t end) {
         ForEachFacePlate(Axis::X, side, stack, other, [&](std::int64_t z, const auto& plate) { columns_.SetFrom(z, plate); });

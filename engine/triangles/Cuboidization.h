@@ -1,4 +1,4 @@
-// Filled voxels to as few boxes as a simple rule gives, for hosts that handle solids better than triangles.
+// Filled voxels to as few axis-aligned boxes as a simple rule gives (greedy meshing in three dimensions), for hosts that handle solids better than triangles.
 #pragma once
 
 #include "../model/VoxelModel.h"

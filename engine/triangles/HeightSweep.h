@@ -139,12 +139,12 @@ template <class Emit> void MergeToggles(std::vector<Cell>& toggles, const Emit& 
     }
 }
 
-/// Joins what is equal at consecutive heights, also from one layer of chunks to the next, which come bottom to top.
+/// Joins what is equal at consecutive heights, also from one slab of chunks (those of one height) to the next, which come bottom to top.
 class HeightJoiner
 {
 public:
-    /// Adds the heights of a range of a line, each pair of which comes once per layer of chunks, and calls emit(line, range, z range)
-    /// for what ends inside it. `bottom` is the layer's lowest height.
+    /// Adds the heights of a range of a line, each pair of which comes once per slab of chunks, and calls emit(line, range, z range)
+    /// for what ends inside it. `bottom` is the slab's lowest height.
     template <class Emit>
     void Add(std::uint64_t line, const IndexRange& range, Heights heights, std::int64_t bottom, const Emit& emit)
     {
@@ -152,16 +152,16 @@ public:
             const int lower = std::countr_zero(heights);
             const int end = lower + std::countr_one(heights >> lower);
             const std::int64_t start = lower == 0 ? StartOf(line, range, bottom) : bottom + lower;
-            if (end == 64)
+            if (end == StackHeight)
                 next_.push_back({line, PackRange(range), start, false});
             else
                 emit(line, range, IndexRange{start, bottom + end - 1});
-            heights = end == 64 ? 0 : heights >> end << end;
+            heights = end == StackHeight ? 0 : heights >> end << end;
         }
     }
 
-    /// Ends a layer of chunks: emits what came up to it from below and was not in it. After the last layer an empty one must end.
-    template <class Emit> void EndLayer(std::int64_t bottom, const Emit& emit)
+    /// Ends a slab of chunks: emits what came up to it from below and was not in it. After the last slab an empty one must end.
+    template <class Emit> void EndSlab(std::int64_t bottom, const Emit& emit)
     {
         for (const Open& open : open_) {
             if (!open.continues) emit(open.line, UnpackRange(open.range), IndexRange{open.start, bottom - 1});
@@ -182,7 +182,7 @@ private:
 
     static bool IsBefore(const Open& a, const Open& b) { return a.line != b.line ? a.line < b.line : a.range < b.range; }
 
-    // Where something starts that is there at the bottom of a layer: in a layer below, if the same ended there at the top.
+    // Where something starts that is there at the bottom of a slab: in a slab below, if the same ended there at the top.
     std::int64_t StartOf(std::uint64_t line, const IndexRange& range, std::int64_t bottom)
     {
         const Open wanted{line, PackRange(range), bottom, false};
@@ -192,7 +192,7 @@ private:
         return found->start;
     }
 
-    std::vector<Open> open_; // at the top of the layer below, sorted
+    std::vector<Open> open_; // at the top of the slab below, sorted
     std::vector<Open> next_; // at the top of this one
 };
 

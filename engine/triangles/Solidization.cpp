@@ -19,13 +19,13 @@ public:
     std::vector<VoxelRectangle> MakeRectangles()
     {
         const std::int64_t upper = model_.UpperChunkIndices()[2];
-        for (std::int64_t z = model_.LowerChunkIndices()[2]; z <= upper; ++z) AddLayer(z);
-        for (Facing& facing : facings_) EndLayer(facing, (upper + 1) * ChunkHeight);
+        for (std::int64_t z = model_.LowerChunkIndices()[2]; z <= upper; ++z) AddSlab(z);
+        for (Facing& facing : facings_) EndSlab(facing, (upper + 1) * ChunkHeight);
         return std::move(rectangles_);
     }
 
 private:
-    // The faces of a layer of chunks to one side, by the ends of their runs in each stack. Lines are the planes across x or y; or,
+    // The faces of a slab of chunks to one side, by the ends of their runs in each stack. Lines are the planes across x or y; or,
     // towards z, where every height is a plane, the rows along x.
     struct Facing
     {
@@ -50,13 +50,13 @@ private:
         };
     }
 
-    void AddLayer(std::int64_t chunkZ);
+    void AddSlab(std::int64_t chunkZ);
     void AddFaces(Facing& facing, const VoxelStack<bool>& stack, const Triple& corner);
     bool IsBuried(const VoxelStack<bool>& stack, const Triple& corner) const;
 
     void MergeUpright(Facing& facing, std::int64_t bottom);
-    void MergeLevel(Facing& facing, std::int64_t bottom);
-    void EndLayer(Facing& facing, std::int64_t bottom) { facing.joiner.EndLayer(bottom, Writer(facing)); }
+    void MergeHorizontal(Facing& facing, std::int64_t bottom);
+    void EndSlab(Facing& facing, std::int64_t bottom) { facing.joiner.EndSlab(bottom, Writer(facing)); }
 
     const VoxelModel<bool>& model_;
     std::int64_t lod_;
@@ -68,38 +68,39 @@ private:
                                     {Axis::Z, Side::Upper}}};
     RunEnds endsAlongX_{Axis::X}; // of the stack at work
     RunEnds endsAlongY_{Axis::Y};
-    std::vector<Cell> runs_; // of level faces along x, as cells along y
+    std::vector<Cell> runs_; // of horizontal faces along x, as cells along y
     std::vector<VoxelRectangle> rectangles_;
 };
 
-void RectangleMaker::AddLayer(std::int64_t chunkZ)
+void RectangleMaker::AddSlab(std::int64_t chunkZ)
 {
     const std::int64_t bottom = chunkZ * ChunkHeight;
     for (Facing& facing : facings_) facing.ends.clear();
     RunWith(FastestInstructionSet(), [&] {
-        ForEachStackOfLayer(model_, lod_, chunkZ, [&](const VoxelStore<bool>& store, const StackIndices& ij) {
+        ForEachStackOfSlab(model_, lod_, chunkZ, [&](const VoxelStore<bool>& store, const StackIndices& ij) {
             const VoxelStack<bool>& stack = store.VoxelStackRef(ij);
             const Triple corner = store.LowerIndices(ij);
             if (stack.IsUnallocated() || IsBuried(stack, corner)) return;
             for (Facing& facing : facings_) AddFaces(facing, stack, corner);
         });
     });
-    for (Facing& facing : facings_) facing.axis == Axis::Z ? MergeLevel(facing, bottom) : MergeUpright(facing, bottom);
+    for (Facing& facing : facings_) facing.axis == Axis::Z ? MergeHorizontal(facing, bottom) : MergeUpright(facing, bottom);
 }
 
 // Whether a stack and all around it are filled throughout.
 bool RectangleMaker::IsBuried(const VoxelStack<bool>& stack, const Triple& corner) const
 {
-    constexpr std::array<Triple, 6> steps{{{-16, 0, 0}, {16, 0, 0}, {0, -16, 0}, {0, 16, 0}, {0, 0, -64}, {0, 0, 64}}};
-    return IsSolid(stack) && std::all_of(steps.begin(), steps.end(),
-                                         [&](const Triple& step) { return IsSolid(StackBeside(model_, lod_, corner, step)); });
+    constexpr std::array<Triple, 6> steps{{{-1, 0, 0}, {1, 0, 0}, {0, -1, 0}, {0, 1, 0}, {0, 0, -1}, {0, 0, 1}}};
+    return IsSolid(stack) && std::all_of(steps.begin(), steps.end(), [&](const Triple& step) {
+               return IsSolid(StackBeside(model_, lod_, corner, CornerOfStack(step)));
+           });
 }
 
 void RectangleMaker::AddFaces(Facing& facing, const VoxelStack<bool>& stack, const Triple& corner)
 {
     Triple step{};
     step[static_cast<std::size_t>(facing.axis)] = facing.Step();
-    const VoxelStack<bool>& other = StackBeside(model_, lod_, corner, {16 * step[0], 16 * step[1], 64 * step[2]});
+    const VoxelStack<bool>& other = StackBeside(model_, lod_, corner, CornerOfStack(step));
     RunEnds& ends = facing.axis == Axis::X ? endsAlongY_ : endsAlongX_;
     ForEachFacePlate(facing.axis, facing.side, stack, other, [&](std::int64_t z, const auto& plate) { ends.SetFrom(z, plate); });
 
@@ -117,11 +118,11 @@ void RectangleMaker::MergeUpright(Facing& facing, std::int64_t bottom)
     MergeToggles(facing.ends, [&](std::uint64_t plane, const IndexRange& along, Heights heights) {
         facing.joiner.Add(plane, along, heights, bottom, Writer(facing));
     });
-    EndLayer(facing, bottom);
+    EndSlab(facing, bottom);
 }
 
 // Along x, then along y; every height makes rectangles of its own.
-void RectangleMaker::MergeLevel(Facing& facing, std::int64_t bottom)
+void RectangleMaker::MergeHorizontal(Facing& facing, std::int64_t bottom)
 {
     runs_.clear();
     MergeToggles(facing.ends, [&](std::uint64_t row, const IndexRange& x, Heights heights) {

@@ -1,4 +1,4 @@
-// Filled voxels to the rectangles of their surface, for hosts that build solids of faces.
+// Filled voxels to the rectangles of their surface (greedy meshing), for hosts that build solids of faces.
 #pragma once
 
 #include "../model/VoxelModel.h"

@@ -64,7 +64,8 @@ public:
     {
         ForEachColumn(any_, [&](std::size_t column) {
             const Heights heights = columns_[column];
-            if (heights != 0) visit(static_cast<std::int64_t>(column % 16), static_cast<std::int64_t>(column / 16), heights);
+            if (heights != 0)
+                visit(static_cast<std::int64_t>(column % PlateWidth), static_cast<std::int64_t>(column / PlateWidth), heights);
             columns_[column] = 0;
         });
         any_ = last_ = VoxelPlate<bool>{};
@@ -76,12 +77,12 @@ private:
     {
         for (std::size_t y = 0; y < plate.rows.size(); y += 4) {
             std::uint64_t word = 0;
-            for (std::size_t i = 0; i < 4; ++i) word |= std::uint64_t{plate.rows[y + i]} << 16 * i;
-            for (; word != 0; word &= word - 1) visit(16 * y + static_cast<std::size_t>(std::countr_zero(word)));
+            for (std::size_t i = 0; i < 4; ++i) word |= std::uint64_t{plate.rows[y + i]} << PlateWidth * i;
+            for (; word != 0; word &= word - 1) visit(PlateWidth * y + static_cast<std::size_t>(std::countr_zero(word)));
         }
     }
 
-    std::array<Heights, 256> columns_{};
+    std::array<Heights, PlateWidth * PlateWidth> columns_{};
     VoxelPlate<bool> last_;
     VoxelPlate<bool> any_;
 };
@@ -98,7 +99,7 @@ public:
         const VoxelPlate<bool> before = isAlongX_ ? TowardsLowerX(plate, {}) : TowardsLowerY(plate, {});
         inside_.SetFrom(z, MapRows([](auto& out, const auto& a, const auto& b) { out = a ^ b; }, plate, before));
         VoxelPlate<bool> last; // a line per bit of its first row
-        last.rows[0] = isAlongX_ ? plate.Column(15) : plate.Row(15);
+        last.rows[0] = isAlongX_ ? plate.Column(PlateWidth - 1) : plate.Row(PlateWidth - 1);
         atEnd_.SetFrom(z, last);
     }
 
@@ -107,7 +108,7 @@ public:
     {
         inside_.Take(
             [&](std::int64_t x, std::int64_t y, Heights heights) { isAlongX_ ? visit(y, x, heights) : visit(x, y, heights); });
-        atEnd_.Take([&](std::int64_t line, std::int64_t, Heights heights) { visit(line, std::int64_t{16}, heights); });
+        atEnd_.Take([&](std::int64_t line, std::int64_t, Heights heights) { visit(line, PlateWidth, heights); });
     }
 
 private:

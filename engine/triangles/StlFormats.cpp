@@ -91,7 +91,7 @@ private:
     static constexpr std::size_t largestItemCount =
         8192; // 4 MiB: the fewer system calls, the better, as long as a cache holds it
 
-    // What the system copies line by line stands as far into a line here as it will in the file.
+    // The system copies whole cache lines fastest when a byte has the same place in its line here and in the file.
     void StartBlock(std::size_t fileOffset)
     {
         fileOffset_ = fileOffset;

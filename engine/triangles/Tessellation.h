@@ -1,4 +1,4 @@
-// Filled voxels to triangles for display.
+// Filled voxels to triangles for display (surface extraction).
 #pragma once
 
 #include "../model/VoxelModel.h"

@@ -126,7 +126,12 @@ public:
         c_.value += c_.step;
     }
 
-    /// Bit i of each lane: whether voxel i is outside, of so many groups of voxels that end here.
+    /// Tests whole rows of voxels, from the last voxel back to the first. The lanes are at the last voxel before the call and one step
+    /// before the first afterwards. Every step shifts the sign of the numbers into a row, so that bit i is voxel i:
+    ///
+    ///     voxel     0  1  2  3                       rows   after voxel 3   ...#    # outside
+    ///     outside   #  .  .  #     2 groups = 4             after voxel 2   ..#.
+    ///                                                       after voxel 0   #..#  = bits 0 and 3
     void OutsideUpToHere(std::int32_t groups, Lanes& rows)
     {
         rows = Lanes{};

@@ -9,8 +9,8 @@ namespace {
 using Plate = VoxelPlate<bool>;
 using Stack = VoxelStack<bool>;
 
-constexpr std::int32_t PlateSide = 16;
-constexpr std::int32_t HalfSide = 8;
+constexpr auto PlateRow = static_cast<std::int32_t>(PlateWidth);
+constexpr std::int32_t HalfPlate = PlateRow / 2; // in rows
 
 Plate* WritablePlates(Stack& stack)
 {
@@ -38,16 +38,16 @@ void FillHalf(std::byte* half, std::int32_t z, EightRows rows)
 void FillHalves(const PlateHalves& halves, std::int32_t y, std::int32_t z, const RowLanes& lanes)
 {
     const auto rows = std::bit_cast<EightRows>(lanes);
-    FillHalf(halves[0], z, rows << PlateSide * y);
-    if (halves[1] != nullptr) FillHalf(halves[1], z, rows >> PlateSide * (HalfSide - y));
+    FillHalf(halves[0], z, rows << PlateRow * y);
+    if (halves[1] != nullptr) FillHalf(halves[1], z, rows >> PlateRow * (HalfPlate - y));
 }
 
 // Fills voxels of a tile at height z: bit i of lane j is its voxel (i, j).
 void FillRows(const RasterTile& tile, std::int32_t z, const Lanes& rows)
 {
     typedef std::uint16_t BothStacks __attribute__((vector_size(32)));
-    const std::int32_t y = tile.y & (HalfSide - 1);
-    const auto both = reinterpret_cast<BothStacks>(rows << static_cast<std::uint32_t>(tile.x & (PlateSide - 1)));
+    const std::int32_t y = tile.y & (HalfPlate - 1);
+    const auto both = reinterpret_cast<BothStacks>(rows << static_cast<std::uint32_t>(tile.x & (PlateRow - 1)));
     FillHalves(tile.halves, y, z, __builtin_shufflevector(both, both, 0, 2, 4, 6, 8, 10, 12, 14));
     if (tile.halvesOfNextX[0] == nullptr) return;
     FillHalves(tile.halvesOfNextX, y, z, __builtin_shufflevector(both, both, 1, 3, 5, 7, 9, 11, 13, 15));
@@ -146,8 +146,8 @@ TriangleRaster::TriangleRaster(VoxelStore<bool>& store, const Triple& voxelSize)
       plates_(stacksPerRow_ * stacksPerRow_)
 {
     const Triple corner = store.LowerIndices();
-    const std::int64_t width = Stack::Side * store.StacksPerRow();
-    const Triple lastVoxel{width - 1, width - 1, Stack::Height - 1};
+    const std::int64_t width = PlateWidth * store.StacksPerRow();
+    const Triple lastVoxel{width - 1, width - 1, StackHeight - 1};
     const Triple lower = Highest(Minus(store.ExtentsRef().LowerIndices(), corner), {0, 0, 0});
     const Triple upper = Lowest(Minus(store.ExtentsRef().UpperIndices(), corner), lastVoxel);
     const std::int64_t unit = std::gcd(voxelSize[0], voxelSize[2]);
@@ -248,13 +248,13 @@ template <class Visit> void TriangleRaster::ForEachTile(const RasterBox& box, co
     for (tile.y = box.lowerFilled[1]; tile.y <= lastY; tile.y += LaneCount) {
         const std::int32_t rows = std::min(lastY - tile.y + 1, LaneCount);
         const auto isInBox = reinterpret_cast<Lanes>(reinterpret_cast<SignedLanes>(LaneNumbers) < rows);
-        const bool reachesNextY = (tile.y & (HalfSide - 1)) + rows > HalfSide;
-        for (tile.x = box.lowerFilled[0]; tile.x <= lastX; tile.x += PlateSide) {
-            tile.columns = std::min(lastX - tile.x + 1, PlateSide);
+        const bool reachesNextY = (tile.y & (HalfPlate - 1)) + rows > HalfPlate;
+        for (tile.x = box.lowerFilled[0]; tile.x <= lastX; tile.x += PlateRow) {
+            tile.columns = std::min(lastX - tile.x + 1, PlateRow);
             tile.rows = isInBox & ((1U << tile.columns) - 1);
             tile.halves = HalvesOf(tile.x, tile.y, reachesNextY);
-            const bool reachesNextX = (tile.x & (PlateSide - 1)) + tile.columns > PlateSide;
-            tile.halvesOfNextX = reachesNextX ? HalvesOf(tile.x + PlateSide, tile.y, reachesNextY) : PlateHalves{};
+            const bool reachesNextX = (tile.x & (PlateRow - 1)) + tile.columns > PlateRow;
+            tile.halvesOfNextX = reachesNextX ? HalvesOf(tile.x + PlateRow, tile.y, reachesNextY) : PlateHalves{};
             visit(tile);
         }
     }
@@ -262,17 +262,17 @@ template <class Visit> void TriangleRaster::ForEachTile(const RasterBox& box, co
 
 inline PlateHalves TriangleRaster::HalvesOf(std::int32_t x, std::int32_t y, bool reachesNext)
 {
-    return {HalfOf(x, y), reachesNext ? HalfOf(x, y + HalfSide) : nullptr};
+    return {HalfOf(x, y), reachesNext ? HalfOf(x, y + HalfPlate) : nullptr};
 }
 
 // The half of the plate at height 0 that has voxel (x, y).
 inline std::byte* TriangleRaster::HalfOf(std::int32_t x, std::int32_t y)
 {
-    const std::uint32_t i = static_cast<std::uint32_t>(x) / PlateSide;
-    const std::uint32_t j = static_cast<std::uint32_t>(y) / PlateSide;
+    const std::uint32_t i = static_cast<std::uint32_t>(x) / PlateRow;
+    const std::uint32_t j = static_cast<std::uint32_t>(y) / PlateRow;
     Plate*& plates = plates_[j * stacksPerRow_ + i];
     if (plates == nullptr) plates = WritablePlates(store_.VoxelStackRef({i, j}));
-    return reinterpret_cast<std::byte*>(&plates->rows[static_cast<std::size_t>(y & HalfSide)]);
+    return reinterpret_cast<std::byte*>(&plates->rows[static_cast<std::size_t>(y & HalfPlate)]);
 }
 
 } // namespace brix

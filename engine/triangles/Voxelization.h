@@ -1,4 +1,4 @@
-// Triangles to voxels: a voxel is filled when the closed triangle and the closed box of the voxel share at least one point.
+// Triangles to voxels (conservative surface voxelization): a voxel is filled when the closed triangle and the closed box of the voxel share at least one point.
 #pragma once
 
 #include "../model/VoxelModel.h"

@@ -32,7 +32,8 @@ template <Axis axis> class AxisCarrier
 {
 public:
     explicit AxisCarrier(const Triple& stackCount)
-        : levels_(stackCount[2]), faces_(static_cast<std::size_t>(axis == Axis::Z ? 0 : stackCount[0] * levels_), AllLit)
+        : stacksPerColumn_(stackCount[2]),
+          faces_(static_cast<std::size_t>(axis == Axis::Z ? 0 : stackCount[0] * stacksPerColumn_), AllLit)
     {}
 
     void EnterRow()
@@ -46,32 +47,32 @@ public:
         plate_ = FilledPlate();
     }
 
-    void Pass(const StackView& view, std::int64_t level, const Triple&, StackBuilder& seen)
+    void Pass(const StackView& view, std::int64_t number, const Triple&, StackBuilder& seen)
     {
         for (std::int64_t height = view.Begin(); height < view.End(); ++height) {
-            seen.Append(height, PassPlate(view.PlateAt(height), level, static_cast<std::size_t>(height)) & view.Inside());
+            seen.Append(height, PassPlate(view.PlateAt(height), number, static_cast<std::size_t>(height)) & view.Inside());
         }
     }
 
 private:
-    using Face = std::array<std::uint16_t, 64>; // by height
+    using Face = std::array<std::uint16_t, StackHeight>; // by height
     static constexpr Face AllLit = [] {
         Face face{};
         for (std::uint16_t& row : face) row = 0xFFFF;
         return face;
     }();
 
-    VoxelPlate<bool> PassPlate(const VoxelPlate<bool>& filled, std::int64_t level, std::size_t height)
+    VoxelPlate<bool> PassPlate(const VoxelPlate<bool>& filled, std::int64_t number, std::size_t height)
     {
         if constexpr (axis == Axis::Z) return plate_ = AndNot(plate_, filled);
-        std::uint16_t& lit = faces_[static_cast<std::size_t>(column_ * levels_ + level)][height];
+        std::uint16_t& lit = faces_[static_cast<std::size_t>(column_ * stacksPerColumn_ + number)][height];
         const VoxelPlate<bool> seen = axis == Axis::X ? LitAlongX(filled, lit) : LitAlongY(filled, lit);
-        lit = axis == Axis::X ? seen.Column(15) : seen.Row(15);
+        lit = axis == Axis::X ? seen.Column(PlateWidth - 1) : seen.Row(PlateWidth - 1);
         return seen;
     }
 
-    std::int64_t levels_;
-    std::vector<Face> faces_; // along x those of one row of columns, along y one for every column and level
+    std::int64_t stacksPerColumn_;
+    std::vector<Face> faces_; // along x those of one row of columns, along y one for every column and stack of it
     VoxelPlate<bool> plate_{};
     std::int64_t column_ = 0;
 };

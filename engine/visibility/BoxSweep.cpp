@@ -41,7 +41,7 @@ void MarkVisible(VoxelModel<bool>& result, std::int64_t lod, const BoxSweep& swe
     layers.WriteTo(visible);
     if (visible.IsUnallocated()) return;
     if (sweep.mask != nullptr &&
-        !sweep.mask->HoldsAll(Highest(sweep.lower, corner), Lowest(sweep.upper, Plus(corner, {15, 15, 63}))))
+        !sweep.mask->HoldsAll(Highest(sweep.lower, corner), Lowest(sweep.upper, Plus(corner, LastOffset))))
         CutToMask(visible, *sweep.mask, corner);
 
     VoxelStack<bool>& stack = StackIterator(result, corner, lod).VoxelStackRef();

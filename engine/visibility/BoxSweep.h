@@ -17,20 +17,15 @@ struct BoxSweep
     const SightMask* mask = nullptr; // what may be marked; everything, if there is none
     std::optional<Triple> eye{};     // a voxel that counts as empty
 
-    Triple StackCount() const { return Plus(Minus(StackOf(upper), StackOf(lower)), {1, 1, 1}); }
-
-    static Triple StackOf(const Triple& voxel)
-    {
-        return {FloorDivide(voxel[0], 16), FloorDivide(voxel[1], 16), FloorDivide(voxel[2], 64)};
-    }
+    Triple StackCount() const { return Plus(Minus(StackOfVoxel(upper), StackOfVoxel(lower)), {1, 1, 1}); }
 
     /// The lower corner of the stack that the sweep reaches after so many steps along x, y and z.
     Triple CornerAt(const Triple& steps) const
     {
-        const Triple first = StackOf(lower);
-        const Triple last = StackOf(upper);
+        const Triple first = StackOfVoxel(lower);
+        const Triple last = StackOfVoxel(upper);
         const auto along = [&](std::size_t i) { return order[i] == Side::Upper ? first[i] + steps[i] : last[i] - steps[i]; };
-        return {16 * along(0), 16 * along(1), 64 * along(2)};
+        return CornerOfStack({along(0), along(1), along(2)});
     }
 
     /// All of the box whose values may depend on a part of it: that part, and what lies behind it.
@@ -58,13 +53,13 @@ struct BoxSweep
 void MarkVisible(VoxelModel<bool>& result, std::int64_t lod, const BoxSweep& sweep, const Triple& corner,
                  const StackBuilder& seen);
 
-/// Passes a carrier through the `level`th stack of a column.
+/// Passes a carrier through the `number`th stack of a column.
 template <class Carrier>
 void SweepStack(VoxelModel<bool>& result, const VoxelModel<bool>& model, std::int64_t lod, const BoxSweep& sweep,
-                const Triple& corner, std::int64_t level, Carrier& carrier)
+                const Triple& corner, std::int64_t number, Carrier& carrier)
 {
     const Triple lower = Highest(sweep.lower, corner);
-    const Triple upper = Lowest(sweep.upper, Plus(corner, {15, 15, 63}));
+    const Triple upper = Lowest(sweep.upper, Plus(corner, LastOffset));
     if (!sweep.IsNeeded(lower, upper)) return;
 
     StackView view(ConstStackIterator(model, corner, lod).VoxelStackRef(), Minus(lower, corner), Minus(upper, corner),
@@ -72,8 +67,8 @@ void SweepStack(VoxelModel<bool>& result, const VoxelModel<bool>& model, std::in
     if (sweep.eye && IsWithin(*sweep.eye, lower, upper)) view.Clear(Minus(*sweep.eye, corner));
     StackBuilder seen;
     if (view.Begin() > 0) seen.Append(0, {});
-    carrier.Pass(view, level, corner, seen);
-    if (view.End() < VoxelStack<bool>::Height) seen.Append(view.End(), {});
+    carrier.Pass(view, number, corner, seen);
+    if (view.End() < StackHeight) seen.Append(view.End(), {});
     MarkVisible(result, lod, sweep, corner, seen);
 }
 

@@ -59,10 +59,10 @@ public:
 
     void EnterColumn(const Triple& corner)
     {
-        for (std::int64_t y = 0; y < Lanes; ++y) {
-            rule_.y[static_cast<std::size_t>(y)] = WeightAt(1, corner, y, 15);
-            for (std::int64_t x = 0; x < Lanes; ++x) {
-                rule_.x[static_cast<std::size_t>((x + y) % Lanes * Lanes + y)] = WeightAt(0, corner, x, 15);
+        for (std::int64_t y = 0; y < PlateWidth; ++y) {
+            rule_.y[static_cast<std::size_t>(y)] = WeightAt(1, corner, y);
+            for (std::int64_t x = 0; x < PlateWidth; ++x) {
+                rule_.x[static_cast<std::size_t>((x + y) % PlateWidth * PlateWidth + y)] = WeightAt(0, corner, x);
             }
         }
     }
@@ -70,17 +70,17 @@ public:
     const OffsetRule& AtHeights(const Triple& corner, std::int64_t height)
     {
         for (std::int64_t k = 0; k <= MaxPlates + 1; ++k) {
-            rule_.z[static_cast<std::size_t>(k)] = WeightAt(2, corner, height + k - 1, 63);
+            rule_.z[static_cast<std::size_t>(k)] = WeightAt(2, corner, height + k - 1);
         }
         return rule_;
     }
 
 private:
-    // Of the voxel that a sweep meets as the `step`th along an axis of a stack whose last one is `last`. Points far away are rounded
-    // to doubles, within 2^52 base units nothing is.
-    double WeightAt(std::size_t axis, const Triple& corner, std::int64_t step, std::int64_t last) const
+    // Of the voxel that a sweep meets as the `step`th along an axis of a stack. Points far away are rounded to doubles, within 2^52 base
+    // units nothing is.
+    double WeightAt(std::size_t axis, const Triple& corner, std::int64_t step) const
     {
-        const std::int64_t index = corner[axis] + (order_[axis] == Side::Upper ? step : last - step);
+        const std::int64_t index = corner[axis] + (order_[axis] == Side::Upper ? step : LastOffset[axis] - step);
         if (index == eye_[axis]) return 0;
         const std::int64_t centre = index * size_[axis] + size_[axis] / 2;
         return std::abs((static_cast<double>(centre) - static_cast<double>(point_[axis])) * scale_[axis]);

@@ -22,7 +22,7 @@ constexpr VoxelPlate<bool> MirroredX(const VoxelPlate<bool>& plate)
 
 constexpr VoxelPlate<bool> MirroredY(const VoxelPlate<bool>& plate)
 {
-    return MakePlate([&](std::size_t y) { return plate.rows[15 - y]; });
+    return MakePlate([&](std::size_t y) { return plate.rows[plate.rows.size() - 1 - y]; });
 }
 
 /// A plate as the sweep sees it, and back.
@@ -35,11 +35,11 @@ constexpr VoxelPlate<bool> Turned(VoxelPlate<bool> plate, const SweepOrder& orde
 /// The bits begin .. end - 1 of a word that has one for each of 64 heights.
 constexpr std::uint64_t HeightBits(std::int64_t begin, std::int64_t end)
 {
-    return begin >= end ? 0 : ~std::uint64_t{0} << begin & ~std::uint64_t{0} >> (64 - end);
+    return begin >= end ? 0 : ~std::uint64_t{0} << begin & ~std::uint64_t{0} >> (StackHeight - end);
 }
 
 /// The number of bits that are set in a row from `height` on.
-constexpr std::int64_t HeightsFrom(std::int64_t height, std::uint64_t bits) { return std::countr_one(bits >> height); }
+constexpr std::int64_t CountSetFrom(std::int64_t height, std::uint64_t bits) { return std::countr_one(bits >> height); }
 
 /// A stack whose layers are turned upside down.
 inline void TurnOver(StackBuilder& result, std::span<const VoxelPlate<bool>> plates, std::span<const std::uint8_t> offsets)
@@ -47,7 +47,7 @@ inline void TurnOver(StackBuilder& result, std::span<const VoxelPlate<bool>> pla
     std::int64_t height = 0;
     for (std::size_t layer = plates.size(); layer-- > 0;) {
         result.Append(height, plates[layer]);
-        height = VoxelStack<bool>::Height - offsets[layer];
+        height = StackHeight - offsets[layer];
     }
 }
 
@@ -60,8 +60,8 @@ public:
     {
         inside_ = Turned(Box({lower[0], lower[1]}, {upper[0], upper[1]}), order);
         startsAtCorner_ = inside_.Value({0, 0});
-        begin_ = order[2] == Side::Upper ? lower[2] : 63 - upper[2];
-        end_ = order[2] == Side::Upper ? upper[2] + 1 : 64 - lower[2];
+        begin_ = order[2] == Side::Upper ? lower[2] : StackHeight - 1 - upper[2];
+        end_ = order[2] == Side::Upper ? upper[2] + 1 : StackHeight - lower[2];
         StackBuilder layers;
         if (order[2] == Side::Upper) {
             AddLayers(stack.Plates(), stack.LayerOffsets());
@@ -91,7 +91,7 @@ private:
     void AddLayers(std::span<const VoxelPlate<bool>> plates, std::span<const std::uint8_t> offsets)
     {
         for (std::size_t layer = 0; layer < plates.size(); ++layer) {
-            const std::int64_t end = layer + 1 < plates.size() ? offsets[layer + 1] : VoxelStack<bool>::Height;
+            const std::int64_t end = layer + 1 < plates.size() ? offsets[layer + 1] : StackHeight;
             SetHeights(offsets[layer], end, layer, Turned(plates[layer], order_) & inside_);
         }
     }
@@ -110,21 +110,21 @@ private:
     bool startsAtCorner_;
     std::int64_t begin_;
     std::int64_t end_;
-    std::array<VoxelPlate<bool>, 65> plates_; // by layer, and one that differs from its layer
-    std::array<std::uint8_t, 64> layers_;     // by height
+    std::array<VoxelPlate<bool>, StackHeight + 1> plates_; // by layer, and one that differs from its layer
+    std::array<std::uint8_t, StackHeight> layers_;         // by height
     std::uint64_t empty_ = 0;
     std::uint64_t full_ = 0;
 };
 
 inline void StackView::Clear(const Triple& offset)
 {
-    const auto turned = [&](std::size_t axis, std::int64_t last) {
-        return order_[axis] == Side::Upper ? offset[axis] : last - offset[axis];
+    const auto turned = [&](std::size_t axis) {
+        return order_[axis] == Side::Upper ? offset[axis] : LastOffset[axis] - offset[axis];
     };
-    const std::int64_t x = turned(0, 15);
-    const std::int64_t y = turned(1, 15);
-    const std::int64_t height = turned(2, 63);
-    SetHeights(height, height + 1, 64, AndNot(PlateAt(height), Box({x, y}, {x, y})));
+    const std::int64_t x = turned(0);
+    const std::int64_t y = turned(1);
+    const std::int64_t height = turned(2);
+    SetHeights(height, height + 1, StackHeight, AndNot(PlateAt(height), Box({x, y}, {x, y})));
 }
 
 } // namespace brix::sight

@@ -2,10 +2,10 @@
 //
 //   EnterRow()                       a row of columns of stacks begins: sight enters fully along x
 //   EnterColumn(column, corner)      a column begins: sight enters fully along z. `corner` is the lower corner of its first stack
-//   Pass(view, level, corner, seen)  the next stack of the column, `level` counted from its start: what is visible in it is appended
+//   Pass(view, number, corner, seen)  the next stack of the column, its `number` counted from its start: what is visible in it is appended
 //                                    to `seen` at the heights of the view
 //
-// What waits for the stacks behind: along x the faces of one row's stacks, along y a face for every column and level, along z one
+// What waits for the stacks behind: along x the faces of one row's stacks, along y a face for every column and stack of it, along z one
 // plate. A face holds 64 rows of 16 values, and one bit per height for rows that are fully lit or wholly dark; those cost nothing.
 #pragma once
 
@@ -44,17 +44,17 @@ public:
     {
         for (std::int64_t h = height; h < height + count; ++h) {
             if (((full_ | dark_) >> h & 1) == 0) continue;
-            std::fill_n(values_ + h * Lanes, Lanes, (full_ >> h & 1) != 0 ? 1.0 : 0.0);
+            std::fill_n(values_ + h * PlateWidth, PlateWidth, (full_ >> h & 1) != 0 ? 1.0 : 0.0);
         }
-        return values_ + height * Lanes;
+        return values_ + height * PlateWidth;
     }
 
     /// Finds out which of the rows that were written are fully lit or wholly dark.
     void Inspect(std::int64_t height, std::int64_t count)
     {
         for (std::int64_t h = height; h < height + count; ++h) {
-            const double* const row = values_ + h * Lanes;
-            const bool isUniform = std::all_of(row, row + Lanes, [row](double value) { return value == row[0]; });
+            const double* const row = values_ + h * PlateWidth;
+            const bool isUniform = std::all_of(row, row + PlateWidth, [row](double value) { return value == row[0]; });
             Set(HeightBits(h, h + 1), !isUniform ? Light::Mixed : LightOf(row[0]));
         }
     }
@@ -64,7 +64,7 @@ public:
 private:
     std::uint64_t full_ = ~std::uint64_t{0};
     std::uint64_t dark_ = 0;
-    double values_[VoxelStack<bool>::Height * Lanes];
+    double values_[StackHeight * PlateWidth];
 };
 
 /// Weights say how values mix: EnterColumn(corner) and AtHeights(corner, height) prepare the rule of the voxels from a height on.
@@ -75,9 +75,9 @@ public:
         : weights_(weights),
           threshold_(threshold),
           instructionSet_(instructionSet),
-          levels_(stackCount[2]),
-          alongX_(static_cast<std::size_t>(levels_)),
-          alongY_(static_cast<std::size_t>(stackCount[0] * levels_))
+          stacksPerColumn_(stackCount[2]),
+          alongX_(static_cast<std::size_t>(stacksPerColumn_)),
+          alongY_(static_cast<std::size_t>(stackCount[0] * stacksPerColumn_))
     {}
 
     void EnterRow()
@@ -92,10 +92,10 @@ public:
         weights_.EnterColumn(corner);
     }
 
-    void Pass(const StackView& view, std::int64_t level, const Triple& corner, StackBuilder& seen)
+    void Pass(const StackView& view, std::int64_t number, const Triple& corner, StackBuilder& seen)
     {
-        SightFace& x = alongX_[static_cast<std::size_t>(level)];
-        SightFace& y = alongY_[static_cast<std::size_t>(column_ * levels_ + level)];
+        SightFace& x = alongX_[static_cast<std::size_t>(number)];
+        SightFace& y = alongY_[static_cast<std::size_t>(column_ * stacksPerColumn_ + number)];
         for (std::int64_t height = view.Begin(); height < view.End();) {
             const std::int64_t steady = PassSteadily(view, height, x, y, seen);
             height += steady > 0 ? steady : PassMixed(view, height, x, y, weights_.AtHeights(corner, height), seen);
@@ -103,18 +103,18 @@ public:
     }
 
 private:
-    // The heights from here on whose values need no arithmetic, 0 if this one's do; they may go on beyond the view. Where nothing
-    // enters, or nothing leaves a plate, it is dark; where all enters and nothing is filled, it is lit.
+    // Passes the heights from this one on that need no arithmetic, and returns their number; it may reach beyond the view. A plate is
+    // dark where no light enters, or where its filled voxels stop all of it; lit where full light enters and nothing is filled.
     std::int64_t PassSteadily(const StackView& view, std::int64_t height, SightFace& x, SightFace& y, StackBuilder& seen)
     {
         std::int64_t count = 0;
-        if (light_ == Light::Full) count = HeightsFrom(height, x.FullHeights() & y.FullHeights() & view.EmptyHeights());
+        if (light_ == Light::Full) count = CountSetFrom(height, x.FullHeights() & y.FullHeights() & view.EmptyHeights());
         if (count > 0) {
             seen.Append(height, view.Inside());
             return count;
         }
-        if (light_ == Light::None) count = HeightsFrom(height, x.DarkHeights() & y.DarkHeights());
-        if (count == 0) count = HeightsFrom(height, view.FullHeights());
+        if (light_ == Light::None) count = CountSetFrom(height, x.DarkHeights() & y.DarkHeights());
+        if (count == 0) count = CountSetFrom(height, view.FullHeights());
         if (count > 0) {
             light_ = Light::None;
             x.Set(HeightBits(height, height + count), Light::None);
@@ -153,7 +153,7 @@ private:
     Weights weights_;
     double threshold_;
     InstructionSet instructionSet_;
-    std::int64_t levels_;
+    std::int64_t stacksPerColumn_;
     std::vector<SightFace> alongX_;
     std::vector<SightFace> alongY_;
     std::int64_t column_ = 0;

@@ -86,7 +86,8 @@ VoxelModel<bool> VisibleInExtents(const VoxelModel<bool>& model, const View& vie
     return result;
 }
 
-// What is seen beyond the model's extents, too. Where nothing is, the result does not tell what has been left out of the sphere.
+// Visibility on extents that may reach beyond the model's: around the limiting sphere, or with the point. An empty result is the
+// voxel in the middle of those extents.
 VoxelModel<bool> VisibleBeyondExtents(const VoxelModel<bool>& model, const View& view)
 {
     const Axes& axes = model.AxesRef();

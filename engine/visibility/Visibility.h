@@ -1,4 +1,4 @@
-// Which empty voxels can be seen along a direction, or from a point. No ray is traced: a value from 0 (dark) to 1 (fully seen) is
+// Which empty voxels can be seen along a direction, or from a point (line of sight, viewshed). No ray is traced: a value from 0 (dark) to 1 (fully seen) is
 // carried through space in one sweep, each voxel mixing the values of the neighbours that lie before it, so that oblique sight lines
 // get soft shadows. Filled voxels carry 0; beyond the extents, everything is 1. Cones and pyramids cut what is marked, not what is
 // carried: a voxel that lies within one is marked exactly when it is seen from the point at all.

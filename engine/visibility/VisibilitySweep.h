@@ -15,13 +15,11 @@
 
 namespace brix::sight {
 
-inline constexpr std::int64_t Lanes = 16;
-
 /// The most plates of one stretch.
 inline constexpr std::int64_t MaxPlates = 16;
 
-inline constexpr std::array<std::uint64_t, Lanes> LaneBits = [] {
-    std::array<std::uint64_t, Lanes> bits{};
+inline constexpr std::array<std::uint64_t, PlateWidth> LaneBits = [] {
+    std::array<std::uint64_t, PlateWidth> bits{};
     for (std::size_t y = 0; y < bits.size(); ++y) bits[y] = std::uint64_t{1} << y;
     return bits;
 }();
@@ -52,9 +50,9 @@ struct DirectionRule
 /// Mixes upstream values in the proportions of each voxel's own offset: (x * a + y * b + z * c) / (x + y + z).
 struct OffsetRule
 {
-    alignas(64) std::array<double, Lanes * Lanes> x{}; // of column x in lane y, at (x + y) % 16 * 16 + y
-    alignas(64) std::array<double, Lanes> y{};         // of row y
-    std::array<double, MaxPlates + 2> z{};             // of plate k, at k + 1
+    alignas(64) std::array<double, PlateWidth * PlateWidth> x{}; // of column x in lane y, at (x + y) % 16 * 16 + y
+    alignas(64) std::array<double, PlateWidth> y{};              // of row y
+    std::array<double, MaxPlates + 2> z{};                       // of plate k, at k + 1
 
     struct Step
     {
@@ -71,8 +69,9 @@ struct OffsetRule
     };
     Step At(std::int64_t step) const
     {
-        const auto plate = static_cast<std::size_t>(step / Lanes);
-        return {x.data() + step % Lanes * Lanes, y.data(), z[plate + 1], z[plate], (std::uint64_t{2} << step % Lanes) - 1};
+        const auto plate = static_cast<std::size_t>(step / PlateWidth);
+        return {x.data() + step % PlateWidth * PlateWidth, y.data(), z[plate + 1], z[plate],
+                (std::uint64_t{2} << step % PlateWidth) - 1};
     }
 };
 
@@ -80,22 +79,22 @@ struct OffsetRule
 class LaneStreams
 {
 public:
-    using Word = std::array<std::uint64_t, Lanes>;
+    using Word = std::array<std::uint64_t, PlateWidth>;
 
     void Put(std::size_t k, const VoxelPlate<bool>& plate)
     {
-        const std::size_t shift = k % 4 * 16;
-        for (std::size_t y = 0; y < Lanes; ++y) words_[k / 4][y] |= std::uint64_t{plate.rows[y]} << (shift + y);
+        const std::size_t shift = k % 4 * PlateWidth;
+        for (std::size_t y = 0; y < PlateWidth; ++y) words_[k / 4][y] |= std::uint64_t{plate.rows[y]} << (shift + y);
         if (shift < 48) return; // the next three plates do not reach the word's end
-        for (std::size_t y = 0; y < Lanes; ++y) words_[k / 4 + 1][y] |= std::uint64_t{plate.rows[y]} >> (16 - y);
+        for (std::size_t y = 0; y < PlateWidth; ++y) words_[k / 4 + 1][y] |= std::uint64_t{plate.rows[y]} >> (PlateWidth - y);
     }
 
     VoxelPlate<bool> Get(std::size_t k) const
     {
-        const std::size_t shift = k % 4 * 16;
+        const std::size_t shift = k % 4 * PlateWidth;
         return MakePlate([&](std::size_t y) {
             const std::uint64_t bits = words_[k / 4][y] >> (shift + y);
-            return shift < 48 ? bits : bits | words_[k / 4 + 1][y] << (16 - y);
+            return shift < 48 ? bits : bits | words_[k / 4 + 1][y] << (PlateWidth - y);
         });
     }
 
@@ -113,15 +112,15 @@ class SightPlane
 public:
     SightPlane() {} // written before it is read
 
-    double* Column(std::int64_t step) { return values_ + (step & 15) * Stride + First; }
+    double* Column(std::int64_t step) { return values_ + (step & (PlateWidth - 1)) * Stride + First; }
 
     void Fill(double value) { std::fill(std::begin(values_), std::end(values_), value); }
 
     /// Whether all sixteen times sixteen voxels have one value.
     bool IsUniform() const
     {
-        for (std::int64_t step = 0; step < Lanes; ++step) {
-            for (std::int64_t y = 0; y < Lanes; ++y) {
+        for (std::int64_t step = 0; step < PlateWidth; ++step) {
+            for (std::int64_t y = 0; y < PlateWidth; ++y) {
                 if (values_[step * Stride + First + y] != values_[First]) return false;
             }
         }
@@ -131,9 +130,9 @@ public:
 
 private:
     static constexpr std::int64_t First = 8;
-    static constexpr std::int64_t Stride = First + Lanes + 8; // columns start at a cache line
+    static constexpr std::int64_t Stride = First + PlateWidth + 8; // columns start at a cache line
 
-    alignas(64) double values_[Lanes * Stride];
+    alignas(64) double values_[PlateWidth * Stride];
 };
 
 /// A stretch of plates and what surrounds it. Values are replaced where they stand: what enters by what leaves.
@@ -158,15 +157,15 @@ template <ActiveLanes active, class RuleStep>
 inline void SweepStep(Stretch& stretch, std::int64_t step, const RuleStep& rule, double enteringX, std::uint64_t lanes)
 {
     const std::uint64_t stepBit = std::uint64_t{1} << (step & 63);
-    const std::uint64_t enteringLane = std::uint64_t{1} << (step & 15);
+    const std::uint64_t enteringLane = std::uint64_t{1} << (step & (PlateWidth - 1));
     const LaneStreams::Word& filled = stretch.filled.AtStep(step);
     LaneStreams::Word& visible = stretch.visible.AtStep(step);
     const double* const last = stretch.plane.Column(step - 1);
     double* const column = stretch.plane.Column(step);
     const double threshold = stretch.threshold;
 
-    std::array<double, Lanes> values; // lanes read what others will overwrite
-    for (std::size_t y = 0; y < Lanes; ++y) {
+    std::array<double, PlateWidth> values; // lanes read what others will overwrite
+    for (std::size_t y = 0; y < PlateWidth; ++y) {
         const double a = (LaneBits[y] & enteringLane) != 0 ? enteringX : last[y];
         const double b = *(last + y - 1);
         const double c = column[y];
@@ -176,29 +175,29 @@ inline void SweepStep(Stretch& stretch, std::int64_t step, const RuleStep& rule,
         visible[y] |= isActive && value >= threshold ? stepBit : 0;
         values[y] = isActive ? value : c;
     }
-    for (std::size_t y = 0; y < Lanes; ++y) column[y] = values[y];
+    for (std::size_t y = 0; y < PlateWidth; ++y) column[y] = values[y];
 }
 
 template <class Rule> inline void SweepPlates(Stretch& stretch, const Rule& rule)
 {
     constexpr std::uint64_t allLanes = 0xFFFF;
-    const std::int64_t length = Lanes * stretch.plates;
-    for (std::int64_t step = 0; step < length + Lanes - 1; ++step) {
+    const std::int64_t length = PlateWidth * stretch.plates;
+    for (std::int64_t step = 0; step < length + PlateWidth - 1; ++step) {
         const bool isEntering = step < length;
-        if (step % Lanes == 0 && isEntering) {
-            for (std::int64_t x = 0; x < Lanes; ++x) stretch.plane.Column(x - 1)[-1] = stretch.alongY[step + x];
+        if (step % PlateWidth == 0 && isEntering) {
+            for (std::int64_t x = 0; x < PlateWidth; ++x) stretch.plane.Column(x - 1)[-1] = stretch.alongY[step + x];
         }
         const double enteringX = isEntering ? stretch.alongX[step] : 0.0;
-        const std::uint64_t lanes =
-            isEntering ? (step < Lanes ? (std::uint64_t{2} << step) - 1 : allLanes) : allLanes << (step - length + 1) & allLanes;
+        const std::uint64_t lanes = isEntering ? (step < PlateWidth ? (std::uint64_t{2} << step) - 1 : allLanes)
+                                               : allLanes << (step - length + 1) & allLanes;
         if (lanes == allLanes)
             SweepStep<ActiveLanes::All>(stretch, step, rule.At(step), enteringX, lanes);
         else
             SweepStep<ActiveLanes::Some>(stretch, step, rule.At(step), enteringX, lanes);
-        if (step < Lanes - 1) continue;
+        if (step < PlateWidth - 1) continue;
         // Lane 15 is at voxel step - 15 of its row, and one lane has just left its plate at x = 15: lane (step + 1) % 16.
-        stretch.alongX[step - 15] = stretch.plane.Column(step)[(step + 1) % Lanes];
-        stretch.alongY[step - 15] = stretch.plane.Column(step)[Lanes - 1];
+        stretch.alongX[step - (PlateWidth - 1)] = stretch.plane.Column(step)[(step + 1) % PlateWidth];
+        stretch.alongY[step - (PlateWidth - 1)] = stretch.plane.Column(step)[PlateWidth - 1];
     }
 }
 

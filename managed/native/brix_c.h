@@ -252,7 +252,7 @@ BRIX_C_API int32_t brix_subtract(const brix_model* model, const brix_model* subt
                                  int32_t auto_adjust_extents, brix_model** result, brix_error* error);
 BRIX_C_API int32_t brix_invert(const brix_model* model, brix_model** result, brix_error* error);
 
-/* ---- Regions and densities (brix/operations/SpecialOperations.h) ---- */
+/* ---- Regions and densities (brix/operations/AutoSplit.h, DensityMap.h) ---- */
 
 /* A list of models. */
 typedef struct brix_models brix_models;

@@ -2,12 +2,13 @@
 // engine's function of its name with its arguments in order.
 #include "brix_c.h"
 
+#include "operations/AutoSplit.h"
 #include "operations/BasicOperations.h"
+#include "operations/DensityMap.h"
 #include "operations/FillOperations.h"
 #include "operations/ProximityOperations.h"
 #include "operations/SliceRows.h"
 #include "operations/SolidOperations.h"
-#include "operations/SpecialOperations.h"
 #include "operations/SurfaceOperations.h"
 #include "support/FailingAllocations.h"
 #include "support/Messages.h"

@@ -155,7 +155,7 @@ TEST(NeighbourhoodPass, SeesAlongEveryAxisAtEveryDistance)
     ForEachPassCase(1, 120, [](Random& random, const PassCase& test) {
         for (const Axis axis : AllAxes) {
             const Side side = random.OneIn(2) ? Side::Lower : Side::Upper;
-            const std::int64_t size = StackSize(axis);
+            const std::int64_t size = StackSizeAlong(axis);
             const std::int64_t distance = random.OneIn(3) ? 1 : random.Between(1, random.OneIn(3) ? 3 * size : size);
             const std::int64_t lower = random.Between(1, size);
             const std::int64_t upper = random.OneIn(2) ? lower : random.Between(1, size);

@@ -3,10 +3,10 @@
 #include "OutputFiles.h"
 #include "Report.h"
 
+#include <brix/operations/AutoSplit.h>
 #include <brix/operations/BasicOperations.h>
 #include <brix/operations/FillOperations.h>
 #include <brix/operations/SolidOperations.h>
-#include <brix/operations/SpecialOperations.h>
 #include <brix/operations/SurfaceOperations.h>
 #include <brix/travel/PathModel.h>
 #include <brix/visibility/Visibility.h>
