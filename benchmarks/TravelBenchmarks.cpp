@@ -94,13 +94,65 @@ const TravelScene& SceneOf(const std::string& name)
     return *scene;
 }
 
-// A distance for every voxel of the extents: infinite where not yet reached, negative where nobody can stand.
+// The open voxels of a Dijkstra, by distance: a binary heap, and a ring of buckets as wide as the shortest step.
+class Heap
+{
+public:
+    explicit Heap(double, double) {}
+    void Push(double distance, std::uint32_t voxel) { queue_.emplace(distance, voxel); }
+    template <class Expand> void Run(const Expand& expand)
+    {
+        while (!queue_.empty()) {
+            const auto [distance, voxel] = queue_.top();
+            queue_.pop();
+            expand(distance, voxel);
+        }
+    }
+
+private:
+    using Entry = std::pair<double, std::uint32_t>;
+    std::priority_queue<Entry, std::vector<Entry>, std::greater<>> queue_;
+};
+
+class Buckets
+{
+public:
+    Buckets(double shortest, double longest) : perUnit_(1 / shortest), ring_(static_cast<std::size_t>(longest / shortest) + 2) {}
+    void Push(double distance, std::uint32_t voxel)
+    {
+        ring_[static_cast<std::size_t>(distance * perUnit_) % ring_.size()].push_back({distance, voxel});
+        ++count_;
+    }
+    template <class Expand> void Run(const Expand& expand)
+    {
+        for (std::size_t current = 0; count_ > 0; current = (current + 1) % ring_.size()) {
+            for (std::size_t i = 0; i < ring_[current].size(); ++i, --count_) {
+                const Entry entry = ring_[current][i];
+                expand(entry.distance, entry.voxel);
+            }
+            ring_[current].clear();
+        }
+    }
+
+private:
+    struct Entry
+    {
+        double distance;
+        std::uint32_t voxel;
+    };
+    double perUnit_;
+    std::vector<std::vector<Entry>> ring_;
+    std::size_t count_ = 0;
+};
+
+// A distance for every voxel of the extents: infinite where not yet reached, negative where nobody can stand, as in the rim of one voxel
+// around the extents. Without the rule for diagonal steps, which floors seldom need.
 class DenseDijkstra
 {
 public:
     explicit DenseDijkstra(const PathModel& path) : extents_(path.TraversableVoxels().ExtentsRef(Level))
     {
-        const Triple size = Plus(Minus(extents_.UpperIndices(), extents_.LowerIndices()), {1, 1, 1});
+        const Triple size = Plus(Minus(extents_.UpperIndices(), extents_.LowerIndices()), {3, 3, 3});
         strideY_ = size[0];
         strideZ_ = size[0] * size[1];
         distances_.assign(static_cast<std::size_t>(strideZ_ * size[2]), -1);
@@ -108,56 +160,58 @@ public:
             const VoxelStack<bool>& stack = store.VoxelStackRef(ij);
             ForEachTriple(store.LowerOffset(ij), store.UpperOffset(ij), [&](const Triple& offset) {
                 if (stack.LayerVoxelPlateRef(stack.LayerID(offset[2])).Value({offset[0], offset[1]}))
-                    At(Plus(store.LowerIndices(ij), offset)) = std::numeric_limits<double>::infinity();
+                    distances_[Number(Plus(store.LowerIndices(ij), offset))] = std::numeric_limits<double>::infinity();
             });
+        });
+        const Triple voxel = extents_.AxesRef().VoxelSize(Level);
+        const std::int64_t reach = size[2] > 3 ? 1 : 0; // a plan has no steps up and down
+        ForEachTriple({-1, -1, -reach}, {1, 1, reach}, [&](const Triple& step) {
+            if (step[0] == 0 && step[1] == 0) return;
+            steps_.push_back({step[2] * strideZ_ + step[1] * strideY_ + step[0],
+                              std::hypot(step[0] * voxel[0], step[1] * voxel[1], step[2] * voxel[2])});
         });
     }
 
-    double& At(const Triple& voxel)
-    {
-        const Triple offset = Minus(voxel, extents_.LowerIndices());
-        return distances_[static_cast<std::size_t>(offset[2] * strideZ_ + offset[1] * strideY_ + offset[0])];
-    }
+    double At(const Triple& voxel) const { return distances_[Number(voxel)]; }
 
-    void Run(const std::vector<Triple>& sources)
+    template <class Queue> void Run(const std::vector<Triple>& sources)
     {
-        using Entry = std::pair<double, Triple>;
-        std::priority_queue<Entry, std::vector<Entry>, std::greater<>> queue;
+        const Triple size = extents_.AxesRef().VoxelSize(Level);
+        Queue queue(static_cast<double>(size[0]), std::hypot(size[0], size[1], size[2]));
         for (const Triple& source : sources) {
-            At(source) = 0;
-            queue.emplace(0, source);
+            distances_[Number(source)] = 0;
+            queue.Push(0, Number(source));
         }
-        while (!queue.empty()) {
-            const auto [distance, voxel] = queue.top();
-            queue.pop();
-            if (distance > At(voxel)) continue;
-            for (std::int64_t z = -1; z <= 1; ++z) {
-                for (std::int64_t y = -1; y <= 1; ++y) {
-                    for (std::int64_t x = -1; x <= 1; ++x) Offer(queue, voxel, {x, y, z}, distance);
-                }
+        queue.Run([&](double distance, std::uint32_t voxel) {
+            if (distance > distances_[voxel]) return;
+            for (const Step& step : steps_) {
+                const auto to = static_cast<std::uint32_t>(voxel + step.offset);
+                const double offered = distance + step.length;
+                if (!(offered < distances_[to])) continue;
+                distances_[to] = offered;
+                queue.Push(offered, to);
             }
-        }
+        });
     }
 
 private:
-    // Without the rule for diagonal steps, which floors seldom need.
-    template <class Queue> void Offer(Queue& queue, const Triple& voxel, const Triple& step, double distance)
+    struct Step
     {
-        const Triple to = Plus(voxel, step);
-        if ((step[0] == 0 && step[1] == 0) || !extents_.ContainsVoxel(to)) return;
-        const Triple size = extents_.AxesRef().VoxelSize(Level);
-        const auto square = static_cast<double>((step[0] * step[0] + step[1] * step[1]) * size[0] * size[0] +
-                                                step[2] * step[2] * size[2] * size[2]);
-        const double offered = distance + std::sqrt(square);
-        if (!(offered < At(to))) return;
-        At(to) = offered;
-        queue.emplace(offered, to);
+        std::int64_t offset;
+        double length;
+    };
+
+    std::uint32_t Number(const Triple& voxel) const
+    {
+        const Triple offset = Plus(Minus(voxel, extents_.LowerIndices()), {1, 1, 1});
+        return static_cast<std::uint32_t>(offset[2] * strideZ_ + offset[1] * strideY_ + offset[0]);
     }
 
     Extents extents_;
     std::int64_t strideY_ = 0;
     std::int64_t strideZ_ = 0;
     std::vector<double> distances_;
+    std::vector<Step> steps_;
 };
 
 // The voxels that the field starts from.
@@ -181,7 +235,7 @@ void MeasureField(State& state, const std::string& name)
     state.counters["voxels"] = static_cast<double>(count);
 }
 
-void MeasureBaseline(State& state, const std::string& name)
+template <class Queue> void MeasureBaseline(State& state, const std::string& name)
 {
     const TravelScene& scene = SceneOf(name);
     const DistanceField field(scene.path, scene.sources, NoLimit);
@@ -190,7 +244,7 @@ void MeasureBaseline(State& state, const std::string& name)
         state.PauseTiming();
         auto dense = std::make_unique<DenseDijkstra>(scene.path);
         state.ResumeTiming();
-        dense->Run(sources);
+        dense->Run<Queue>(sources);
         state.PauseTiming();
         double engine = 0;
         double baseline = 0;
@@ -213,7 +267,8 @@ const bool AreRegistered = [] {
             })->Unit(benchmark::kMillisecond);
         };
         registerAs("DistanceField", MeasureField);
-        registerAs("DistanceFieldBaseline", MeasureBaseline);
+        registerAs("HeapDijkstra", MeasureBaseline<Heap>);
+        registerAs("BucketDijkstra", MeasureBaseline<Buckets>);
     }
     return true;
 }();

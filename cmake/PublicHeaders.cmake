@@ -18,6 +18,7 @@ set(BRIX_INTERNAL_HEADERS
     operations/SurfacePasses.h
     travel/DistanceSearch.h
     travel/LineWalk.h
+    travel/SightLines.h
     travel/VoxelPainter.h
     triangles/BoxesOfStack.h
     triangles/ByteReader.h

@@ -4,6 +4,7 @@
 #include "DistanceSearch.h"
 #include "VoxelPainter.h"
 
+#include <algorithm>
 #include <limits>
 
 namespace brix {
@@ -46,10 +47,24 @@ DistanceField::DistanceField(const PathModel& pathModel, const std::vector<std::
 {
     const std::vector<Index> grounds = Grounds(graph_, sources, pathModel.AgentHeightOffset());
     RequireNotNegative("The maximum distance used to construct a distance field", maxDistance);
-    DistanceSearch(graph_, static_cast<double>(maxDistance), distances_, bends_).Run(grounds);
-    farthest_ = grounds.front();
+    DistanceSearch search(graph_);
+    search.Run(grounds, static_cast<double>(maxDistance));
+    TakeLabels(search.Labels(), maxDistance);
+    farthest_ = *std::min_element(grounds.begin(), grounds.end());
     for (Index voxel = 0; voxel < graph_.Size(); ++voxel) {
-        if (IsReached(voxel) && distances_[voxel] > distances_[farthest_]) farthest_ = voxel;
+        if (IsReached(voxel) && Rounded(voxel) > Rounded(farthest_)) farthest_ = voxel;
+    }
+}
+
+// A limit cuts distances as they are told.
+void DistanceField::TakeLabels(const std::vector<TravelLabel>& labels, std::int64_t maxDistance)
+{
+    distances_.resize(labels.size());
+    bends_.resize(labels.size(), TraversableGraph::None);
+    for (Index voxel = 0; voxel < graph_.Size(); ++voxel) {
+        if (labels[voxel].bend == TraversableGraph::None) continue;
+        distances_[voxel] = labels[voxel].distance;
+        if (Rounded(voxel) <= maxDistance) bends_[voxel] = labels[voxel].bend;
     }
 }
 

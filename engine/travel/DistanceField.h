@@ -5,14 +5,18 @@
 //     . # # # # \ #          Its length is that of the line in space, not a number of steps on the grid.
 //     . . . . . . S
 //
-// Straight means straight in space: along a piece the ground rises and falls with the line to within one voxel. The steps of a flight of
-// stairs, and the layers of a slope, are walked on their slope.
+// Straight means straight in space. The squares that a piece crosses in plan (where it passes exactly through a corner, the next one lies
+// across) hold voxels that are each a step from the one before, from end to end; and each of these lies at most one voxel above or below
+// the piece, compared where it crosses the middle of the voxel's column (x), or row (y) when the piece runs mainly along y. So the steps
+// of a flight of stairs, and the layers of a slope, are walked on their slope.
 #pragma once
 
 #include "PathModel.h"
 #include "TraversableGraph.h"
 
 namespace brix {
+
+struct TravelLabel;
 
 /// Immutable once made. Needs the path model only while it is made.
 class DistanceField
@@ -25,13 +29,27 @@ public:
     /// `maxDistance`  base units: what is farther counts as unreachable; any large number for no limit
     /// Throws std::domain_error when there is no source, when none remains, and when the distance is negative, in this order.
     ///
-    /// Method: any-angle search. Voxels are settled in the order of distance, in buckets of half a voxel's width; each knows the voxel
-    /// where its way bends last and offers it to the eight around, which take it when they see it, else the way by way of the
-    /// neighbour. A line from a bend is free when the two voxels are in sight that it passes between in the column before: the strip
-    /// between two such lines is narrower than a voxel. Where only one of them is, it knows the obstacle that hides the other.
-    /// Distances are never below those of the shortest way of straight pieces from centre to centre; on open floor they are exact;
-    /// around corners within 2 % (in plans of nothing but random obstacles, one voxel of some millions misses that by 1 %).
-    /// Cost: about half a microsecond a voxel; 41 bytes a voxel kept and 37 more meanwhile, none for others.
+    /// A limit cuts the field: what is told with a limit is what is told without one, and -1 where that is more than the limit.
+    ///
+    /// Method: any-angle search. Voxels are settled in the order of distance; each knows the voxel where its way bends last and offers it
+    /// to the eight around, which take it when they see it, else the way by way of the neighbour. Offers go on until none shortens a
+    /// way (DistanceSearch.h, SightLines.h). Of the distances, for certain:
+    /// - none is below the shortest way of straight pieces, and none above the shortest way of steps;
+    /// - two voxels a step apart differ by no more than that step; there and back both lie between those two ways;
+    /// - on open level floor they are exact.
+    /// Against all ways of straight pieces, on random ground of up to 15 x 15 squares and voxels at most twice as high as wide:
+    ///
+    ///                                  too long on average     at worst
+    ///     plans with obstacles                     0.013 %        1.4 %
+    ///     flights of stairs                        0.024 %        3.2 %
+    ///     slopes                                   0.015 %        8.9 %
+    ///     hills with noise                         0.14  %       23   %
+    ///     floors full of kerbs and pits            0.04  %       20   %
+    ///
+    /// With higher voxels a straight piece over a kerb saves a climb of many widths, and a search that misses one is that much too long.
+    /// Really shortest ways bend at the corners of walls, these at centres of voxels: around the end of a wall one voxel thick they are
+    /// up to 4.9 % longer on a floor of 16 x 16 voxels, and 1.5 % on 64 x 64.
+    /// Cost: a fraction of a microsecond a voxel, some microseconds on uneven ground; 40 bytes a voxel kept and 45 more meanwhile.
     DistanceField(const PathModel& pathModel, const std::vector<std::array<std::int64_t, 3>>& sources, std::int64_t maxDistance);
 
     /// The frame, and the bounds of the path model's traversable voxels, at its level.
@@ -66,6 +84,7 @@ private:
 
     bool IsReached(Index voxel) const { return bends_[voxel] != TraversableGraph::None; }
     std::int64_t Rounded(Index voxel) const { return static_cast<std::int64_t>(distances_[voxel] + 0.5); }
+    void TakeLabels(const std::vector<TravelLabel>& labels, std::int64_t maxDistance);
     Index FindReached(const Triple& point) const; // None where nothing is reached
 
     TraversableGraph graph_;

@@ -1,5 +1,9 @@
-// The straight way between two traversable voxels: all voxels whose squares the line between the two centres crosses in plan, one step
-// after the other. Where it passes exactly through a corner of squares the step is diagonal.
+// What a straight piece of a way is: a line from the centre of a traversable voxel to that of another, walked square by square.
+//
+//     . . . . b       In plan the line crosses squares, one beside the other; where it passes exactly through a corner of squares, the
+//     . . + + +       next one lies across. Each must hold a voxel that a step leads to from the one before, and the last one is b.
+//     a + + . .       Each lies at most one voxel above or below the line: compared where the line crosses the middle of the voxel's
+//                     column, or of its row when the line runs mainly along y.
 #pragma once
 
 #include "TraversableGraph.h"
@@ -17,86 +21,88 @@ public:
         : graph_(graph),
           to_(to),
           here_(from),
-          from_(graph.VoxelIndices(from)),
-          delta_(Minus(graph.VoxelIndices(to), from_)),
-          size_{std::abs(delta_[0]), std::abs(delta_[1])},
-          along_(delta_[0] < 0 ? TraversableGraph::West : TraversableGraph::East),
-          across_(delta_[1] < 0 ? TraversableGraph::South : TraversableGraph::North),
-          isMainlyX_(size_[0] >= size_[1])
+          fromZ_(graph.Z(from)),
+          rise_(std::int64_t{graph.Z(to)} - fromZ_),
+          sizeX_(std::abs(std::int64_t{graph.X(to)} - graph.X(from))),
+          sizeY_(std::abs(std::int64_t{graph.Y(to)} - graph.Y(from))),
+          alongX_(graph.X(to) < graph.X(from) ? TraversableGraph::West : TraversableGraph::East),
+          alongY_(graph.Y(to) < graph.Y(from) ? TraversableGraph::South : TraversableGraph::North)
     {}
 
     Index Here() const { return here_; }
     bool IsAtEnd() const { return here_ == to_; }
-    bool IsInLastColumn() const { return steps_[0] == size_[0] && steps_[1] == size_[1]; }
+    bool IsInLastColumn() const { return stepsX_ == sizeX_ && stepsY_ == sizeY_; }
 
     /// The greater of both extents of the line in plan, and the steps taken along that axis.
-    std::int64_t Length() const { return isMainlyX_ ? size_[0] : size_[1]; }
-    std::int64_t Steps() const { return isMainlyX_ ? steps_[0] : steps_[1]; }
+    std::int64_t Length() const { return std::max(sizeX_, sizeY_); }
+    std::int64_t Steps() const { return sizeX_ >= sizeY_ ? stepsX_ : stepsY_; }
 
-    /// One step on. Returns whether the ground is there; when it is not, the walk is over. Not to be called in the last column.
+    /// One step on. Returns whether the ground is there; when it is not, the walk is over. Not to be called in the last column. Where
+    /// a step leads to several voxels of a column (in a low room), it takes the one nearest to the line, the lower one of two.
     bool Advance()
     {
         // the next border across x is crossed before, at or after the next one across y
-        const std::int64_t order = (2 * steps_[0] + 1) * size_[1] - (2 * steps_[1] + 1) * size_[0];
-        const Index before = here_;
-        if (order < 0) {
-            ++steps_[0];
-            here_ = graph_.Beside(before, along_, Height());
-        } else if (order > 0) {
-            ++steps_[1];
-            here_ = graph_.Beside(before, across_, Height());
+        const std::int64_t order = (2 * stepsX_ + 1) * sizeY_ - (2 * stepsY_ + 1) * sizeX_;
+        stepsX_ += order <= 0;
+        stepsY_ += order >= 0;
+        if (order != 0) {
+            here_ = Beside(here_, order < 0 ? alongX_ : alongY_);
         } else {
-            ++steps_[0];
-            ++steps_[1];
-            here_ = Diagonal(before, along_, across_);
-            if (here_ == TraversableGraph::None) here_ = Diagonal(before, across_, along_);
+            const Index diagonal = Diagonal(alongX_, alongY_);
+            here_ = diagonal != TraversableGraph::None ? diagonal : Diagonal(alongY_, alongX_);
         }
         return here_ != TraversableGraph::None;
     }
+
+    /// Whether the voxel lies at most one above or below the line.
+    bool IsNearLine() const { return std::abs((graph_.Z(here_) - fromZ_) * Length() - rise_ * Steps()) <= Length(); }
 
     /// The voxel on the other side of the line, beside this one, where the line passes between the centres of two squares of a row
     /// across the main axis; this voxel itself where it passes through the centre; None where there is no ground.
     Index OtherSide() const
     {
-        const std::size_t minor = isMainlyX_ ? 1 : 0;
-        const std::int64_t passed = Steps() * size_[minor] - steps_[minor] * Length(); // beyond the centre, times Length()
+        const bool isMainlyX = sizeX_ >= sizeY_;
+        const std::int64_t passed = stepsX_ * sizeY_ - stepsY_ * sizeX_; // beyond the centre, times Length(), mainly along x
         if (passed == 0) return here_;
-        const TraversableGraph::Direction forth = isMainlyX_ ? across_ : along_;
-        return graph_.Beside(here_, passed > 0 ? forth : TraversableGraph::Opposite(forth), Height());
-    }
-
-    /// Whether the line passes nearer to the centre of OtherSide() than to this one's.
-    bool IsOtherNearer() const
-    {
-        const std::size_t minor = isMainlyX_ ? 1 : 0;
-        return 2 * std::abs(Steps() * size_[minor] - steps_[minor] * Length()) > Length();
+        const TraversableGraph::Direction forth = isMainlyX ? alongY_ : alongX_;
+        return Beside(here_, (passed > 0) == isMainlyX ? forth : TraversableGraph::Opposite(forth));
     }
 
 private:
-    // Of the line, in voxels.
-    double Height() const
+    Index Beside(Index voxel, TraversableGraph::Direction direction) const
     {
-        return static_cast<double>(from_[2]) + static_cast<double>(delta_[2] * Steps()) / static_cast<double>(Length());
+        return graph_.Beside(voxel, direction, fromZ_ * Length() + rise_ * Steps(), Length());
     }
 
-    Index Diagonal(Index voxel, TraversableGraph::Direction first, TraversableGraph::Direction second) const
+    Index Diagonal(TraversableGraph::Direction first, TraversableGraph::Direction second) const
     {
-        const Index beside = graph_.Beside(voxel, first, Height());
+        const Index beside = Beside(here_, first);
         if (beside == TraversableGraph::None) return TraversableGraph::None;
-        const Index diagonal = graph_.Beside(beside, second, Height());
-        return diagonal != TraversableGraph::None && graph_.IsStep(voxel, diagonal) ? diagonal : TraversableGraph::None;
+        const Index diagonal = Beside(beside, second);
+        return diagonal != TraversableGraph::None && graph_.IsStep(here_, diagonal) ? diagonal : TraversableGraph::None;
     }
 
     const TraversableGraph& graph_;
     Index to_;
     Index here_;
-    Triple from_;
-    Triple delta_;
-    std::array<std::int64_t, 2> size_;
-    std::array<std::int64_t, 2> steps_{}; // along x, along y
-    TraversableGraph::Direction along_;
-    TraversableGraph::Direction across_;
-    bool isMainlyX_;
+    std::int64_t fromZ_;
+    std::int64_t rise_;
+    std::int64_t sizeX_;
+    std::int64_t sizeY_;
+    std::int64_t stepsX_ = 0;
+    std::int64_t stepsY_ = 0;
+    TraversableGraph::Direction alongX_;
+    TraversableGraph::Direction alongY_;
 };
+
+/// Whether a straight piece leads from one voxel to another. Cost: the squares that the line crosses.
+inline bool IsStraightPiece(const TraversableGraph& graph, TraversableGraph::Index from, TraversableGraph::Index to)
+{
+    LineWalk walk(graph, from, to);
+    while (!walk.IsInLastColumn()) {
+        if (!walk.Advance() || !walk.IsNearLine()) return false;
+    }
+    return walk.IsAtEnd();
+}
 
 } // namespace brix

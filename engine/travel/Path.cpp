@@ -4,8 +4,6 @@
 #include "LineWalk.h"
 #include "VoxelPainter.h"
 
-#include <cassert>
-
 namespace brix {
 namespace {
 
@@ -19,13 +17,12 @@ Triple Cross(const Triple& a, const Triple& b)
 // Whether the middle one of three voxels may be left out. No way turns back on itself.
 bool IsStraight(const Triple& a, const Triple& b, const Triple& c) { return Cross(Minus(b, a), Minus(c, b)) == Triple{}; }
 
+// The search has walked every straight piece, or concluded for level ground that it can be walked.
 void AddVoxels(const TraversableGraph& graph, Index from, Index to, std::vector<Triple>& voxels)
 {
     LineWalk walk(graph, from, to);
     while (!walk.IsAtEnd()) {
-        const bool isThere = walk.Advance();
-        assert(isThere); // what was seen can be walked to
-        if (!isThere) return;
+        Require(walk.Advance(), "The way breaks off: the distance field is broken.");
         voxels.push_back(graph.VoxelIndices(walk.Here()));
     }
 }

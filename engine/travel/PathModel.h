@@ -24,6 +24,7 @@ public:
     /// layer above the environment's extents in the index space.
     PathModel(const VoxelModel<bool>& environment, std::int64_t voxelLOD, std::int64_t agentDiameterOffset,
               std::int64_t agentHeightOffset, bool autoAdjustExtents);
+    PathModel(const VoxelModel<bool>&& environment, std::int64_t, std::int64_t, std::int64_t, bool) = delete; // would be gone
 
     const VoxelModel<bool>& Environment() const { return *environment_; }
     std::int64_t VoxelLOD() const { return traversable_.FinestLOD(); }

@@ -27,40 +27,41 @@ public:
     };
     static constexpr Direction Opposite(Direction direction) { return static_cast<Direction>(direction ^ 2U); }
 
-    /// Of the filled voxels of a model at its finest level. 29 bytes per filled voxel; one pass over the stored layers and one over the
+    /// Of the filled voxels of a model at its finest level. 28 bytes per filled voxel; one pass over the stored layers and one over the
     /// voxels. Throws std::domain_error for 2^32 - 1 voxels or more.
     explicit TraversableGraph(const VoxelModel<bool>& traversable);
 
     /// The extents of the model, at its finest level.
     const Extents& ExtentsRef() const { return extents_; }
-    Index Size() const { return static_cast<Index>(places_.size()); }
+    Index Size() const { return static_cast<Index>(voxels_.size()); }
 
-    Triple VoxelIndices(Index voxel) const
-    {
-        const Place& place = places_[voxel];
-        return {place.x, place.y, place.z};
-    }
+    Triple VoxelIndices(Index voxel) const { return {voxels_[voxel].x, voxels_[voxel].y, voxels_[voxel].z}; }
+    std::int32_t X(Index voxel) const { return voxels_[voxel].x; }
+    std::int32_t Y(Index voxel) const { return voxels_[voxel].y; }
+    std::int32_t Z(Index voxel) const { return voxels_[voxel].z; }
 
     /// The number of a voxel, or None. Any indices may be asked for. Cost: a binary search in a row.
     Index Find(const Triple& voxelIndices) const;
 
-    /// Calls visit(voxel) for each voxel of the column beside that a step leads to: one, unless a body is a single voxel high.
+    /// Calls visit(voxel) for each voxel of the column beside that a step leads to: one, but in low rooms.
     template <class Visit> void ForEachBeside(Index voxel, Direction direction, const Visit& visit) const
     {
-        const Index first = links_[voxel][direction];
+        const Index first = voxels_[voxel].links[direction];
         if (first == None) return;
         visit(first);
         for (Index other = first + 1; hasLowRooms_ && IsAbove(other, first) && IsStep(voxel, other); ++other) visit(other);
     }
 
-    /// The voxel beside that a step leads to, the one nearest to a height where there are several; or None.
-    Index Beside(Index voxel, Direction direction, double height) const
+    /// The voxel beside that a step leads to; of several in a low room the one nearest to a height, given as numerator and (positive)
+    /// denominator, the lower one of two; or None.
+    Index Beside(Index voxel, Direction direction, std::int64_t numerator, std::int64_t denominator = 1) const
     {
-        const Index first = links_[voxel][direction];
-        return hasLowRooms_ && first != None ? NearestAbove(voxel, first, height) : first;
+        const Index first = voxels_[voxel].links[direction];
+        return hasLowRooms_ && first != None ? NearestAbove(voxel, first, numerator, denominator) : first;
     }
 
-    /// Calls visit(voxel) for each voxel of the diagonal column, `along` and then `across`, that a step leads to. It may come twice.
+    /// Calls visit(voxel) for each voxel of the diagonal column, `along` and then `across`, that a step leads to. In low rooms it may
+    /// come twice.
     template <class Visit> void ForEachDiagonal(Index voxel, Direction along, Direction across, const Visit& visit) const
     {
         bool found = false;
@@ -83,33 +84,29 @@ public:
         }
     }
 
-    /// Whether a column beside holds a voxel two or three voxels higher or lower: a step too far, on the flank of a flight of stairs.
-    bool IsAtRim(Index voxel) const { return isAtRim_[voxel]; }
-
     /// Whether two voxels are at most one voxel apart in height.
-    bool IsStep(Index a, Index b) const { return places_[a].z - places_[b].z <= 1 && places_[b].z - places_[a].z <= 1; }
+    bool IsStep(Index a, Index b) const { return voxels_[a].z - voxels_[b].z <= 1 && voxels_[b].z - voxels_[a].z <= 1; }
 
 private:
-    struct Place
+    struct Voxel
     {
         std::int32_t x, y, z;
+        std::array<Index, 4> links; // the lowest voxel of each column beside that a step leads to
     };
 
     bool IsAbove(Index voxel, Index other) const
     {
-        return voxel < Size() && places_[voxel].x == places_[other].x && places_[voxel].y == places_[other].y;
+        return voxel < Size() && voxels_[voxel].x == voxels_[other].x && voxels_[voxel].y == voxels_[other].y;
     }
 
-    Index NearestAbove(Index voxel, Index first, double height) const;
+    Index NearestAbove(Index voxel, Index first, std::int64_t numerator, std::int64_t denominator) const;
     void AddRows(const VoxelModel<bool>& traversable);
-    void LinkRows(Direction direction, std::int64_t y);
-    void LinkColumns(Direction direction, Index voxel, Index& other, Index end);
+    void FindLowRooms(Index first);
+    void LinkRow(Direction direction, Index begin, Index end, Index other, Index otherEnd);
 
     Extents extents_;
-    std::vector<Place> places_;
-    std::vector<Index> rowStarts_;            // the first voxel of every y of the extents, and the end
-    std::vector<std::array<Index, 4>> links_; // the lowest voxel of each column beside that a step leads to
-    std::vector<std::uint8_t> isAtRim_;
+    std::vector<Voxel> voxels_;
+    std::vector<Index> rowStarts_; // the first voxel of every y of the extents, and the end
     bool hasLowRooms_ = false; // whether a column holds voxels less than three voxels apart, so that a step may lead to several
 };
 

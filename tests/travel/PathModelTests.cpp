@@ -77,15 +77,11 @@ TEST(PathModel, EqualsTheVoxelByVoxelDefinition)
     EXPECT_GT(places, 1000); // the random environments leave room to stand
 }
 
-TEST(PathModel, TellsWhatItWasMadeFrom)
-{
-    const RandomModel environment = MakeRandomModel(3);
-    const PathModel path(environment.voxels, 0, 2, 3, false);
-    EXPECT_EQ(&path.Environment(), &environment.voxels);
-    EXPECT_EQ(path.VoxelLOD(), 0);
-    EXPECT_EQ(path.AgentDiameterOffset(), 2);
-    EXPECT_EQ(path.AgentHeightOffset(), 3);
-}
+// A path model refers to its environment, so that none may be a temporary.
+static_assert(std::is_constructible_v<PathModel, VoxelModel<bool>&, int, int, int, bool> &&
+              std::is_constructible_v<PathModel, const VoxelModel<bool>&, int, int, int, bool> &&
+              !std::is_constructible_v<PathModel, VoxelModel<bool>, int, int, int, bool> &&
+              !std::is_constructible_v<PathModel, const VoxelModel<bool>, int, int, int, bool>);
 
 TEST(PathModel, ReportsTheFirstArgumentThatBreaksItsRule)
 {

@@ -1,13 +1,14 @@
-// What walking means, written from the definitions and voxel by voxel: steps, what they reach, lines of sight and shortest ways in
-// plans, where the shortest way bends at centres of voxels only.
+// What walking means, written from the definitions and voxel by voxel: steps, what they reach, straight pieces, and the shortest ways of
+// them; and random ground to walk on.
 #pragma once
 
+#include "support/Random.h"
 #include "support/ReferenceModel.h"
 #include "travel/PathModel.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
-#include <map>
 #include <set>
 #include <string>
 
@@ -18,7 +19,8 @@ inline constexpr std::int64_t NoLimit = std::numeric_limits<std::int64_t>::max()
 /// The ground that one can stand on.
 struct Ground
 {
-    explicit Ground(const PathModel& path) : model(path.TraversableVoxels(), path.VoxelLOD())
+    explicit Ground(const PathModel& path) : Ground(path.TraversableVoxels()) {}
+    explicit Ground(const VoxelModel<bool>& traversable) : model(traversable, traversable.FinestLOD())
     {
         model.ForEachVoxel([&](const Triple& voxel) {
             if (model.Value(voxel)) voxels.push_back(voxel);
@@ -63,50 +65,79 @@ struct Ground
         return reached;
     }
 
-    /// In a plan: whether the line between two centres crosses the inside of no blocked square, and passes no corner where blocked
-    /// squares meet on both sides.
-    bool Sees(const Triple& a, const Triple& b) const
+    /// The squares whose inside the line between two centres crosses in plan, in this order.
+    static std::vector<Triple> Squares(const Triple& a, const Triple& b)
     {
+        const Triple line = Minus(b, a);
+        std::vector<Triple> squares;
         const Triple lower = Lowest(a, b);
         const Triple upper = Highest(a, b);
-        const auto side = [&](std::int64_t x, std::int64_t y) { // of a point in half voxels
-            return (b[0] - a[0]) * (y - 2 * a[1]) - (b[1] - a[1]) * (x - 2 * a[0]);
-        };
-        for (std::int64_t y = lower[1]; y <= upper[1]; ++y) {
-            for (std::int64_t x = lower[0]; x <= upper[0]; ++x) {
-                const bool isFree = model.Value({x, y, a[2]});
-                const std::array corners{side(2 * x - 1, 2 * y - 1), side(2 * x + 1, 2 * y - 1), side(2 * x - 1, 2 * y + 1),
-                                         side(2 * x + 1, 2 * y + 1)};
-                const auto [least, most] = std::minmax_element(corners.begin(), corners.end());
-                if (!isFree && *least < 0 && *most > 0) return false;
-                if (x == upper[0] || y == upper[1] || corners[3] != 0) continue;
-                const bool rises = (b[0] > a[0]) == (b[1] > a[1]);
-                const Triple one{rises ? x + 1 : x, y, a[2]};
-                const Triple other{rises ? x : x + 1, y + 1, a[2]};
-                if (!model.Value(one) && !model.Value(other)) return false;
+        ForEachTriple({lower[0], lower[1], 0}, {upper[0], upper[1], 0}, [&](const Triple& square) {
+            std::set<bool> sides; // of corners, in half voxels
+            for (const Triple& corner : {Triple{-1, -1, 0}, Triple{1, -1, 0}, Triple{-1, 1, 0}, Triple{1, 1, 0}}) {
+                const std::int64_t side =
+                    line[0] * (2 * (square[1] - a[1]) + corner[1]) - line[1] * (2 * (square[0] - a[0]) + corner[0]);
+                if (side != 0) sides.insert(side > 0);
             }
-        }
-        return true;
+            if (sides.size() == 2) squares.push_back(square);
+        });
+        const auto along = [&](const Triple& square) { return square[0] * line[0] + square[1] * line[1]; };
+        std::sort(squares.begin(), squares.end(), [&](const Triple& p, const Triple& q) { return along(p) < along(q); });
+        return squares;
     }
 
-    /// In a plan: the lengths of the shortest ways, in voxels; by a visibility graph of all voxels.
-    std::map<Triple, double> ShortestWays(const Triple& from) const
+    /// The voxels that a straight piece leads over, both ends included; none where there is no such piece.
+    std::vector<Triple> StraightPiece(const Triple& a, const Triple& b) const
     {
-        std::map<Triple, double> settled;
-        std::map<Triple, double> open{{from, 0}};
-        while (!open.empty()) {
-            const auto next = std::min_element(open.begin(), open.end(), [](auto& a, auto& b) { return a.second < b.second; });
-            const auto [voxel, distance] = *next;
-            settled.insert(*next);
-            open.erase(next);
-            for (const Triple& to : voxels) {
-                if (settled.count(to) != 0) continue;
-                const double length = distance + std::hypot(to[0] - voxel[0], to[1] - voxel[1]);
-                const auto known = open.find(to);
-                if ((known == open.end() || length < known->second) && Sees(voxel, to)) open[to] = length;
+        const std::size_t axis = std::abs(b[0] - a[0]) >= std::abs(b[1] - a[1]) ? 0 : 1;
+        const std::int64_t length = std::abs(b[axis] - a[axis]);
+        std::vector<Triple> walked;
+        for (const Triple& square : Squares(a, b)) {
+            const std::int64_t height = a[2] * length + (b[2] - a[2]) * std::abs(square[axis] - a[axis]); // times the length
+            const auto offLine = [&](std::int64_t z) { return std::abs(z * length - height); };
+            std::int64_t nearest = std::numeric_limits<std::int64_t>::max();
+            const std::int64_t z = walked.empty() ? a[2] : walked.back()[2];
+            for (const std::int64_t candidate : {z - 1, z, z + 1}) {
+                const Triple voxel{square[0], square[1], candidate};
+                if (!walked.empty() && !IsStep(walked.back(), voxel)) continue;
+                if (nearest == std::numeric_limits<std::int64_t>::max() || offLine(candidate) < offLine(nearest))
+                    nearest = candidate;
+            }
+            if (walked.empty()) nearest = a[2];
+            if (nearest == std::numeric_limits<std::int64_t>::max() || offLine(nearest) > length) return {};
+            walked.push_back({square[0], square[1], nearest});
+        }
+        return !walked.empty() && walked.back() == b ? walked : std::vector<Triple>{};
+    }
+
+    double Length(const Triple& a, const Triple& b) const
+    {
+        const Triple size = model.AxesRef().VoxelSize(model.VoxelLOD());
+        return std::hypot((a[0] - b[0]) * size[0], (a[1] - b[1]) * size[1], (a[2] - b[2]) * size[2]);
+    }
+
+    /// The lengths in base units of the shortest ways of straight pieces, voxel by voxel of `voxels`, infinite where there is none: by a
+    /// visibility graph of all voxels.
+    std::vector<double> ShortestWays(const Triple& from) const
+    {
+        std::vector<double> lengths(voxels.size(), std::numeric_limits<double>::infinity());
+        std::vector<bool> isSettled(voxels.size(), false);
+        for (std::size_t i = 0; i < voxels.size(); ++i) {
+            if (voxels[i] == from) lengths[i] = 0;
+        }
+        for (std::size_t round = 0; round < voxels.size(); ++round) {
+            std::size_t next = voxels.size();
+            for (std::size_t i = 0; i < voxels.size(); ++i) {
+                if (!isSettled[i] && (next == voxels.size() || lengths[i] < lengths[next])) next = i;
+            }
+            if (std::isinf(lengths[next])) break;
+            isSettled[next] = true;
+            for (std::size_t i = 0; i < voxels.size(); ++i) {
+                const double length = lengths[next] + Length(voxels[next], voxels[i]);
+                if (length < lengths[i] && !StraightPiece(voxels[next], voxels[i]).empty()) lengths[i] = length;
             }
         }
-        return settled;
+        return lengths;
     }
 
     ReferenceModel model;
@@ -129,6 +160,84 @@ inline ReferenceModel DrawnPlan(const Axes& axes, const std::string& drawing)
     return plan.Where([&](const Triple& v) {
         return rows[static_cast<std::size_t>(height - 1 - v[1])][static_cast<std::size_t>(v[0])] == '#';
     });
+}
+
+/// Ground to walk on: solid matter up to a height above every square, and one kind of obstacle.
+enum class Terrain
+{
+    Flat,    // a plan of one layer with obstacles, noise or blocks
+    Flights, // flights of stairs between storeys, with or without walls beside them
+    Slopes,  // planes that rise by up to a voxel a square, cut into layers
+    Hills,   // waves and noise, with a roof over part of them that one can stand on
+    Kerbs    // floors with islands and pits one or two voxels high
+};
+
+inline constexpr std::array AllTerrains{Terrain::Flat, Terrain::Flights, Terrain::Slopes, Terrain::Hills, Terrain::Kerbs};
+
+struct RandomGround
+{
+    Terrain terrain;
+    std::uint64_t seed;
+    VoxelModel<bool> environment;
+    std::int64_t agentHeight;
+};
+
+namespace detail {
+
+inline std::int64_t HeightOf(Terrain terrain, Random random, const Triple& v) // the same random numbers for every square
+{
+    const std::int64_t a = random.Between(-8, 8);
+    const std::int64_t b = random.Between(-8, 8);
+    const std::int64_t c = random.Between(3, 9);
+    const bool hasWalls = random.OneIn(2);
+    Random noise(random.Bits() ^ static_cast<std::uint64_t>(100 * v[1] + v[0] + 1000000));
+    switch (terrain) {
+    case Terrain::Slopes:
+        return 9 + FloorDivide(a * v[0] + b * v[1] + c, 8);
+    case Terrain::Hills:
+        return 8 + static_cast<std::int64_t>(std::floor(3 * std::sin(0.1 * static_cast<double>(a * v[0] + b * v[1])))) +
+               (c > 6 ? noise.Between(0, 1) : 0);
+    case Terrain::Kerbs:
+        return 3 + (noise.OneIn(c) ? noise.Between(-1, 2) : 0);
+    case Terrain::Flights: { // a floor, a flight along x with treads of one to three squares, the storey above it
+        const std::int64_t tread = 1 + c % 3;
+        const bool isFlight = std::abs(v[1] + 1) <= 1 + c % 2;
+        const bool isWall = hasWalls && std::abs(v[1] + 1) == 2 + c % 2 && 0 <= v[0] && v[0] < 5 * tread;
+        return isWall             ? 16
+               : isFlight         ? 2 + std::clamp<std::int64_t>(FloorDivide(v[0], tread) + 1, 0, 5)
+               : v[0] < 5 * tread ? 2
+                                  : 7;
+    }
+    default:
+        return 0;
+    }
+}
+
+} // namespace detail
+
+/// Random in all else, also in the frame, the level and so the shape of voxels: up to 32 times as high as wide, or as wide as high.
+inline RandomGround MakeRandomGround(Terrain terrain, std::uint64_t seed)
+{
+    Random random(seed);
+    const bool isPlan = terrain == Terrain::Flat;
+    const std::int64_t lod = random.OneIn(2) ? 0 : random.Between(0, 5);
+    const Axes axes(1, {0.3, 0, 0}, random.OneIn(2) ? 0 : 30, random.OneIn(2) ? lod : random.Between(0, 5));
+    const Triple lower{random.Between(-8, 0), random.Between(-8, -2), 0};
+    const Triple size{random.Between(3, 14), random.Between(3, 14), isPlan ? 0 : 20};
+    const Extents extents(axes, lower, Plus(lower, size), lod);
+    const std::int64_t roof = random.Between(12, 16);
+    const std::int64_t share = random.Between(0, 40); // of obstacles, in percent
+    const std::int64_t block = random.OneIn(2) ? 1 : random.Between(2, 5);
+    ReferenceModel solid = ReferenceModel(extents, lod, lod).Where([&](const Triple& v) {
+        if (!IsWithin(v, lower, Plus(lower, size))) return isPlan;
+        const bool isRoof = terrain == Terrain::Hills && v[2] == roof && v[0] % 5 != 0;
+        return !isPlan && (v[2] <= detail::HeightOf(terrain, Random(seed), v) || isRoof);
+    });
+    for (std::int64_t i = share * size[0] * size[1] / (100 * block * block); isPlan && i > 0; --i) {
+        const Triple corner = Plus(lower, {random.Between(0, size[0]), random.Between(0, size[1]), 0});
+        ForEachTriple(corner, Plus(corner, {block - 1, block - 1, 0}), [&](const Triple& v) { solid.Set(v); });
+    }
+    return {terrain, seed, MakeModel(solid), isPlan ? 1 : random.Between(2, 4)};
 }
 
 } // namespace brix::tests

@@ -1,0 +1,180 @@
+#include "SightLines.h"
+
+namespace brix {
+namespace {
+
+// Whether direction a lies further to that side than b. Both are less than half a turn apart; nothing is beyond no direction.
+bool IsBeyond(const SightDirection& a, SightSide side, const SightDirection& b)
+{
+    const std::int64_t cross = std::int64_t{b.x} * a.y - std::int64_t{b.y} * a.x; // a to the left of b: positive
+    return side == Left ? cross > 0 : cross < 0;
+}
+
+bool IsDirection(const SightDirection& direction) { return direction.x != 0 || direction.y != 0; }
+
+using Step = TraversableGraph::Direction;
+
+// The way to the next voxel to a side of a line from the bend: across the main axis, from a diagonal towards the nearer axis.
+Step Beside(const SightDirection& line, SightSide turn)
+{
+    const SightDirection side = turn == Left ? SightDirection{-line.y, line.x} : SightDirection{line.y, -line.x};
+    const std::int32_t x = std::abs(line.x);
+    const std::int32_t y = std::abs(line.y);
+    const bool isAlongX = x < y || (x == y && (side.x < 0) == (line.x > 0));
+    if (isAlongX) return side.x > 0 ? TraversableGraph::East : TraversableGraph::West;
+    return side.y > 0 ? TraversableGraph::North : TraversableGraph::South;
+}
+
+// One step on, in half voxels.
+SightDirection Next(const SightDirection& direction, Step step)
+{
+    return {direction.x + 2 * ((step == TraversableGraph::East) - (step == TraversableGraph::West)),
+            direction.y + 2 * ((step == TraversableGraph::North) - (step == TraversableGraph::South))};
+}
+
+SightSide OtherSide(SightSide side) { return side == Left ? Right : Left; }
+
+void Tighten(Sight& sight, SightSide side, const SightDirection& limit, bool isKnown)
+{
+    if (IsDirection(sight.limits[side]) && !IsBeyond(sight.limits[side], side, limit)) return;
+    sight.limits[side] = limit;
+    sight.isKnown[side] = isKnown;
+}
+
+// The corner of a square around a centre that lies farthest from a side.
+SightDirection Corner(const SightDirection& centre, SightSide side)
+{
+    SightDirection corner{centre.x - 1, centre.y - 1};
+    for (const SightDirection& other : {SightDirection{centre.x + 1, centre.y - 1}, SightDirection{centre.x - 1, centre.y + 1},
+                                        SightDirection{centre.x + 1, centre.y + 1}}) {
+        if (IsBeyond(corner, side, other)) corner = other;
+    }
+    return corner;
+}
+
+} // namespace
+
+bool SightLines::Sees(Index bend, Index voxel, Sight& sight) const
+{
+    if (IsAtHeight(bend, voxel)) {
+        const View view = LevelView(bend, voxel, sight);
+        if (view != View::Unknown) return view == View::Clear;
+    }
+    sight = Sight{};
+    const LineWalk walk(graph_, voxel, bend);
+    return walk.Length() <= UnevenReach && IsStraightPiece(graph_, voxel, bend);
+}
+
+// Walks from the voxel towards the bend until it is known whether the rest of the line is free.
+SightLines::View SightLines::LevelView(Index bend, Index voxel, Sight& sight) const
+{
+    const SightDirection line = DirectionOf(bend, voxel);
+    LineWalk walk(graph_, voxel, bend);
+    if (walk.IsInLastColumn()) return View::Unknown; // one above the other
+    sight = Sight{};
+    sight.isLevel = true;
+    std::int64_t steps = 0;
+    for (;;) {
+        if (!walk.Advance()) return View::Hidden;
+        if (!IsAtHeight(walk.Here(), bend)) return View::Unknown;
+        if (walk.IsInLastColumn()) break;
+        if (walk.Steps() != steps) { // not a step across the main axis
+            steps = walk.Steps();
+            const Pair pair = PairAt(walk, bend, line);
+            const View view = ViewBetween(line, pair);
+            if (view == View::Hidden) return view;
+            if (view == View::Clear) {
+                TakeLimits(sight, pair, bend);
+                break;
+            }
+            if (steps == 1) {
+                const View known = ViewFromBeside(bend, voxel, line, sight);
+                if (known == View::Hidden) return known;
+                if (known == View::Clear) break;
+            }
+        }
+        for (const SightSide side : {Left, Right})
+            LimitBeside(sight, side, walk.Here(), DirectionOf(bend, walk.Here()), Beside(line, side));
+    }
+    for (const SightSide side : {Left, Right}) {
+        const Step beside = Beside(line, side);
+        LimitBeside(sight, side, voxel, line, beside);
+        if (!IsBeyond(Next(line, beside), side, sight.limits[side])) sight.limits[side] = {}, sight.isKnown[side] = true;
+    }
+    return View::Clear;
+}
+
+// What a pair of voxels knows of the line between them.
+SightLines::View SightLines::ViewBetween(const SightDirection& line, const Pair& pair) const
+{
+    if (pair.seesLeft && pair.seesRight) return View::Clear;
+    if (!pair.seesLeft && !pair.seesRight) return View::Unknown;
+    return ViewBeside(line, pair.seesLeft ? pair.left : pair.right, pair.seesLeft ? Right : Left);
+}
+
+// What a voxel in sight knows of a line that passes it on a side, within a voxel.
+SightLines::View SightLines::ViewBeside(const SightDirection& line, Index seen, SightSide side) const
+{
+    const Sight& sight = labels_[seen].sight;
+    if (!IsBeyond(line, side, sight.limits[side])) return View::Clear;
+    return sight.isKnown[side] ? View::Hidden : View::Unknown;
+}
+
+// What the next voxels to both sides know of the line.
+SightLines::View SightLines::ViewFromBeside(Index bend, Index voxel, const SightDirection& line, Sight& sight) const
+{
+    for (const SightSide side : {Left, Right}) {
+        const Step beside = Beside(line, side);
+        const Index next = graph_.Beside(voxel, beside, graph_.Z(voxel));
+        if (next == TraversableGraph::None || !IsInLevelSight(bend, next)) continue;
+        if (Beside(Next(line, beside), OtherSide(side)) != TraversableGraph::Opposite(beside)) continue;
+        const View view = ViewBeside(line, next, OtherSide(side));
+        if (view == View::Clear) Tighten(sight, OtherSide(side), line, false); // nothing is known there
+        if (view != View::Unknown) return view;
+    }
+    return View::Unknown;
+}
+
+SightLines::Pair SightLines::PairAt(const LineWalk& walk, Index bend, const SightDirection& line) const
+{
+    const Index here = walk.Here();
+    const bool seesHere = IsInLevelSight(bend, here);
+    Index other = walk.OtherSide();
+    if (other == here) return {here, here, seesHere, seesHere};
+    if (other != TraversableGraph::None && !IsAtHeight(other, bend)) other = TraversableGraph::None;
+    const bool seesOther = other != TraversableGraph::None && IsInLevelSight(bend, other);
+    if (IsBeyond(DirectionOf(bend, here), Left, line)) return {here, other, seesHere, seesOther};
+    return {other, here, seesOther, seesHere};
+}
+
+bool SightLines::IsInLevelSight(Index bend, Index voxel) const
+{
+    return labels_[voxel].bend == bend && labels_[voxel].sight.isLevel;
+}
+
+SightDirection SightLines::DirectionOf(Index bend, Index voxel) const
+{
+    return {2 * (graph_.X(voxel) - graph_.X(bend)), 2 * (graph_.Y(voxel) - graph_.Y(bend))};
+}
+
+// What limits sight on a side behind two voxels, at least one of them in sight.
+void SightLines::TakeLimits(Sight& sight, const Pair& pair, Index bend) const
+{
+    for (const SightSide side : {Left, Right}) {
+        const bool seesSide = side == Left ? pair.seesLeft : pair.seesRight;
+        const Index beside = side == Left ? pair.left : pair.right;
+        const Sight& seen = labels_[seesSide ? beside : (side == Left ? pair.right : pair.left)].sight;
+        if (IsDirection(seen.limits[side])) Tighten(sight, side, seen.limits[side], seen.isKnown[side]);
+        if (!seesSide && beside != TraversableGraph::None) Tighten(sight, side, DirectionOf(bend, beside), false);
+    }
+}
+
+// Where the next voxel to a side is no level ground, it limits sight.
+void SightLines::LimitBeside(Sight& sight, SightSide side, Index voxel, const SightDirection& line, Step beside) const
+{
+    const Index next = graph_.Beside(voxel, beside, graph_.Z(voxel));
+    if (next != TraversableGraph::None && IsAtHeight(next, voxel)) return;
+    Tighten(sight, side, Corner(Next(line, beside), side), next == TraversableGraph::None);
+}
+
+} // namespace brix
