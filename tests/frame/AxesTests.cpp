@@ -22,20 +22,6 @@ constexpr double NotANumber = std::numeric_limits<double>::quiet_NaN();
 // World units are base units.
 Axes PlainAxes(std::int64_t verticalLOD = 0) { return Axes(40000, {0, 0, 0}, 0, verticalLOD); }
 
-TEST(Axes, RejectVerticalLevelsThatDoNotExist)
-{
-    const std::string rule = "The vertical level of detail for a set of axes ";
-    const std::vector<std::pair<std::int64_t, std::string>> cases{
-        {-1, "The vertical level of detail for a set of axes cannot be negative. The value encountered was -1."},
-        {Lowest64, rule + "cannot be negative. The value encountered was -9223372036854775808."},
-        {6, "The vertical level of detail for a set of axes must be less than 6. The value encountered was 6."},
-        {Highest64, rule + "must be less than 6. The value encountered was 9223372036854775807."},
-        {0, "(nothing was thrown)"},
-        {5, "(nothing was thrown)"},
-    };
-    for (const auto& [level, message] : cases) EXPECT_EQ(MessageOf([level = level] { PlainAxes(level); }), message);
-}
-
 TEST(Axes, GiveTheVoxelSizeOfEveryLevelInWorldUnits)
 {
     const Axes axes(0.8, {1, 2, 3}, 45, 2);

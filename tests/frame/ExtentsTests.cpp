@@ -147,15 +147,5 @@ TEST(Extents, RescaleOutwards)
     }
 }
 
-TEST(Extents, RejectRescalingToALevelThatDoesNotExist)
-{
-    const Extents extents(AxesWithVerticalLOD(0), {-25000, 0, 0}, {24999, 0, 0}, 0);
-    EXPECT_EQ(MessageOf([&] { extents.RescaledCopy(-1); }),
-              "The level of detail for a set of extents cannot be negative. The value encountered was -1.");
-    EXPECT_EQ(MessageOf([&] { extents.RescaledCopy(6); }),
-              "The level of detail for a set of extents must be less than 6. The value encountered was 6.");
-    for (const std::int64_t lod : {Lowest64, Highest64}) EXPECT_NE(MessageOf([&] { extents.RescaledCopy(lod); }), Accepted);
-}
-
 } // namespace
 } // namespace brix

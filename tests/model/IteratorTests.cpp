@@ -24,31 +24,6 @@ constexpr const char* VoxelOutside = "Attempt to operate on a voxel iterator tha
 
 VoxelModel<bool> SmallModel() { return VoxelModel<bool>(Extents(Axes(1, {0, 0, 0}, 0, 0), {-3, -3, 0}, {20, 20, 70}, 2), 2); }
 
-TEST(Iterators, RejectLevelsThatTheModelDoesNotHold)
-{
-    VoxelModel<bool> model = SmallModel();
-    const std::string rule = "The level of detail associated with an iterator ";
-    const std::string finest = ". The finest level of detail in the voxel model is 2.";
-    const std::vector<std::pair<std::int64_t, std::string>> cases{
-        {-1, "The level of detail associated with an iterator cannot be negative. The value encountered was -1."},
-        {Lowest64, rule + "cannot be negative. The value encountered was -9223372036854775808."},
-        {3, "The level of detail associated with an iterator must not exceed the finest level of detail in the voxel model. "
-            "The value encountered was 3. The finest level of detail in the voxel model is 2."},
-        {Highest64, rule +
-                        "must not exceed the finest level of detail in the voxel model. The value encountered was "
-                        "9223372036854775807" +
-                        finest},
-        {2, "(nothing was thrown)"},
-    };
-    for (const auto& [level, message] : cases) {
-        const std::int64_t lod = level;
-        EXPECT_EQ(MessageOf([&] { StackIterator(model, {0, 0, 0}, lod); }), message);
-        EXPECT_EQ(MessageOf([&] { StackIterator(model, lod); }), message);
-        EXPECT_EQ(MessageOf([&] { model.FindVoxel({Lowest64, 0, 0}, lod); }), message);
-        EXPECT_EQ(MessageOf([&] { ConstVoxelIterator(std::as_const(model), lod); }), message);
-    }
-}
-
 TEST(Iterators, RefuseToWorkOutsideTheModel)
 {
     VoxelModel<bool> model = SmallModel();

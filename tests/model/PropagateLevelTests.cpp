@@ -79,18 +79,6 @@ TEST(PropagateLevel, DoublesEveryLayerButTheLowest)
     EXPECT_EQ(VoxelsAtLevelOne({{3, 9, 0}, {3, 9, 1}, {3, 9, 3}}).size(), 12U) << "the lowest layer is two high";
 }
 
-TEST(PropagateLevel, RejectsLevelsThatTheModelDoesNotHold)
-{
-    VoxelModel<bool> model(Extents(Axes(1, {0, 0, 0}, 0, 0), {0, 0, 0}, {3, 3, 3}, 0), 2);
-    const std::string rule = "The level of detail for voxel model operations ";
-    EXPECT_EQ(MessageOf([&] { PropagateLevel(model, -1); }), rule + "cannot be negative. The value encountered was -1.");
-    EXPECT_EQ(MessageOf([&] { PropagateLevel(model, 3); }),
-              rule + "must not exceed the finest level of detail in the voxel model. The value encountered was 3. "
-                     "The finest level of detail in the voxel model is 2.");
-    EXPECT_THROW(PropagateLevel(model, std::numeric_limits<std::int64_t>::max()), std::domain_error);
-    EXPECT_THROW(PropagateLevel(model, std::numeric_limits<std::int64_t>::min()), std::domain_error);
-}
-
 // Where memory runs out, some levels are left behind, but every stack stays sound, so that the next propagation mends the model.
 TEST(PropagateLevel, CanBeRepeatedAfterMemoryRanOut)
 {

@@ -39,6 +39,8 @@ bool Edit(Random& random, Stack& stack, Heights& heights)
     switch (random.Between(0, 6)) {
     case 0:
         stack.Decompress();
+        EXPECT_TRUE(stack.IsFullyDecompressed());
+        EXPECT_EQ(stack.LayerID(37), 37);
         return false;
     case 1:
         stack.Compress();
@@ -111,20 +113,6 @@ TEST(VoxelStack, TakesAPointerAndNoMemoryWhileItIsEmpty)
     stack.Compress();
     EXPECT_TRUE(stack == copy);
     EXPECT_EQ(CanonicalFault(stack), "");
-}
-
-TEST(VoxelStack, SplitsLayersOnlyWhereAsked)
-{
-    Stack stack = MakeStack(Heights{});
-    EXPECT_EQ(stack.IsolateLevel(0, true, false), 0) << "a layer already starts there";
-    EXPECT_EQ(stack.IsolateLevel(63, false, true), 0) << "a layer already ends there";
-    EXPECT_EQ(stack.LayerCount(), 1);
-    EXPECT_EQ(stack.IsolateLevel(20, true, true), 1);
-    EXPECT_EQ(std::vector<std::uint8_t>(stack.LayerOffsets().begin(), stack.LayerOffsets().end()),
-              (std::vector<std::uint8_t>{0, 20, 21}));
-    stack.Decompress();
-    EXPECT_TRUE(stack.IsFullyDecompressed());
-    EXPECT_EQ(stack.LayerID(37), 37);
 }
 
 TEST(VoxelStack, CopiesAreDeepAndMovesLeaveNothingBehind)

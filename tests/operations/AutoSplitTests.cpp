@@ -35,13 +35,6 @@ ReferenceModel TakeRegion(ReferenceModel& model, const Triple& first)
     return region;
 }
 
-// What voxels are sorted by: chunk, stack, then height, row and column.
-std::array<std::int64_t, 8> OrderOf(const Triple& voxel, std::int64_t lod)
-{
-    const Triple chunk = ChunkOfVoxel(voxel, lod);
-    return {chunk[2], chunk[1], chunk[0], StackOfVoxel(voxel)[1], StackOfVoxel(voxel)[0], voxel[2], voxel[1], voxel[0]};
-}
-
 std::vector<ReferenceModel> Split(ReferenceModel model)
 {
     std::vector<Triple> voxels;

@@ -7,7 +7,6 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <limits>
 
 namespace brix {
@@ -147,25 +146,6 @@ TEST(BasicOperations, NameTheArgumentThatTheyReject)
                   Resize(model, Extents(Axes(1, {0, 0, 0}, 90, 0), {0, 0, 0}, {3, 3, 3}, 2));
               }),
               "The axes of the new extents cannot differ from the axes of the voxel model to be resized.");
-    EXPECT_EQ(MessageOf([&] { Refine(model, -1); }),
-              "The level of detail for voxel model refinement cannot be negative. The value encountered was -1.");
-    EXPECT_EQ(MessageOf([&] { Refine(model, 6); }),
-              "The level of detail for voxel model refinement must be less than 6. The value encountered was 6.");
-
-    const std::vector<std::function<void(std::int64_t)>> queries{
-        [&](std::int64_t lod) { CountFilled(model, lod); },
-        [&](std::int64_t lod) { IsEmpty(model, lod); },
-        [&](std::int64_t lod) { IsFull(model, lod); },
-    };
-    for (const auto& query : queries) {
-        EXPECT_EQ(MessageOf([&] { query(-1); }),
-                  "The level of detail for voxel model operations cannot be negative. The value encountered was -1.");
-        EXPECT_EQ(MessageOf([&] { query(3); }),
-                  "The level of detail for voxel model operations must not exceed the finest level of detail in the voxel model. "
-                  "The value encountered was 3. The finest level of detail in the voxel model is 2.");
-        EXPECT_THROW(query(Largest), std::domain_error);
-        EXPECT_THROW(query(Smallest), std::domain_error);
-    }
 }
 
 TEST(BasicOperations, RejectArgumentsOfAnySize)

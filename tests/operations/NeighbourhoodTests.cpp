@@ -88,30 +88,6 @@ TEST(GrowWhere, FillsVoxelsWithEnoughNeighbours)
     EXPECT_EQ(GrowWhere(here, Alone(here), below, below, {1, 2}), Picture(".##... .##... ......"));
 }
 
-TEST(ShrinkWhere, EmptiesVoxelsWithEnoughEmptyNeighbours)
-{
-    const Plate block = Picture("...... .####. .####. .###..");
-    EXPECT_EQ(ShrinkWhere(block, Alone(block), 1), Picture("...... ...... ..##.. ......"));
-    EXPECT_EQ(ShrinkWhere(block, Alone(block), 2), Picture("...... ..##.. .###.. ..#..."));
-    EXPECT_EQ(ShrinkWhere(block, Alone(block), 3), block);
-
-    const Plate lower = Picture("...... .####. .####.");
-    EXPECT_EQ(ShrinkWhere(block, Alone(block), lower, {}, {1, 2}), Picture("...... .####. .####. ......"));
-    EXPECT_EQ(ShrinkWhere(block, Alone(block), lower, {}, {1, 1}), Picture("...... ...... ..##.. ......"));
-    EXPECT_EQ(ShrinkWhere(block, Alone(block), lower, FilledPlate(), {0, 1}), Picture("...... .####. .####. ......"));
-}
-
-TEST(HorizontalNeighbours, AreTakenFromThePlatesBeside)
-{
-    const Plate lastColumn = Box({15, 2}, {15, 2});
-    const Plate firstColumn = Box({0, 3}, {0, 3});
-    const Plate lastRow = Box({4, 15}, {4, 15});
-    const Plate firstRow = Box({5, 0}, {5, 0});
-    const HorizontalNeighbours beside({}, lastColumn, firstColumn, lastRow, firstRow);
-    EXPECT_EQ(beside.Filled(1), Box({0, 2}, {0, 2}) | Box({15, 3}, {15, 3}) | Box({4, 0}, {4, 0}) | Box({5, 15}, {5, 15}));
-    EXPECT_EQ(beside.Empty(4), ~beside.Filled(1));
-}
-
 // A level on which a pass runs, and what it must become.
 struct PassCase
 {

@@ -76,18 +76,5 @@ TEST(SliceRows, AreFalseBesideTheModel)
     EXPECT_EQ(RowsAtSliceZIndex(model, 0, 3, false, false), Rows(9, std::vector<bool>(7, true)));
 }
 
-TEST(SliceRows, RejectLevelsThatTheModelDoesNotHold)
-{
-    const VoxelModel<bool> model(Extents(Axes(1, {0, 0, 0}, 0, 0), {0, 0, 0}, {3, 3, 3}, 2), 2);
-    for (const Slicing& slicing : Slicings) {
-        const auto message = [&](std::int64_t lod) { return MessageOf([&] { slicing.slice(model, 0, lod, false, false); }); };
-        EXPECT_EQ(message(-1), "The level of detail for row data retrieval cannot be negative. The value encountered was -1.");
-        EXPECT_EQ(message(3),
-                  "The level of detail for row data retrieval must not exceed the finest level of detail in the voxel "
-                  "model. The value encountered was 3. The finest level of detail in the voxel model is 2.");
-        EXPECT_EQ(message(2), "(nothing was thrown)");
-    }
-}
-
 } // namespace
 } // namespace brix

@@ -130,6 +130,12 @@ void WriteLevel(VoxelModel<bool>& model, const ReferenceModel& reference)
     });
 }
 
+std::array<std::int64_t, 8> OrderOf(const Triple& voxel, std::int64_t lod)
+{
+    const Triple chunk = ChunkOfVoxel(voxel, lod);
+    return {chunk[2], chunk[1], chunk[0], FloorDivide(voxel[1], 16), FloorDivide(voxel[0], 16), voxel[2], voxel[1], voxel[0]};
+}
+
 VoxelModel<bool> MakeModel(const ReferenceModel& reference)
 {
     VoxelModel<bool> model(reference.FinestExtentsRef(), reference.FinestLOD());

@@ -83,6 +83,9 @@ private:
     std::vector<std::uint8_t> filled_;
 };
 
+/// What voxels are sorted by: chunk, stack, then height, row and column.
+std::array<std::int64_t, 8> OrderOf(const Triple& voxel, std::int64_t lod);
+
 /// A voxel model with this content, written by stack edits at the reference's level and propagated to all others.
 VoxelModel<bool> MakeModel(const ReferenceModel& reference);
 

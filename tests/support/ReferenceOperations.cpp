@@ -254,20 +254,25 @@ int CountStacked(const ReferenceModel& model, const Triple& voxel)
     return model.Value(Minus(voxel, {0, 0, 1})) + model.Value(Plus(voxel, {0, 0, 1}));
 }
 
+// From the last pass to the first. Every second voxel of the diameter is a step to all sides. A pass that fills corners stands behind the
+// last step (even diameters) or before it (odd ones), and before each further pair of steps that has at least two in front of it.
 std::vector<int> DiscSteps(int diameter)
 {
-    const std::vector<std::vector<int>> small{{}, {}, {2}, {1}, {1, 2}};
-    if (diameter < 5) return small[static_cast<std::size_t>(diameter)];
-    std::vector<int> steps;
-    const auto append = [&](std::initializer_list<int> more) { steps.insert(steps.end(), more); };
-    if ((diameter - 5) % 4 == 0 || (diameter - 5) % 4 == 1) append({1});
-    if (diameter >= 7) append({1, 1});
-    for (int group = 0; diameter >= 11 && group < (diameter - 7) / 4; ++group) append({2, 1, 1});
-    if (diameter % 2 != 0)
-        append({2, 1});
-    else
-        append({1, 2});
-    return steps;
+    std::vector<int> backwards;
+    int left = (diameter - 1) / 2;
+    const auto step = [&](int count) {
+        for (; count > 0 && left > 0; --count, --left) backwards.push_back(1);
+    };
+    const bool isEven = diameter % 2 == 0;
+    if (isEven) backwards.push_back(2);
+    step(1);
+    if (!isEven && left > 0) backwards.push_back(2);
+    while (left >= 4) {
+        step(2);
+        backwards.push_back(2);
+    }
+    step(left);
+    return {backwards.rbegin(), backwards.rend()};
 }
 
 ReferenceModel ExpandAlong(Axis axis, const ReferenceModel& model, int lowerOffset, int upperOffset, const ReferenceGuide& guide,

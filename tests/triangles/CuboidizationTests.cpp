@@ -144,16 +144,5 @@ TEST(Cuboidization, GivesTheLowerCornerAndTheSizeInTheWorld)
     EXPECT_GT(ToWorldCuboid({{-highest, 0, 0}, {highest, highest, highest}}, axes, 0)[3], 0); // held, not overflown
 }
 
-TEST(Cuboidization, RejectsLevelsThatTheModelDoesNotHold)
-{
-    const VoxelModel<bool> model(Extents(PlainAxes, {0, 0, 0}, {3, 3, 3}, 0), 2);
-    const auto message = [&](std::int64_t lod) { return MessageOf([&] { CuboidizeVoxelModel(model, lod); }); };
-    EXPECT_EQ(message(-1), "The level of detail for voxel cuboidization cannot be negative. The value encountered was -1.");
-    EXPECT_EQ(message(3),
-              "The level of detail for voxel cuboidization must not exceed the finest level of detail in the voxel model. "
-              "The value encountered was 3. The finest level of detail in the voxel model is 2.");
-    EXPECT_EQ(CuboidizeVoxelModel(model, 2), Cuboids{});
-}
-
 } // namespace
 } // namespace brix

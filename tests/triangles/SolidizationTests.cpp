@@ -180,16 +180,5 @@ TEST(Solidization, WorksAtTheLimitsOfTheIndexSpace)
     }
 }
 
-TEST(Solidization, RejectsLevelsThatTheModelDoesNotHold)
-{
-    const VoxelModel<bool> model(Extents(PlainAxes, {0, 0, 0}, {3, 3, 3}, 0), 2);
-    const auto message = [&](std::int64_t lod) { return MessageOf([&] { SolidizeVoxelModel(model, lod); }); };
-    EXPECT_EQ(message(-1), "The level of detail for voxel solidization cannot be negative. The value encountered was -1.");
-    EXPECT_EQ(message(3),
-              "The level of detail for voxel solidization must not exceed the finest level of detail in the voxel model. "
-              "The value encountered was 3. The finest level of detail in the voxel model is 2.");
-    EXPECT_EQ(SolidizeVoxelModel(model, 2), Rectangles{});
-}
-
 } // namespace
 } // namespace brix

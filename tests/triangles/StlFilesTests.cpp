@@ -174,41 +174,21 @@ TEST(SaveTrianglesToAsciiSTL, WritesTheTextByteForByte)
     const Path path = folder.path / "a.stl";
     const Triangles triangles{{{{0, 0, 0}, {1234567, 0, 0}, {0, 0.1, 0}}}, {{{1, 2, 3}, {1, 2, 3}, {1, 2, 3}}}};
 
+    // Facets are given as their normal and three vertices.
+    const auto text = [](std::initializer_list<std::array<const char*, 4>> facets) {
+        std::ostringstream lines;
+        for (const auto& [normal, a, b, c] : facets) {
+            lines << "    facet normal " << normal << "\n        outer loop\n";
+            for (const char* vertex : {a, b, c}) lines << "            vertex " << vertex << "\n";
+            lines << "        endloop\n    endfacet\n";
+        }
+        return "solid Exported-by-BRIX\n" + lines.str() + "endsolid Exported-by-BRIX\n";
+    };
     SaveTrianglesToAsciiSTL(path, triangles, false);
-    EXPECT_EQ(Content(path), "solid Exported-by-BRIX\n"
-                             "    facet normal 0 0 1\n"
-                             "        outer loop\n"
-                             "            vertex 0 0 0\n"
-                             "            vertex 1.23457e+06 0 0\n"
-                             "            vertex 0 0.1 0\n"
-                             "        endloop\n"
-                             "    endfacet\n"
-                             "    facet normal 0 0 0\n"
-                             "        outer loop\n"
-                             "            vertex 1 2 3\n"
-                             "            vertex 1 2 3\n"
-                             "            vertex 1 2 3\n"
-                             "        endloop\n"
-                             "    endfacet\n"
-                             "endsolid Exported-by-BRIX\n");
-
+    EXPECT_EQ(Content(path), text({{"0 0 1", "0 0 0", "1.23457e+06 0 0", "0 0.1 0"}, {"0 0 0", "1 2 3", "1 2 3", "1 2 3"}}));
     SaveTrianglesToAsciiSTL(path, triangles, true);
-    EXPECT_EQ(Content(path), "solid Exported-by-BRIX\n"
-                             "    facet normal 0 1 -0\n"
-                             "        outer loop\n"
-                             "            vertex 0 0 -0\n"
-                             "            vertex 1.23457e+06 0 -0\n"
-                             "            vertex 0 0 -0.1\n"
-                             "        endloop\n"
-                             "    endfacet\n"
-                             "    facet normal 0 0 -0\n"
-                             "        outer loop\n"
-                             "            vertex 1 3 -2\n"
-                             "            vertex 1 3 -2\n"
-                             "            vertex 1 3 -2\n"
-                             "        endloop\n"
-                             "    endfacet\n"
-                             "endsolid Exported-by-BRIX\n");
+    EXPECT_EQ(Content(path),
+              text({{"0 1 -0", "0 0 -0", "1.23457e+06 0 -0", "0 0 -0.1"}, {"0 0 -0", "1 3 -2", "1 3 -2", "1 3 -2"}}));
 
     SaveTrianglesToAsciiSTL(path, {}, false);
     EXPECT_EQ(Content(path), "solid Exported-by-BRIX\nendsolid Exported-by-BRIX\n");
@@ -292,21 +272,11 @@ TEST(LoadTrianglesFromSTL, SaysWhatIsWrong)
 {
     const TemporaryFolder folder;
     const std::string quoted = '"' + (folder.path / "file.stl").string() + '"';
-    const std::string tooShort = "Failed to read first 5 bytes of STL file " + quoted + " to check whether it is an ASCII file.";
-    const std::string noHeader = "Failed to read header of binary STL file " + quoted + ".";
-    const std::string noCount = "Failed to read triangle count of binary STL file " + quoted + ".";
     const std::string noTriangle = "Failed to read triangle in STL file " + quoted + ".";
     const std::string noVertex = "Unexpected token encountered in STL file " + quoted + ". A vertex entry was expected.";
     const std::string incomplete = "Incomplete triangle encountered in STL file " + quoted + ".";
     const std::string v = "vertex 1 2 3\n";
     const std::pair<std::string, std::string> cases[] = {
-        {"", tooShort},
-        {"soli", tooShort},
-        {"12345", noHeader},
-        {std::string(79, 'h'), noHeader},
-        {std::string(80, 'h'), noCount},
-        {std::string(83, 'h'), noCount},
-        {BinaryFile(1, {}), noTriangle},
         {BinaryFile(3, {recordA, recordB}), noTriangle},
         {BinaryFile(2, {recordA}, std::string(49, 'x')), noTriangle},
         {BinaryFile(0xffffffff, {recordA, recordB}), noTriangle},
@@ -352,23 +322,23 @@ TEST(LoadTrianglesFromSTL, TakesEveryTruncationOfAnAsciiFileByDefinition)
 /// A valid file with pieces put in, taken out and overwritten.
 std::string Damaged(std::string content, Random& random)
 {
-    static const std::array pieces{"outer"s,
-                                   "OUTER "s,
-                                   "vertex"s,
-                                   "VERTEX "s,
-                                   "\n"s,
-                                   "\r\n"s,
-                                   " "s,
-                                   "\t\v\f"s,
-                                   "\0"s,
-                                   "1e"s,
-                                   "-"s,
-                                   "e400"s,
-                                   "nan"s,
-                                   "1.25"s,
-                                   "0"s,
-                                   std::string(70'000, ' '),
-                                   std::string(140'000, '5')};
+    static const std::vector<std::string> pieces{"outer",
+                                                 "OUTER ",
+                                                 "vertex",
+                                                 "VERTEX ",
+                                                 "\n",
+                                                 "\r\n",
+                                                 " ",
+                                                 "\t\v\f",
+                                                 "\0"s,
+                                                 "1e",
+                                                 "-",
+                                                 "e400",
+                                                 "nan",
+                                                 "1.25",
+                                                 "0",
+                                                 std::string(70'000, ' '),
+                                                 std::string(140'000, '5')};
     const std::int64_t damages = random.Between(1, 6);
     for (std::int64_t i = 0; i < damages; ++i) {
         const auto at = static_cast<std::size_t>(random.Between(5, std::ssize(content)));

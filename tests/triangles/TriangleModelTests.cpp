@@ -5,7 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cmath>
 #include <limits>
 
@@ -155,10 +154,9 @@ TEST(TriangleModel, ConvertsWorldTrianglesWithItsFrame)
     EXPECT_EQ(FiledIn(model), (std::vector<Filed>{{{0, 0, 0}, expected}}));
 }
 
-// Uncut, such triangles would need 2^60 pieces; what lies away from the grid must be dropped early.
+// Uncut, such triangles would need 2^60 pieces; what lies away from the grid must be dropped early, or this never ends.
 TEST(TriangleModel, BoundsTheWorkForTrianglesOfAnySize)
 {
-    const auto start = std::chrono::steady_clock::now();
     const double infinity = std::numeric_limits<double>::infinity();
     constexpr std::int64_t lowest = std::numeric_limits<std::int64_t>::min();
     constexpr std::int64_t highest = std::numeric_limits<std::int64_t>::max();
@@ -178,7 +176,6 @@ TEST(TriangleModel, BoundsTheWorkForTrianglesOfAnySize)
     EXPECT_LT(FiledIn(model).size(), 5000U);
     model.ChunkRef({0, 0, 0}).AddTriangle({{{lowest, highest, 0}, {0, 0, 0}, {0, 0, 0}}});
     EXPECT_EQ(model.ChunkRef({0, 0, 0}).Triangles().back()[0], (Triple{-MaxCoordinate, MaxCoordinate, 0}));
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
 }
 
 } // namespace
