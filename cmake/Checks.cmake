@@ -21,6 +21,12 @@ endif()
 find_program(BRIX_PYTHON NAMES python3 python)
 if(BRIX_PYTHON)
     add_test(NAME Reports.WriteTheirTablesAlone COMMAND "${BRIX_PYTHON}" "${PROJECT_SOURCE_DIR}/tests/reports/marked_tables_tests.py")
+    # What documents tell their readers to type. Hosts cannot be linked to a sanitized library by a line that does not say so.
+    if(BRIX_BUILD_TOOLS AND BRIX_INSTALL)
+        add_test(NAME Documents.TellCommandsThatWork COMMAND "${BRIX_PYTHON}" "${PROJECT_SOURCE_DIR}/tests/documents/commands_tests.py"
+            "${PROJECT_BINARY_DIR}" "$<TARGET_FILE:brix>" $<IF:$<BOOL:${BRIX_SANITIZE}>,--without-hosts,--with-hosts>)
+        set_tests_properties(Documents.TellCommandsThatWork PROPERTIES TIMEOUT 900)
+    endif()
 else()
-    message(STATUS "Tests of the reports are left out: there is no Python 3.")
+    message(STATUS "Tests of the documents and the reports are left out: there is no Python 3.")
 endif()
