@@ -1,14 +1,13 @@
 #include "Axes.h"
 
+#include "Product.h"
 #include "Require.h"
+#include "SineAndCosine.h"
 
-#include <cmath>
 #include <limits>
 
 namespace brix {
 namespace {
-
-constexpr double RadiansPerDegree = 0.017453292519943295;
 
 // Every double in here converts to a 64-bit integer, and taking the bias off cannot overflow. NaN becomes the lower bound.
 std::int64_t TruncateBiased(double biasedUnits)
@@ -38,9 +37,9 @@ Axes::Axes(double worldVoxelSpacing0, const std::array<double, 3>& worldVoxelOri
 {
     RequireLevel("The vertical level of detail for a set of axes", verticalLOD);
 
-    const double angle = worldVoxelRotation * RadiansPerDegree;
-    sinRotation_ = std::sin(angle);
-    cosRotation_ = std::cos(angle);
+    const auto [sine, cosine] = SineAndCosineOfDegrees(worldVoxelRotation);
+    sinRotation_ = sine;
+    cosRotation_ = cosine;
     worldPerUnit_ = worldVoxelSpacing0 / static_cast<double>(VoxelSpacing(0));
     unitsPerWorld_ = static_cast<double>(VoxelSpacing(0)) / worldVoxelSpacing0;
 }
@@ -62,9 +61,9 @@ std::array<double, 3> Axes::ToWorldCoordinates(const Triple& coords) const
     const auto u = static_cast<double>(coords[0]);
     const auto v = static_cast<double>(coords[1]);
     const auto w = static_cast<double>(coords[2]);
-    return {worldVoxelOrigin_[0] + (cosRotation_ * u - sinRotation_ * v) * worldPerUnit_,
-            worldVoxelOrigin_[1] + (sinRotation_ * u + cosRotation_ * v) * worldPerUnit_,
-            worldVoxelOrigin_[2] + w * worldPerUnit_};
+    return {worldVoxelOrigin_[0] + Product(Product(cosRotation_, u) - Product(sinRotation_, v), worldPerUnit_),
+            worldVoxelOrigin_[1] + Product(Product(sinRotation_, u) + Product(cosRotation_, v), worldPerUnit_),
+            worldVoxelOrigin_[2] + Product(w, worldPerUnit_)};
 }
 
 Triple Axes::FromWorldCoordinates(const std::array<double, 3>& worldCoords) const
@@ -73,8 +72,8 @@ Triple Axes::FromWorldCoordinates(const std::array<double, 3>& worldCoords) cons
     const double dx = worldCoords[0] - by.origin[0];
     const double dy = worldCoords[1] - by.origin[1];
     const double dz = worldCoords[2] - by.origin[2];
-    return {TruncateBiased((by.cos * dx + by.sin * dy + by.bias) * by.unitsPerWorld),
-            TruncateBiased((-by.sin * dx + by.cos * dy + by.bias) * by.unitsPerWorld),
+    return {TruncateBiased((Product(by.cos, dx) + Product(by.sin, dy) + by.bias) * by.unitsPerWorld),
+            TruncateBiased((Product(-by.sin, dx) + Product(by.cos, dy) + by.bias) * by.unitsPerWorld),
             TruncateBiased((dz + by.bias) * by.unitsPerWorld)};
 }
 

@@ -14,7 +14,7 @@ class Axes
 public:
     /// `worldVoxelSpacing0`  width of a voxel at level 0 in world units; not checked (a width of 0 gives infinite factors)
     /// `worldVoxelOrigin`    world position of the base-unit point (0, 0, 0)
-    /// `worldVoxelRotation`  rotation of the lattice about the world's Z in degrees, counter-clockwise
+    /// `worldVoxelRotation`  degrees by which the lattice turns about the world's Z, counter-clockwise; multiples of 90 are exact
     /// `verticalLOD`         the level whose voxel width is the height of all voxels, 0..5
     /// Throws std::domain_error when the vertical level is negative or not less than 6.
     Axes(double worldVoxelSpacing0, const std::array<double, 3>& worldVoxelOrigin, double worldVoxelRotation,

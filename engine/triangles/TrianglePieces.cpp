@@ -1,5 +1,7 @@
 #include "TrianglePieces.h"
 
+#include "../frame/Product.h"
+
 #include <cmath>
 #include <vector>
 
@@ -13,7 +15,7 @@ Point Crossing(const Point& a, const Point& b, std::size_t axis, double limit)
 {
     const double t = (limit - a[axis]) / (b[axis] - a[axis]);
     Point crossing{};
-    for (std::size_t i = 0; i < 3; ++i) crossing[i] = a[i] + t * (b[i] - a[i]);
+    for (std::size_t i = 0; i < 3; ++i) crossing[i] = a[i] + Product(t, b[i] - a[i]);
     crossing[axis] = limit;
     return crossing;
 }

@@ -1,5 +1,6 @@
 #include "Sight.h"
 
+#include "../frame/Product.h"
 #include "../model/VoxelIterator.h"
 #include "AxisCarrier.h"
 #include "BoxSweep.h"
@@ -42,7 +43,7 @@ DirectionRule RuleOf(const Triple& direction, const std::array<double, 3>& scale
 {
     std::array<double, 3> v{};
     for (std::size_t i = 0; i < 3; ++i) v[i] = std::abs(static_cast<double>(direction[i]) * scale[i]);
-    const double length = std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]);
+    const double length = std::sqrt(Product(v[0], v[0]) + Product(v[1], v[1]) + Product(v[2], v[2]));
     const double x = v[0] / length;
     const double y = v[1] / length;
     const double z = v[2] / length;

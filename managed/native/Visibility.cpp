@@ -1,6 +1,8 @@
 // Visibility.
 #include "Objects.h"
 
+#include <brix/frame/Product.h>
+
 #include <cmath>
 
 using namespace brix;
@@ -23,11 +25,12 @@ Triple DirectionInBaseUnits(const Axes& axes, const std::array<double, 3>& world
     const double x = worldDirection[0] / largest;
     const double y = worldDirection[1] / largest;
     const double z = worldDirection[2] / largest;
-    const double scale = static_cast<double>(Axes::TruncationBiasUnits) / std::sqrt(x * x + y * y + z * z);
+    const double scale =
+        static_cast<double>(Axes::TruncationBiasUnits) / std::sqrt(Product(x, x) + Product(y, y) + Product(z, z));
 
     const Axes::Conversion turn = axes.WorldConversion();
-    return {std::llround((turn.cos * x + turn.sin * y) * scale), std::llround((turn.cos * y - turn.sin * x) * scale),
-            std::llround(z * scale)};
+    return {std::llround((Product(turn.cos, x) + Product(turn.sin, y)) * scale),
+            std::llround((Product(turn.cos, y) - Product(turn.sin, x)) * scale), std::llround(z * scale)};
 }
 
 } // namespace
