@@ -1,5 +1,8 @@
 #include "SightOpening.h"
 
+#include "../frame/Product.h"
+#include "../frame/SineAndCosine.h"
+
 #include <bit>
 #include <cmath>
 #include <utility>
@@ -49,29 +52,32 @@ Vector Unit(const Triple& direction)
     const auto x = static_cast<double>(direction[0]);
     const auto y = static_cast<double>(direction[1]);
     const auto z = static_cast<double>(direction[2]);
-    const double length = std::sqrt(x * x + y * y + z * z);
+    const double length = std::sqrt(Product(x, x) + Product(y, y) + Product(z, z));
     return {x / length, y / length, z / length};
 }
 
 // A cone of more than 180 degrees is all but the cone of the remaining angle around the opposite direction.
 double NarrowAngle(double degrees) { return degrees > 180 ? 360 - degrees : degrees; }
 
-/// Sine and cosine of half an angle of 0 .. 180 degrees.
-struct HalfAngle
+SineAndCosine OfHalf(double degrees) { return SineAndCosineOfDegrees(degrees / 2); }
+
+// No view is so narrow that the tolerance would reach around it.
+SineAndCosine OfHalfView(double degrees)
 {
-    double sine, cosine;
+    const auto [sine, cosine] = OfHalf(degrees);
+    return {std::max(sine, 0x1p-38), cosine};
+}
 
-    explicit HalfAngle(double degrees)
-    {
-        const double square = SquaredSineOfHalf(degrees > 90 ? 180 - degrees : degrees);
-        sine = std::sqrt(square);
-        cosine = std::sqrt(1 - square);
-        if (degrees > 90) std::swap(sine, cosine);
-    }
-    double Tangent() const { return sine / cosine; }
-};
+double TangentOf(const SineAndCosine& angle) { return angle.sine / angle.cosine; }
 
-// cos^2 times 2^64. The narrowest cone is one of 2^-32 either way: cos^2 is never 1.
+// sin^2 of half an angle of up to 90 degrees. The two fractions that half an angle of whole degrees may have, 1/4 and 1/2, are exact.
+double SquaredSineOfHalf(double degrees)
+{
+    const double sine = OfHalf(degrees).sine;
+    return degrees == 90 ? 0.5 : sine * sine;
+}
+
+// cos^2 of half an angle times 2^64. The narrowest cone is one of 2^-32 either way: cos^2 is never 1.
 std::uint64_t CosineFraction(double degrees)
 {
     constexpr double scale = 18446744073709551616.0;
@@ -81,173 +87,182 @@ std::uint64_t CosineFraction(double degrees)
 
 SightCap CapOfCone(const Triple& direction, double degrees)
 {
-    const HalfAngle half(NarrowAngle(degrees));
-    return {Unit(direction), degrees > 180 ? -half.cosine : half.cosine, half.sine};
+    const auto [sine, cosine] = OfHalf(degrees);
+    return {Unit(direction), cosine, sine};
 }
 
-bool IsEachCorner(const Triple& lower, const Triple& upper, const auto& is)
+SightCap CapOfRegion(const Triple& direction, double degrees)
 {
-    bool isEach = true;
-    ForEachTriple({0, 0, 0}, {1, 1, 1}, [&](const Triple& at) {
-        Triple corner = lower;
-        for (std::size_t i = 0; i < 3; ++i) corner[i] = at[i] == 0 ? lower[i] : upper[i];
-        isEach = isEach && is(corner);
+    const SightCap cap = CapOfCone(direction, NarrowAngle(degrees));
+    return degrees > 180 ? SightCap{{-cap.axis[0], -cap.axis[1], -cap.axis[2]}, cap.cosine, cap.sine} : cap;
+}
+
+// The voxels of a plate that lie in a convex region: one run in a row, if any.
+template <class IsIn> VoxelPlate<bool> PlateOfConvex(const std::array<Triple, 16>& offsets, const IsIn& isIn)
+{
+    return MakePlate([&](std::size_t y) {
+        const auto isInAt = [&](std::int64_t x) {
+            return isIn(Triple{offsets[static_cast<std::size_t>(x)][0], offsets[y][1], offsets[0][2]});
+        };
+        std::int64_t first = 0;
+        std::int64_t last = 15;
+        while (first <= last && !isInAt(first)) ++first;
+        while (first <= last && !isInAt(last)) --last;
+        return RowBits(first, last);
     });
-    return isEach;
-}
-
-// A row of a convex region: one run, if anything.
-template <class IsIn> std::uint16_t RowOfConvex(const IsIn& isIn)
-{
-    std::int64_t first = 0;
-    std::int64_t last = 15;
-    while (first <= last && !isIn(static_cast<std::size_t>(first))) ++first;
-    while (first <= last && !isIn(static_cast<std::size_t>(last))) --last;
-    return RowBits(first, last);
 }
 
 } // namespace
 
+SightOpening::SightOpening(const Axes& axes, const Triple& point, std::int64_t lod, const SightCap& cap, Kind kind,
+                           SightWedge wedge)
+    : point_(point),
+      eye_(axes.ContainingVoxel(point, lod)),
+      size_(axes.VoxelSize(lod)),
+      unit_(UnitOfOffsets(point)),
+      cap_(cap),
+      kind_(kind),
+      wedge_(std::move(wedge))
+{}
+
+std::int64_t SightOpening::Offset(std::size_t axis, std::int64_t index) const
+{
+    if (unit_ == 1) return Centre(axis, index) - point_[axis];
+    return static_cast<std::int64_t>((WideInteger{Centre(axis, index)} - point_[axis]) / unit_);
+}
+
+bool SightOpening::MissesRegion(const Triple& lower, const Triple& upper) const
+{
+    const auto offset = [&](const Triple& voxel, std::size_t i) { return static_cast<double>(Offset(i, voxel[i])); };
+    return wedge_.Misses({offset(lower, 0), offset(lower, 1), offset(lower, 2)},
+                         {offset(upper, 0), offset(upper, 1), offset(upper, 2)});
+}
+
+bool SightOpening::LiesInRegion(const Triple& lower, const Triple& upper) const
+{
+    bool isIn = true;
+    ForEachTriple({0, 0, 0}, {1, 1, 1}, [&](const Triple& at) {
+        Triple offset{};
+        for (std::size_t i = 0; i < 3; ++i) offset[i] = Offset(i, at[i] == 0 ? lower[i] : upper[i]);
+        isIn = isIn && IsInRegion(offset);
+    });
+    return isIn;
+}
+
 bool SightOpening::HoldsAny(const Triple& lower, const Triple& upper) const
 {
     if (IsWithin(eye_, lower, upper)) return true;
-    return !wedge_.Misses(OffsetTo(lower), OffsetTo(upper)) && !IsAllOutside(lower, upper);
+    return kind_ == Kind::Region ? !MissesRegion(lower, upper) : !LiesInRegion(lower, upper);
 }
 
-bool SightOpening::HoldsAll(const Triple& lower, const Triple& upper) const { return IsAllInside(lower, upper); }
+bool SightOpening::HoldsAll(const Triple& lower, const Triple& upper) const
+{
+    return kind_ == Kind::Region ? LiesInRegion(lower, upper) : MissesRegion(lower, upper);
+}
 
 VoxelPlate<bool> SightOpening::PlateAt(const Triple& corner) const
 {
     const Triple upper = Plus(corner, {15, 15, 0});
     if (!HoldsAny(corner, upper)) return {};
-    if (IsAllInside(corner, upper)) return FilledPlate();
-    const VoxelPlate<bool> plate = InsideAt(corner);
+    if (HoldsAll(corner, upper)) return FilledPlate();
+    PlateOffsets offsets;
+    for (std::size_t i = 0; i < 16; ++i) {
+        const auto steps = static_cast<std::int64_t>(i);
+        offsets[i] = {Offset(0, corner[0] + steps), Offset(1, corner[1] + steps), Offset(2, corner[2])};
+    }
+    const VoxelPlate<bool> region = RegionAt(offsets);
+    const VoxelPlate<bool> plate = kind_ == Kind::Region ? region : ~region;
     if (!IsWithin(eye_, corner, upper)) return plate;
     const Triple eye = Minus(eye_, corner);
     return plate | Box({eye[0], eye[1]}, {eye[0], eye[1]});
 }
 
 SightCone::SightCone(const Axes& axes, const Triple& point, std::int64_t lod, const Triple& direction, double degrees)
-    : SightOpening(axes, point, lod, CapOfCone(direction, degrees),
-                   degrees > 180 ? SightWedge({}) : SightWedge::Around(CapOfCone(direction, degrees))),
-      isInverted_(degrees > 180),
-      direction_(Rounded(direction)),
-      unit_(UnitOfOffsets(point))
+    : SightOpening(axes, point, lod, CapOfCone(direction, degrees), degrees > 180 ? Kind::AllButTheRegion : Kind::Region,
+                   SightWedge::Around(CapOfRegion(direction, degrees))),
+      direction_(Rounded(direction))
 {
-    if (isInverted_) direction_ = Minus({0, 0, 0}, direction_);
+    if (degrees > 180) direction_ = Minus({0, 0, 0}, direction_);
     std::uint64_t square = 0;
     for (const std::int64_t v : direction_) square += static_cast<std::uint64_t>(v * v);
-    factor_ = Wide{CosineFraction(NarrowAngle(degrees))} * square;
-}
-
-std::int64_t SightCone::Offset(std::size_t axis, std::int64_t index) const
-{
-    if (unit_ == 1) return Centre(axis, index) - point_[axis];
-    __extension__ typedef __int128 SignedWide;
-    return static_cast<std::int64_t>((SignedWide{Centre(axis, index)} - point_[axis]) / unit_);
+    factor_ = WideUnsigned{CosineFraction(NarrowAngle(degrees))} * square;
 }
 
 // What a wide cone leaves out has no border of its own.
-inline bool SightCone::IsInCap(const Measures& measures) const
+inline bool SightCone::Holds(const Triple& offset) const
 {
-    if (measures.product < 0) return false;
-    const auto product = static_cast<std::uint64_t>(measures.product);
-    const Wide squaredProduct = Wide{product} * product;
-    const Wide below = Wide{measures.square} * static_cast<std::uint64_t>(factor_);
-    const Wide limit = measures.square * (factor_ >> 64) + (below >> 64);
-    if (isInverted_ || static_cast<std::uint64_t>(below) != 0) return squaredProduct > limit;
-    return squaredProduct >= limit;
-}
-
-SightCone::Measures SightCone::MeasuresOf(const Triple& voxel) const
-{
-    Measures measures{0, 0};
+    std::int64_t along = 0;
+    std::uint64_t square = 0;
     for (std::size_t i = 0; i < 3; ++i) {
-        const std::int64_t offset = Offset(i, voxel[i]);
-        measures.product += offset * direction_[i];
-        measures.square += static_cast<std::uint64_t>(offset * offset);
+        along += offset[i] * direction_[i];
+        square += static_cast<std::uint64_t>(offset[i] * offset[i]);
     }
-    return measures;
+    if (along < 0) return false;
+    const WideUnsigned squaredAlong = WideUnsigned{static_cast<std::uint64_t>(along)} * static_cast<std::uint64_t>(along);
+    const WideUnsigned below = WideUnsigned{square} * static_cast<std::uint64_t>(factor_);
+    const WideUnsigned limit = square * (factor_ >> 64) + (below >> 64);
+    const bool hasNoBorder = OpeningKind() == Kind::AllButTheRegion || static_cast<std::uint64_t>(below) != 0;
+    return hasNoBorder ? squaredAlong > limit : squaredAlong >= limit;
 }
 
-bool SightCone::IsAllInside(const Triple& lower, const Triple& upper) const
-{
-    return IsEachCorner(lower, upper, [&](const Triple& corner) {
-        const Measures measures = MeasuresOf(corner);
-        return isInverted_ ? measures.product <= 0 : IsInCap(measures);
-    });
-}
+bool SightCone::IsInRegion(const Triple& offset) const { return Holds(offset); }
 
-bool SightCone::IsAllOutside(const Triple& lower, const Triple& upper) const
+VoxelPlate<bool> SightCone::RegionAt(const PlateOffsets& offsets) const
 {
-    return isInverted_ && IsEachCorner(lower, upper, [&](const Triple& corner) { return IsInCap(MeasuresOf(corner)); });
-}
-
-VoxelPlate<bool> SightCone::InsideAt(const Triple& corner) const
-{
-    const std::int64_t z = Offset(2, corner[2]);
-    std::array<Measures, 16> columns;
-    for (std::size_t i = 0; i < 16; ++i) {
-        const std::int64_t x = Offset(0, corner[0] + static_cast<std::int64_t>(i));
-        columns[i] = {x * direction_[0] + z * direction_[2],
-                      static_cast<std::uint64_t>(x * x) + static_cast<std::uint64_t>(z * z)};
-    }
-    const VoxelPlate<bool> inCap = MakePlate([&](std::size_t row) {
-        const std::int64_t y = Offset(1, corner[1] + static_cast<std::int64_t>(row));
-        const Measures ofRow{y * direction_[1], static_cast<std::uint64_t>(y * y)};
-        return RowOfConvex([&](std::size_t x) {
-            return IsInCap({columns[x].product + ofRow.product, columns[x].square + ofRow.square});
-        });
-    });
-    return isInverted_ ? ~inCap : inCap;
+    return PlateOfConvex(offsets, [&](const Triple& offset) { return Holds(offset); });
 }
 
 /// A camera: unit vectors forward, to the right (or left) and up (or down), and its half angles.
 struct SightPyramid::Shape
 {
     Vector forward, right, up;
-    HalfAngle horizontal, vertical;
+    SineAndCosine horizontal, vertical;
 
     Shape(const Triple& direction, double horizontalDegrees, double verticalDegrees)
-        : forward(Unit(direction)), right{1, 0, 0}, horizontal(horizontalDegrees), vertical(verticalDegrees)
+        : forward(Unit(direction)),
+          right{1, 0, 0},
+          horizontal(OfHalfView(horizontalDegrees)),
+          vertical(OfHalfView(verticalDegrees))
     {
         if (direction[0] != 0 || direction[1] != 0) {
             const Vector level = Unit({direction[0], direction[1], 0});
             right = {level[1], -level[0], 0};
         }
-        up = {right[1] * forward[2], -right[0] * forward[2], right[0] * forward[1] - right[1] * forward[0]};
+        up = {right[1] * forward[2], -right[0] * forward[2], Product(right[0], forward[1]) - Product(right[1], forward[0])};
     }
 
     // d * f sin >= |d * r| cos is two half-spaces with these normals; the same for up.
-    Sides SideNormals() const
+    std::array<Vector, 4> SideNormals() const
     {
-        Sides sides;
+        std::array<Vector, 4> sides;
         for (std::size_t i = 0; i < 3; ++i) {
-            sides[0][i] = forward[i] * horizontal.sine - right[i] * horizontal.cosine;
-            sides[1][i] = forward[i] * horizontal.sine + right[i] * horizontal.cosine;
-            sides[2][i] = forward[i] * vertical.sine - up[i] * vertical.cosine;
-            sides[3][i] = forward[i] * vertical.sine + up[i] * vertical.cosine;
+            sides[0][i] = Product(forward[i], horizontal.sine) - Product(right[i], horizontal.cosine);
+            sides[1][i] = Product(forward[i], horizontal.sine) + Product(right[i], horizontal.cosine);
+            sides[2][i] = Product(forward[i], vertical.sine) - Product(up[i], vertical.cosine);
+            sides[3][i] = Product(forward[i], vertical.sine) + Product(up[i], vertical.cosine);
         }
         return sides;
     }
 
     SightCap Cap() const
     {
-        const double tangent = std::sqrt(horizontal.Tangent() * horizontal.Tangent() + vertical.Tangent() * vertical.Tangent());
-        const double cosine = 1 / std::sqrt(1 + tangent * tangent);
+        const double across = TangentOf(horizontal), upwards = TangentOf(vertical);
+        const double tangent = std::sqrt(Product(across, across) + Product(upwards, upwards));
+        const double cosine = 1 / std::sqrt(1 + Product(tangent, tangent));
         return {forward, cosine, tangent * cosine};
     }
 
     SightWedge Wedge() const
     {
-        const Sides sides = SideNormals();
+        const std::array<Vector, 4> sides = SideNormals();
         const double cosine = Cap().cosine;
         if (cosine < 0.125) return SightWedge({sides.begin(), sides.end()});
         std::vector<Vector> rays;
         for (const auto& [h, v] : {std::pair{1, 1}, {1, -1}, {-1, -1}, {-1, 1}}) {
             Vector ray;
             for (std::size_t i = 0; i < 3; ++i)
-                ray[i] = cosine * (forward[i] + h * horizontal.Tangent() * right[i] + v * vertical.Tangent() * up[i]);
+                ray[i] = cosine *
+                         (forward[i] + Product(h * TangentOf(horizontal), right[i]) + Product(v * TangentOf(vertical), up[i]));
             rays.push_back(ray);
         }
         return SightWedge::Around(rays);
@@ -260,30 +275,30 @@ SightPyramid::SightPyramid(const Axes& axes, const Triple& point, std::int64_t l
 {}
 
 SightPyramid::SightPyramid(const Axes& axes, const Triple& point, std::int64_t lod, const Shape& shape)
-    : SightOpening(axes, point, lod, shape.Cap(), shape.Wedge()), sides_(shape.SideNormals())
-{}
-
-inline bool SightPyramid::Holds(const Vector& offset) const
+    : SightOpening(axes, point, lod, shape.Cap(), Kind::Region, shape.Wedge()), sides_()
 {
-    constexpr double tolerance = 0x1p-40;
-    const double least = -tolerance * (std::abs(offset[0]) + std::abs(offset[1]) + std::abs(offset[2]));
-    bool holds = true;
-    for (const Vector& side : sides_) holds &= side[0] * offset[0] + side[1] * offset[1] + side[2] * offset[2] >= least;
-    return holds;
+    const auto normals = shape.SideNormals();
+    for (std::size_t side = 0; side < 4; ++side) {
+        for (std::size_t i = 0; i < 3; ++i) sides_[side][i] = static_cast<std::int64_t>(normals[side][i] * 0x1p61);
+    }
 }
 
-bool SightPyramid::IsAllInside(const Triple& lower, const Triple& upper) const
+inline bool SightPyramid::Holds(const Triple& offset) const
 {
-    return IsEachCorner(lower, upper, [&](const Triple& corner) { return Holds(OffsetTo(corner)); });
+    const WideInteger tolerance = WideInteger{std::abs(offset[0]) + std::abs(offset[1]) + std::abs(offset[2])} << (61 - 40);
+    for (const Triple& side : sides_) {
+        const WideInteger inwards =
+            WideInteger{side[0]} * offset[0] + WideInteger{side[1]} * offset[1] + WideInteger{side[2]} * offset[2];
+        if (inwards < -tolerance) return false;
+    }
+    return true;
 }
 
-VoxelPlate<bool> SightPyramid::InsideAt(const Triple& corner) const
+bool SightPyramid::IsInRegion(const Triple& offset) const { return Holds(offset); }
+
+VoxelPlate<bool> SightPyramid::RegionAt(const PlateOffsets& offsets) const
 {
-    std::array<Vector, 16> diagonal;
-    for (std::int64_t i = 0; i < 16; ++i) diagonal[static_cast<std::size_t>(i)] = OffsetTo(Plus(corner, {i, i, 0}));
-    return MakePlate([&](std::size_t y) {
-        return RowOfConvex([&](std::size_t x) { return Holds({diagonal[x][0], diagonal[y][1], diagonal[x][2]}); });
-    });
+    return PlateOfConvex(offsets, [&](const Triple& offset) { return Holds(offset); });
 }
 
 } // namespace brix::sight

@@ -1,16 +1,18 @@
 #include "SightWedge.h"
 
+#include "../frame/Product.h"
+
 #include <cmath>
-#include <numbers>
 
 namespace brix::sight {
 namespace {
 
-double Dot(const Vector& a, const Vector& b) { return a[0] * b[0] + a[1] * b[1] + a[2] * b[2]; }
+double Dot(const Vector& a, const Vector& b) { return Product(a[0], b[0]) + Product(a[1], b[1]) + Product(a[2], b[2]); }
 
 Vector Cross(const Vector& a, const Vector& b)
 {
-    return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
+    return {Product(a[1], b[2]) - Product(a[2], b[1]), Product(a[2], b[0]) - Product(a[0], b[2]),
+            Product(a[0], b[1]) - Product(a[1], b[0])};
 }
 
 Vector Scaled(const Vector& a, double factor) { return {a[0] * factor, a[1] * factor, a[2] * factor}; }
@@ -39,21 +41,10 @@ void AddIfOutside(std::vector<Vector>& normals, const std::vector<Vector>& rays,
 double ShareReached(const SightCap& cap, double cosine)
 {
     if (cosine >= cap.cosine) return 1;
-    return std::max(0.0, cosine * cap.cosine + std::sqrt(std::max(0.0, 1 - cosine * cosine)) * cap.sine);
+    return std::max(0.0, Product(cosine, cap.cosine) + Product(std::sqrt(std::max(0.0, 1 - Product(cosine, cosine))), cap.sine));
 }
 
 } // namespace
-
-double SquaredSineOfHalf(double degrees)
-{
-    if (degrees == 60) return 0.25;
-    if (degrees == 90) return 0.5;
-    const double angle = degrees * (std::numbers::pi / 360);
-    const double square = angle * angle;
-    double series = 1; // angle - angle^3 / 3! + angle^5 / 5! - ..: what follows angle^19 is less than 2^-70 of it
-    for (int n = 18; n >= 2; n -= 2) series = 1 - series * (square / (n * (n + 1)));
-    return angle * series * (angle * series);
-}
 
 SightReach ReachOf(const SightCap& cap, std::int64_t radius)
 {
@@ -79,8 +70,11 @@ SightWedge SightWedge::Around(const std::vector<Vector>& rays)
 SightWedge SightWedge::Around(const SightCap& cap)
 {
     if (cap.cosine < 0.25) return SightWedge({cap.axis});
-    constexpr int rayCount = 12;
-    const double radius = cap.sine / cap.cosine / std::cos(std::numbers::pi / rayCount); // a polygon around a circle
+    constexpr std::size_t rayCount = 12; // a turn of 30 degrees from one to the next
+    const double cosine30 = std::sqrt(0.75);
+    const std::array cosines{1.0, cosine30, 0.5, 0.0, -0.5, -cosine30, -1.0, -cosine30, -0.5, 0.0, 0.5, cosine30};
+    const double cosine15 = std::sqrt((1 + cosine30) / 2);
+    const double radius = cap.sine / cap.cosine / cosine15; // a polygon around a circle
     std::size_t least = 0;
     for (std::size_t i = 1; i < 3; ++i) {
         if (std::abs(cap.axis[i]) < std::abs(cap.axis[least])) least = i;
@@ -89,11 +83,11 @@ SightWedge SightWedge::Around(const SightCap& cap)
     const Vector u = Scaled(across, 1 / std::sqrt(Dot(across, across)));
     const Vector v = Cross(cap.axis, u);
     std::vector<Vector> rays;
-    for (int i = 0; i < rayCount; ++i) {
-        const double x = radius * std::cos(i * 2 * std::numbers::pi / rayCount);
-        const double y = radius * std::sin(i * 2 * std::numbers::pi / rayCount);
+    for (std::size_t i = 0; i < rayCount; ++i) {
+        const double cosine = cosines[i];
+        const double sine = cosines[(i + 9) % rayCount];
         Vector ray = cap.axis;
-        for (std::size_t k = 0; k < 3; ++k) ray[k] += x * u[k] + y * v[k];
+        for (std::size_t k = 0; k < 3; ++k) ray[k] += Product(radius * cosine, u[k]) + Product(radius * sine, v[k]);
         rays.push_back(Scaled(ray, 1 / std::sqrt(Dot(ray, ray))));
     }
     return Around(rays);
@@ -105,7 +99,7 @@ bool SightWedge::Misses(const Vector& lower, const Vector& upper) const
     for (std::size_t i = 0; i < 3; ++i) size += std::max(std::abs(lower[i]), std::abs(upper[i]));
     return std::any_of(normals_.begin(), normals_.end(), [&](const Vector& normal) {
         double highest = 0;
-        for (std::size_t i = 0; i < 3; ++i) highest += normal[i] * (normal[i] > 0 ? upper[i] : lower[i]);
+        for (std::size_t i = 0; i < 3; ++i) highest += Product(normal[i], normal[i] > 0 ? upper[i] : lower[i]);
         return highest < -1e-8 * size;
     });
 }

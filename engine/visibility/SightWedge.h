@@ -11,10 +11,6 @@ namespace brix::sight {
 
 using Vector = std::array<double, 3>;
 
-/// The squared sine of half an angle of 0 .. 90 degrees. It is the same on every machine: a polynomial in a fixed order, and right
-/// to about one part in 2^51. The two fractions that half an angle of whole degrees may have, a quarter and a half, are exact.
-double SquaredSineOfHalf(double degrees);
-
 /// The directions within an angle of an axis, all in doubles; a cosine below 0 makes it more than half of all directions.
 struct SightCap
 {

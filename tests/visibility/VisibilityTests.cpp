@@ -208,6 +208,8 @@ TEST(VisibilityWithin, LooksFromAnywhereInAnyDirection)
     }
     const PointCase slit{centre, Unlimited, false, {Opening::Pyramid, {0, -1, 0}, std::nextafter(180.0, 0), narrow}};
     EXPECT_EQ(CountFilled(slit.See(model, 2, 1), 2), 40 * 21);
+    const PointCase pipe{centre, Unlimited, false, {Opening::Pyramid, {1, 0, 0}, narrow, narrow}};
+    EXPECT_EQ(CountFilled(pipe.See(model, 2, 1), 2), 20);
 }
 
 TEST(VisibilityFromPoint, DoesNotPassClosedWalls)
