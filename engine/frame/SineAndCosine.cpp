@@ -8,10 +8,10 @@
 #include <utility>
 #include <vector>
 
-// Degrees are reduced to 0..45 without error, and the series are summed in fixed point. What comes out is off by less than a bound. When
-// all that lies within the bound rounds to one double, that double is right; otherwise more digits decide (after Ziv, "Fast evaluation of
-// elementary mathematical functions with correctly rounded last bit", 1991). That ends: a double is a rational number of degrees, whose
-// sine is 0, +-1/2, +-1 or irrational (Niven), and so never halfway between two doubles.
+// Degrees are reduced to 0..45 without error, and the series are summed in fixed point. What comes out is off by less than a
+// bound. When all that lies within the bound rounds to one double, that double is right; otherwise more digits decide (after Ziv,
+// "Fast evaluation of elementary mathematical functions with correctly rounded last bit", 1991). That ends: a double is a
+// rational number of degrees, whose sine is 0, +-1/2, +-1 or irrational (Niven), and so never halfway between two doubles.
 namespace brix {
 namespace {
 
@@ -72,8 +72,8 @@ public:
         return *this;
     }
 
-    // By rows, the last digit of `a` first; where a row ends, its carry finds a word that nothing was added to. Products that lie behind
-    // the last digit are left out: less than 2^32 units of it for each of a's words.
+    // By rows, the last digit of `a` first; where a row ends, its carry finds a word that nothing was added to. Products that lie
+    // behind the last digit are left out: less than 2^32 units of it for each of a's words.
     friend Fixed operator*(const Fixed& a, const Fixed& b)
     {
         const std::size_t digits = a.Digits();
@@ -107,7 +107,8 @@ public:
         return std::uint64_t{words_[0]} << exponent | fraction >> (64 - exponent);
     }
 
-    /// More than what the functions below are off by: they make less than 2^32 errors, each of less than 2^32 units of the last digit.
+    /// More than what the functions below are off by: they make less than 2^32 errors, each of less than 2^32 units of the last
+    /// digit.
     Fixed Bound() const
     {
         Fixed bound(Digits(), 0);

@@ -39,8 +39,8 @@ Triple Rounded(const Triple& direction)
     return rounded;
 }
 
-// The unit in which the offsets from a point to all centres have no more than OffsetBits. No centre that is asked for lies farther
-// from the origin than the first term.
+// The unit in which the offsets from a point to all centres have no more than OffsetBits. No centre that is asked for lies
+// farther from the origin than the first term.
 std::int64_t UnitOfOffsets(const Triple& point)
 {
     const std::uint64_t farthest = 1'100'000'000 + LargestMagnitude(point);
@@ -70,7 +70,8 @@ SineAndCosine OfHalfView(double degrees)
 
 double TangentOf(const SineAndCosine& angle) { return angle.sine / angle.cosine; }
 
-// sin^2 of half an angle of up to 90 degrees. The two fractions that half an angle of whole degrees may have, 1/4 and 1/2, are exact.
+// sin^2 of half an angle of up to 90 degrees. The two fractions that half an angle of whole degrees may have, 1/4 and 1/2, are
+// exact.
 double SquaredSineOfHalf(double degrees)
 {
     const double sine = OfHalf(degrees).sine;

@@ -1,8 +1,9 @@
-// Openings through which a view from a point may look: a circular cone, or a camera's pyramid. A voxel lies within one when its centre
-// does; the point's own voxel always does.
+// Openings through which a view from a point may look: a circular cone, or a camera's pyramid. A voxel lies within one when its
+// centre does; the point's own voxel always does.
 //
-// Whether a centre lies within is decided in whole numbers, the same on every machine: doubles only describe the opening, once. Offsets
-// from the point to centres are in base units; those of more than 31 bits (points outside the index space) are rounded to 31.
+// Whether a centre lies within is decided in whole numbers, the same on every machine: doubles only describe the opening, once.
+// Offsets from the point to centres are in base units; those of more than 31 bits (points outside the index space) are rounded
+// to 31.
 #pragma once
 
 #include "../frame/Axes.h"
@@ -59,12 +60,12 @@ private:
     SightWedge wedge_;
 };
 
-/// The directions within half of `degrees` (greater than 0, less than 360) of a direction that is not (0, 0, 0). Mirrored and turned
-/// cones hold mirrored and turned voxels.
+/// The directions within half of `degrees` (greater than 0, less than 360) of a direction that is not (0, 0, 0). Mirrored and
+/// turned cones hold mirrored and turned voxels.
 ///
-/// With d an offset and v the direction, d lies within the cone when  d * v >= 0  and  (d * v)^2 >= cos^2 * d^2 * v^2, where cos^2 is a
-/// multiple of 2^-64. Directions are rounded to 29 bits, so that 128 hold everything. A cone of more than 180 degrees is all but the
-/// inside of one around the opposite direction.
+/// With d an offset and v the direction, d lies within the cone when  d * v >= 0  and  (d * v)^2 >= cos^2 * d^2 * v^2, where
+/// cos^2 is a multiple of 2^-64. Directions are rounded to 29 bits, so that 128 hold everything. A cone of more than 180 degrees
+/// is all but the inside of one around the opposite direction.
 class SightCone : public SightOpening
 {
 public:
@@ -79,10 +80,10 @@ private:
     WideUnsigned factor_; // cos^2 * v^2, times 2^64
 };
 
-/// A camera's view: the directions d in front, within half of each angle to the right and left, and above and below. Both angles are
-/// greater than 0 and less than 180 degrees. Up is the frame's Z made perpendicular to the direction; the frame's Y, where that is
-/// vertical. What misses a side by less than 2^-40 of its offset (the sum along the axes) lies within; no view is narrower than 2^-38 to
-/// either side. Normals of the sides have 62 bits, so that 96 hold their products with offsets.
+/// A camera's view: the directions d in front, within half of each angle to the right and left, and above and below. Both angles
+/// are greater than 0 and less than 180 degrees. Up is the frame's Z made perpendicular to the direction; the frame's Y, where
+/// that is vertical. What misses a side by less than 2^-40 of its offset (the sum along the axes) lies within; no view is
+/// narrower than 2^-38 to either side. Normals of the sides have 62 bits, so that 96 hold their products with offsets.
 class SightPyramid : public SightOpening
 {
 public:

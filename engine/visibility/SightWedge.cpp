@@ -24,8 +24,8 @@ Vector Along(std::size_t axis)
     return unit;
 }
 
-// What separates a convex region from a box, if anything does through the point: the region's own faces, the box's faces, or a plane
-// along an edge of each. Candidates that cut the region fall out.
+// What separates a convex region from a box, if anything does through the point: the region's own faces, the box's faces, or a
+// plane along an edge of each. Candidates that cut the region fall out.
 void AddIfOutside(std::vector<Vector>& normals, const std::vector<Vector>& rays, const Vector& candidate)
 {
     const double length = std::sqrt(Dot(candidate, candidate));

@@ -1,5 +1,5 @@
-// A hash of what a result holds, whatever way it is stored: the frame, the extents, the filled voxels of every level, or the bits of
-// numbers. FNV-1a of 64 bits (Fowler, Noll and Vo) over little-endian 64-bit words.
+// A hash of what a result holds, whatever way it is stored: the frame, the extents, the filled voxels of every level, or the bits
+// of numbers. FNV-1a of 64 bits (Fowler, Noll and Vo) over little-endian 64-bit words.
 #pragma once
 
 #include <brix.h>

@@ -1,10 +1,10 @@
-// Prints a line "name hash" for the result of every operation of the engine, on generated scenes and on the meshes of a folder. The lines
-// are the same on every machine, with every compiler and instruction set.
+// Prints a line "name hash" for the result of every operation of the engine, on generated scenes and on the meshes of a folder.
+// The lines are the same on every machine, with every compiler and instruction set.
 //
 //   brix_golden FOLDER_OF_MESHES [TABLE]
 //
-// With a table it prints the lines that differ from it instead, and which meshes were not there; the exit code tells whether any do.
-// To make the table of tests/golden again: brix_golden ../shared/data > tests/golden/expected.txt
+// With a table it prints the lines that differ from it instead, and which meshes were not there; the exit code tells whether any
+// do. To make the table of tests/golden again: brix_golden ../shared/data > tests/golden/expected.txt
 #include "ContentHash.h"
 
 #include <scenes/Building.h>
