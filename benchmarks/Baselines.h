@@ -1,4 +1,5 @@
-// The same results by the plainest means: dense bit sets and one test per voxel. What the engine is measured against, and checked.
+// The same results by the plainest means: dense bit sets and one test per voxel. What the engine is measured against, and
+// checked.
 #pragma once
 
 #include "model/VoxelModel.h"
@@ -51,8 +52,8 @@ template <class Visit> void DenseVoxels::ForEachSet(Visit visit) const
     }
 }
 
-/// Sets every voxel that a triangle (base units) touches: for each triangle, for each voxel of its box, the exact test in integers,
-/// with what belongs to the triangle computed once. `voxelSize` in base units. Triangles may span up to half a chunk.
+/// Sets every voxel that a triangle (base units) touches: for each triangle, for each voxel of its box, the exact test in
+/// integers, with what belongs to the triangle computed once. `voxelSize` in base units. Triangles may span up to half a chunk.
 void VoxelizeDensely(DenseVoxels& voxels, const Triple& voxelSize, const std::vector<LatticeTriangle>& triangles);
 
 /// The triangles in base units, by the frame's conversion, in one list.

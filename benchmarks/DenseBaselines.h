@@ -1,6 +1,6 @@
-// All operations on the plainest structure that is still fast: one bit per voxel of a box, in words of 64 along x. What the engine's
-// operations are measured against, and checked. Every voxel costs the same, filled or empty; memory is read in order, 64 voxels at a
-// time or 256 where the processor has AVX2.
+// All operations on the plainest structure that is still fast: one bit per voxel of a box, in words of 64 along x. What the
+// engine's operations are measured against, and checked. Every voxel costs the same, filled or empty; memory is read in order, 64
+// voxels at a time or 256 where the processor has AVX2.
 #pragma once
 
 #include "model/VoxelModel.h"
@@ -9,8 +9,8 @@
 
 namespace brix::benchmarks {
 
-/// The voxels of a model's extents at its finest level. Rows start at a multiple of 64, so that a plate's row lies in one word; bits
-/// outside the extents are 0.
+/// The voxels of a model's extents at its finest level. Rows start at a multiple of 64, so that a plate's row lies in one word;
+/// bits outside the extents are 0.
 struct DenseWords
 {
     explicit DenseWords(const Extents& extents);
@@ -40,13 +40,13 @@ VoxelModel<bool> ModelOf(const DenseWords& voxels, const Extents& extents, std::
 
 std::int64_t CountDensely(const DenseWords& voxels);
 
-/// Growth or shrinkage by n voxels (0..64) on both sides along an axis, by doubling steps; what leaves the box is lost, and outside
-/// counts as empty. One row along x, or the rows of one plane along y and z, pass through the cache at a time.
+/// Growth or shrinkage by n voxels (0..64) on both sides along an axis, by doubling steps; what leaves the box is lost, and
+/// outside counts as empty. One row along x, or the rows of one plane along y and z, pass through the cache at a time.
 DenseWords GrowDensely(const DenseWords& voxels, Axis axis, std::int64_t n);
 DenseWords ShrinkDensely(const DenseWords& voxels, Axis axis, std::int64_t n);
 
-/// Growth by one voxel where there is at least one filled neighbour beside and, if asked for, at least one below or above; shrinkage
-/// where there are empty ones.
+/// Growth by one voxel where there is at least one filled neighbour beside and, if asked for, at least one below or above;
+/// shrinkage where there are empty ones.
 enum class Vertical
 {
     Ignored,
@@ -67,8 +67,8 @@ DenseWords IntersectDensely(const DenseWords& a, const DenseWords& b);
 DenseWords SubtractDensely(const DenseWords& a, const DenseWords& b);
 DenseWords InvertDensely(const DenseWords& voxels);
 
-/// With the empty regions filled that reach the faces of the extents, or the others. The flood sweeps all rows upwards and downwards,
-/// with whole words along x, until a sweep changes nothing.
+/// With the empty regions filled that reach the faces of the extents, or the others. The flood sweeps all rows upwards and
+/// downwards, with whole words along x, until a sweep changes nothing.
 DenseWords FillExposedDensely(const DenseWords& voxels);
 DenseWords FillEnclosedDensely(const DenseWords& voxels);
 

@@ -48,9 +48,9 @@ VoxelModel<bool> Voxelized(const std::string& scene, std::int64_t voxels)
     return model;
 }
 
-// The bunny's mesh has holes in its base, through which a fill leaves. Along y they are narrower than a sixth of the bunny, so that
-// they close when the shell grows along y, and a little along z, as the base is not even. What is enclosed then grows back as far as
-// the shell itself.
+// The bunny's mesh has holes in its base, through which a fill leaves. Along y they are narrower than a sixth of the bunny, so
+// that they close when the shell grows along y, and a little along z, as the base is not even. What is enclosed then grows back
+// as far as the shell itself.
 VoxelModel<bool> Solid(const VoxelModel<bool>& shell, std::int64_t voxels)
 {
     const int reach = static_cast<int>(voxels / 11);

@@ -19,8 +19,8 @@ struct OperationScene
     VoxelModel<bool> other;
 };
 
-/// bunny-shell, bunny-solid (with its inside filled), building, city: so many voxels along the longest side. noise, dust: a cube with so many,
-/// half or an eighth of them filled at random. Made at first use and kept.
+/// bunny-shell, bunny-solid (with its inside filled), building, city: so many voxels along the longest side. noise, dust: a cube
+/// with so many, half or an eighth of them filled at random. Made at first use and kept.
 const OperationScene& SceneOfOperations(const std::string& name, std::int64_t voxels);
 
 /// Whether the files that the scene needs are there.

@@ -39,8 +39,8 @@ const std::vector<std::pair<std::string, Source>>& Sources()
     return sources;
 }
 
-// A frame whose finest voxels are cubes, `voxels` of them along the longest side of the triangles' bounding box. Faces of generated
-// buildings would meet faces of voxels if the margin were half a voxel, and each would then be two voxels thick.
+// A frame whose finest voxels are cubes, `voxels` of them along the longest side of the triangles' bounding box. Faces of
+// generated buildings would meet faces of voxels if the margin were half a voxel, and each would then be two voxels thick.
 Axes FrameFor(const std::vector<WorldTriangle>& triangles, std::int64_t voxels)
 {
     std::array<double, 3> lower = triangles.front().front();

@@ -1,5 +1,5 @@
-// STL files of a million triangles in the binary variant and of 200,000 in the ASCII variant, each beside the least that has to be
-// done for them, or the plainest way to do it:
+// STL files of a million triangles in the binary variant and of 200,000 in the ASCII variant, each beside the least that has to
+// be done for them, or the plainest way to do it:
 //
 //   ReadBinaryStl    beside   ReadBinaryStlBaseline    the file in one read, its records widened to doubles
 //   ReadAsciiStl     beside   ReadAsciiStlBaseline     the file in one read, from_chars on every number of a vertex line

@@ -25,7 +25,8 @@ inline std::vector<WorldTriangle> Tessellated(const VoxelModel<bool>& model)
     return triangles;
 }
 
-/// The filled voxels that a list of boxes covers, twelve triangles each: triangles 1 and 7 of a box hold its lower and upper corner.
+/// The filled voxels that a list of boxes covers, twelve triangles each: triangles 1 and 7 of a box hold its lower and upper
+/// corner.
 inline std::int64_t CountCoveredVoxels(const GriddedScene& scene, const std::vector<WorldTriangle>& triangles)
 {
     const double width = scene.axes.WorldVoxelWidth(GriddedScene::FinestLOD);

@@ -1,5 +1,5 @@
-// Any bytes at all, read as an STL file that is in memory. Either a std::runtime_error says what is wrong with them, or there is a
-// list of triangles; that list must come back from both variants of the format.
+// Any bytes at all, read as an STL file that is in memory. Either a std::runtime_error says what is wrong with them, or there is
+// a list of triangles; that list must come back from both variants of the format.
 #include "triangles/StlFormats.h"
 
 #include <cmath>

@@ -1,6 +1,6 @@
-// Tessellation beside OpenVDB's volumeToMesh on the same voxels, both on one thread. OpenVDB gets a grid that is 1 in filled voxels
-// and 0 elsewhere, of floats (what the function is made for) or of booleans, and makes the surface at 0.5 without simplification:
-// one quad between every filled voxel and an empty one beside it. The engine makes closed boxes.
+// Tessellation beside OpenVDB's volumeToMesh on the same voxels, both on one thread. OpenVDB gets a grid that is 1 in filled
+// voxels and 0 elsewhere, of floats (what the function is made for) or of booleans, and makes the surface at 0.5 without
+// simplification: one quad between every filled voxel and an empty one beside it. The engine makes closed boxes.
 #include "Baselines.h"
 #include "TessellationMeasures.h"
 

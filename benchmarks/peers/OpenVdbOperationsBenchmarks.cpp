@@ -1,6 +1,6 @@
-// Operations beside OpenVDB's on the same voxels, both on one thread. OpenVDB works on a tree of MaskGrid, whose uniform nodes are
-// pruned to tiles; every one of its operations changes a copy, and the copy is timed, because the engine's operations return a new
-// model. The engine's results hold all levels and are bounded by their filled voxels, which is timed too.
+// Operations beside OpenVDB's on the same voxels, both on one thread. OpenVDB works on a tree of MaskGrid, whose uniform nodes
+// are pruned to tiles; every one of its operations changes a copy, and the copy is timed, because the engine's operations return
+// a new model. The engine's results hold all levels and are bounded by their filled voxels, which is timed too.
 //
 //   DilateFace<n>, ErodeFace<n>     OpenVDB: n voxels in all six directions, tiles kept where they can be
 //   ExpandFace1, ReduceFace1        the engine's way to exactly the same voxels for n = 1: the six neighbours as the union

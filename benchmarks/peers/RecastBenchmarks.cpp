@@ -1,6 +1,6 @@
-// Voxelization beside Recast's rcRasterizeTriangles, which clips each triangle to columns of cells and merges the spans of heights:
-// in floats, at the same cell size, from an indexed float mesh, into a fresh heightfield. Both sides start from world coordinates in
-// FileAndVoxelize; Voxelize starts from filed triangles. Recast's Y is the height.
+// Voxelization beside Recast's rcRasterizeTriangles, which clips each triangle to columns of cells and merges the spans of
+// heights: in floats, at the same cell size, from an indexed float mesh, into a fresh heightfield. Both sides start from world
+// coordinates in FileAndVoxelize; Voxelize starts from filed triangles. Recast's Y is the height.
 #include "VoxelizationMeasures.h"
 #include "operations/BasicOperations.h"
 #include "travel/PathModel.h"
@@ -100,8 +100,8 @@ void MeasureRecast(benchmark::State& state, const GriddedScene& scene)
     state.counters["voxels"] = static_cast<double>(scene.FilledVoxels());
 }
 
-// From triangles to where an agent can stand, 5 voxels wide and 18 high, who climbs one voxel. Rules differ at ledges, which Recast
-// forbids and the engine forbids above drops of two voxels: the counts stand beside the times and are not compared.
+// From triangles to where an agent can stand, 5 voxels wide and 18 high, who climbs one voxel. Rules differ at ledges, which
+// Recast forbids and the engine forbids above drops of two voxels: the counts stand beside the times and are not compared.
 constexpr int AgentRadius = 2;
 constexpr int AgentHeight = 18;
 

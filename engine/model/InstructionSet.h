@@ -1,5 +1,5 @@
-// Hot loops are compiled twice: portably, and for x86 processors with AVX2 and the bit instructions that came with it. Which one runs
-// is asked of the processor. Both give the same bits; tests run both.
+// Hot loops are compiled twice: portably, and for x86 processors with AVX2 and the bit instructions that came with it. Which one
+// runs is asked of the processor. Both give the same bits; tests run both.
 #pragma once
 
 namespace brix {

@@ -11,8 +11,8 @@ namespace brix {
 
 /// Spreads along the rows to both sides.
 ///
-/// Towards larger x a sum does it: the lowest reached bit of a run of open bits starts a carry, which clears all further open bits of
-/// the run up to the next reached one, and from there again, to the end of the run (x to the right):
+/// Towards larger x a sum does it: the lowest reached bit of a run of open bits starts a carry, which clears all further open
+/// bits of the run up to the next reached one, and from there again, to the end of the run (x to the right):
 ///
 ///     open  .#####.##     reached  ..#..#...     sum  .#..#.###     open and not sum, or reached  ..####...
 ///

@@ -5,8 +5,8 @@
 
 namespace brix {
 
-/// The voxels of the plane x, y or z = `sliceIndex` at a level, 0..FinestLOD(): every voxel of the model's extents that lies in the
-/// plane, filled or not, in rows of ascending indices.
+/// The voxels of the plane x, y or z = `sliceIndex` at a level, 0..FinestLOD(): every voxel of the model's extents that lies in
+/// the plane, filled or not, in rows of ascending indices.
 ///
 ///     function             a row for every    bits along a row
 ///     RowsAtSliceXIndex    z                  y

@@ -55,8 +55,8 @@ void RequireAdjacency(int horizontal, int vertical)
             "The minimum required number of horizontally and vertically adjacent voxels cannot both be zero.");
 }
 
-// The passes that make a disc of a diameter, each given by the number of neighbours it asks for: a 1 grows by one voxel on all four
-// sides, a 2 fills the corners that are left between. Calls pass(neighbours) until that says false.
+// The passes that make a disc of a diameter, each given by the number of neighbours it asks for: a 1 grows by one voxel on all
+// four sides, a 2 fills the corners that are left between. Calls pass(neighbours) until that says false.
 template <class PassOf> void ForEachDiscPass(std::int64_t diameter, const PassOf& pass)
 {
     const auto passAll = [&](std::initializer_list<std::int64_t> steps) { return std::all_of(steps.begin(), steps.end(), pass); };

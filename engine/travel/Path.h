@@ -16,8 +16,8 @@ public:
     /// Length in base units, rounded: the field's distance at the point.
     std::int64_t Length() const { return length_; }
 
-    /// The way as a polyline in base units, from the centre of the point's voxel to that of the source. Pieces that follow each other
-    /// straight are one; a single point where the point is at the source.
+    /// The way as a polyline in base units, from the centre of the point's voxel to that of the source. Pieces that follow each
+    /// other straight are one; a single point where the point is at the source.
     const std::vector<Triple>& Points() const { return points_; }
 
     /// The voxels that the way leads over in plan, each a step from the next one; on extents that bound them.

@@ -41,8 +41,9 @@ void RequireAgent(const Voxels& environment, std::int64_t voxelLOD, std::int64_t
             "If the agent height used to construct a path model is 1, then the environment must be 2D (1 voxel in height).");
 }
 
-// Standing places are the unblocked voxels above blocked ones. Obstacles are blocked voxels that are blocked above, too (walls, and
-// steps of more than one voxel) and air that has no ground within two voxels below (drops); the agent's footprint stays clear of both.
+// Standing places are the unblocked voxels above blocked ones. Obstacles are blocked voxels that are blocked above, too (walls,
+// and steps of more than one voxel) and air that has no ground within two voxels below (drops); the agent's footprint stays clear
+// of both.
 Voxels StandingPlaces(const Voxels& solid, std::int64_t diameter, std::int64_t height)
 {
     const std::int64_t lod = solid.FinestLOD();

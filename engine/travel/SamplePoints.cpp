@@ -1,5 +1,5 @@
-// Sample points: a flood over the traversable voxels that stops at the borders of the grid's cells finds the floors; each remembers its
-// best voxel meanwhile.
+// Sample points: a flood over the traversable voxels that stops at the borders of the grid's cells finds the floors; each
+// remembers its best voxel meanwhile.
 #include "PathModel.h"
 
 #include "../frame/Require.h"
@@ -44,8 +44,8 @@ public:
         return {FloorDivide(centre[0], spacing_), FloorDivide(centre[1], spacing_)};
     }
 
-    // Square of twice the distance in plan between the centres of a voxel and of its cell. No cell is wider than the index space, so
-    // that this stays within 64 bits.
+    // Square of twice the distance in plan between the centres of a voxel and of its cell. No cell is wider than the index space,
+    // so that this stays within 64 bits.
     std::int64_t Remoteness(const Triple& voxel) const
     {
         const Triple centre = axes_.VoxelCenter(voxel, lod_);

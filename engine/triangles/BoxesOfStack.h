@@ -9,8 +9,8 @@
 
 namespace brix {
 
-/// Calls visit(lower, upper) with the stack offsets of every box, the lower corner inclusive and the upper exclusive: layers bottom
-/// to top, in a layer bands of adjacent equal rows, in a band runs of adjacent filled voxels.
+/// Calls visit(lower, upper) with the stack offsets of every box, the lower corner inclusive and the upper exclusive: layers
+/// bottom to top, in a layer bands of adjacent equal rows, in a band runs of adjacent filled voxels.
 template <class Visit> void ForEachBoxOfStack(const VoxelStack<bool>& stack, const Visit& visit)
 {
     if (stack.IsUnallocated()) return;

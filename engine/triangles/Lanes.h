@@ -1,5 +1,5 @@
-// Vectors of numbers that GCC and Clang turn into whatever vector instructions the function around them is compiled for. The usual
-// operators work on all lanes at once; a comparison gives 0 or -1 in each lane.
+// Vectors of numbers that GCC and Clang turn into whatever vector instructions the function around them is compiled for. The
+// usual operators work on all lanes at once; a comparison gives 0 or -1 in each lane.
 //
 // Functions take them by reference and give them back by reference: how a vector is passed depends on the instruction set.
 #pragma once
@@ -13,8 +13,8 @@ typedef std::int32_t Quad __attribute__((vector_size(16)));
 typedef std::int64_t WideQuad __attribute__((vector_size(32)));
 typedef double DoubleQuad __attribute__((vector_size(32)));
 
-/// Eight rows of voxels side by side. Unsigned, because numbers of lanes and columns outside of a box may overflow; nobody asks for
-/// their results.
+/// Eight rows of voxels side by side. Unsigned, because numbers of lanes and columns outside of a box may overflow; nobody asks
+/// for their results.
 typedef std::uint32_t Lanes __attribute__((vector_size(32)));
 typedef std::int32_t SignedLanes __attribute__((vector_size(32)));
 

@@ -37,8 +37,8 @@ static_assert(sizeof(WorldTriangle) == 9 * sizeof(double) && sizeof(PackedTriang
 
 void Load(DoubleQuad& quad, const double* from) { std::memcpy(&quad, from, sizeof quad); }
 
-// trunc(units) - TruncationBiasUnits within +-MaxPackedCoordinate, in which range `units` is positive. The sum with a power of two
-// has no room for a fraction.
+// trunc(units) - TruncationBiasUnits within +-MaxPackedCoordinate, in which range `units` is positive. The sum with a power of
+// two has no room for a fraction.
 void TruncateBiased(const DoubleQuad& units, Quad& coords)
 {
     constexpr double bias = static_cast<double>(Axes::TruncationBiasUnits);

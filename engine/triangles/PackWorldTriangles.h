@@ -8,9 +8,9 @@
 
 namespace brix {
 
-/// packed[i] becomes what the frame's FromWorldCoordinates makes of the corners of triangles[i], held within +-MaxPackedCoordinate.
-/// Where a coordinate is not finite, those beside it may become the lower bound, too: a triangle that has one of the bounds is to be
-/// converted by other means. `packed` has as many triangles as `triangles`.
+/// packed[i] becomes what the frame's FromWorldCoordinates makes of the corners of triangles[i], held within
+/// +-MaxPackedCoordinate. Where a coordinate is not finite, those beside it may become the lower bound, too: a triangle that has
+/// one of the bounds is to be converted by other means. `packed` has as many triangles as `triangles`.
 void PackWorldTriangles(const Axes& axes, std::span<const WorldTriangle> triangles, std::span<PackedTriangle> packed,
                         InstructionSet instructionSet);
 

@@ -55,9 +55,10 @@ struct PackedCorners
     Quad lower, upper;
 };
 
-/// The cell of a grid that holds a point: floor(point / cell) along each axis, exactly. The quotient of point + 1/2 lies at least half
-/// a base unit from every whole number, that is 2^-23 for the largest cells, those of chunks; it is below 2^21, because the smallest
-/// cells, those of voxels, are 1250 base units wide. A double gets it right within 2^-30, and adding 2^21 makes truncation a floor.
+/// The cell of a grid that holds a point: floor(point / cell) along each axis, exactly. The quotient of point + 1/2 lies at least
+/// half a base unit from every whole number, that is 2^-23 for the largest cells, those of chunks; it is below 2^21, because the
+/// smallest cells, those of voxels, are 1250 base units wide. A double gets it right within 2^-30, and adding 2^21 makes
+/// truncation a floor.
 inline void ContainingCell(const Quad& point, const DoubleQuad& perCell, Quad& cell)
 {
     constexpr std::int32_t bias = 1 << 21;

@@ -102,7 +102,8 @@ inline bool ConvertLongDecimal(std::string_view text, double& number)
 }
 
 /// Takes one number from the start of `text`, as `stream >> number` would. Returns false where the stream would fail; `number` is
-/// then what the stream leaves: unchanged at the end of the text, 0 for what is no number, the largest double for what exceeds it.
+/// then what the stream leaves: unchanged at the end of the text, 0 for what is no number, the largest double for what exceeds
+/// it.
 inline bool TakeNumber(std::string_view& text, double& number)
 {
     const Decimal decimal = TakeDecimal(text);

@@ -76,17 +76,18 @@ void ForEachPiece(const LatticeTriangle& triangle, const Touches& touches, const
 }
 
 /// Calls visit(piece, box) for the pieces of a triangle that span at most MaxPieceSpan. A triangle that is larger is cut at the
-/// midpoints of its edges, again and again; touches(box) false drops a part at once, which bounds the work for a large triangle. The
-/// parts of a line cover each other, and each is cut once. The corners must lie within +-MaxCoordinate.
+/// midpoints of its edges, again and again; touches(box) false drops a part at once, which bounds the work for a large triangle.
+/// The parts of a line cover each other, and each is cut once. The corners must lie within +-MaxCoordinate.
 template <class Touches, class Visit>
 void ForEachPiece(const LatticeTriangle& triangle, const Touches& touches, const Visit& visit)
 {
     ForEachPiece(triangle, touches, visit, nullptr);
 }
 
-/// Calls visit(triangle), or, when a corner lies farther than FarCoordinate from the origin, visit(part) for triangles that cover what
-/// of it lies within lower..upper. The cuts of a needle from a model to a corner that far (a NaN, say) would come to lie upon each
-/// other in their millions. No valid model comes near that distance; new corners are rounded, like the midpoints of cuts.
+/// Calls visit(triangle), or, when a corner lies farther than FarCoordinate from the origin, visit(part) for triangles that cover
+/// what of it lies within lower..upper. The cuts of a needle from a model to a corner that far (a NaN, say) would come to lie
+/// upon each other in their millions. No valid model comes near that distance; new corners are rounded, like the midpoints of
+/// cuts.
 inline constexpr std::int64_t FarCoordinate = std::int64_t{1} << 33;
 void ForEachNearPart(const LatticeTriangle& triangle, const Triple& lower, const Triple& upper,
                      const std::function<void(const LatticeTriangle&)>& visit);

@@ -1,21 +1,21 @@
-// The voxels of one chunk that triangles touch, by the conservative overlap test of Schwarz and Seidel ("Fast Parallel Surface and
-// Solid Voxelization on GPUs", 2010): a triangle and a box overlap exactly when
+// The voxels of one chunk that triangles touch, by the conservative overlap test of Schwarz and Seidel ("Fast Parallel Surface
+// and Solid Voxelization on GPUs", 2010): a triangle and a box overlap exactly when
 //
 //   - their bounding boxes overlap,
 //   - the triangle's plane does not pass the box on one side,
 //   - in each of the projections xy, yz and zx the box touches the inner side of all three edges.
 //
-// Each of these conditions asks for the sign of a number that is linear in the voxel's indices. Eight rows of voxels are worked on at
-// once, a row in each lane of a vector; a column of voxels, one per lane, adds a bit to each row:
+// Each of these conditions asks for the sign of a number that is linear in the voxel's indices. Eight rows of voxels are worked
+// on at once, a row in each lane of a vector; a column of voxels, one per lane, adds a bit to each row:
 //
 //   lane 7  ..####..     for each column   rows = 2 * rows + (1 where the column's number has the wrong sign)
 //   ...     .#####..                       numbers -= step of a column
 //   lane 0  .###....
 //
-// The rows of the xy projection (lanes along y) hold at all heights, those of the xz projection (lanes along z) for all y, and the yz
-// projection takes or leaves a lane as a whole; only the plane needs a number for every voxel. Where a triangle's box is one voxel
-// thick along an axis, the conditions that involve that axis hold for all of its voxels and are left out; along two axes, the
-// triangle touches all of the box. Many triangles of a fine mesh are small enough for that.
+// The rows of the xy projection (lanes along y) hold at all heights, those of the xz projection (lanes along z) for all y, and
+// the yz projection takes or leaves a lane as a whole; only the plane needs a number for every voxel. Where a triangle's box is
+// one voxel thick along an axis, the conditions that involve that axis hold for all of its voxels and are left out; along two
+// axes, the triangle touches all of the box. Many triangles of a fine mesh are small enough for that.
 #pragma once
 
 #include "../model/InstructionSet.h"

@@ -7,8 +7,8 @@
 
 namespace brix::sight {
 
-/// Marks in `result`, an empty model on the same extents, what sight lines along `direction` reach. Code for any instruction set of
-/// this processor marks the same voxels.
+/// Marks in `result`, an empty model on the same extents, what sight lines along `direction` reach. Code for any instruction set
+/// of this processor marks the same voxels.
 void MarkFromDirection(VoxelModel<bool>& result, const VoxelModel<bool>& model, const Triple& direction, std::int64_t lod,
                        double threshold, InstructionSet instructionSet);
 

@@ -12,8 +12,8 @@ public:
     /// `point` in base units; `lod` the level of the voxels; `radius` in base units, 0 .. 2800000000 (its square fits 64 bits).
     SightSphere(const Axes& axes, const Triple& point, std::int64_t lod, std::int64_t radius);
 
-    /// The lowest and the highest voxel index along each axis whose centre lies within the radius along that axis alone. The sphere
-    /// is empty when one of the lower ones is above its upper one.
+    /// The lowest and the highest voxel index along each axis whose centre lies within the radius along that axis alone. The
+    /// sphere is empty when one of the lower ones is above its upper one.
     const Triple& LowerIndices() const { return lower_; }
     const Triple& UpperIndices() const { return upper_; }
 

@@ -59,7 +59,8 @@ struct Wall
 /// `openings`  in rising order along the wall, apart from each other
 void AddWall(Triangles& scene, const Wall& wall, const std::vector<Opening>& openings = {});
 
-/// A straight flight that climbs towards larger x. The last riser leads to the upper floor, so there is a tread fewer than risers.
+/// A straight flight that climbs towards larger x. The last riser leads to the upper floor, so there is a tread fewer than
+/// risers.
 struct Flight
 {
     double from;      // x of the first riser

@@ -1,6 +1,6 @@
 // A town for large examples and benchmarks: turned buildings of many sizes on a grid of streets, on hilly ground made of small
-// triangles. The same seed gives the same triangles on every machine: all corners lie on multiples of 1/1024 m, which also survive
-// a binary STL file unchanged.
+// triangles. The same seed gives the same triangles on every machine: all corners lie on multiples of 1/1024 m, which also
+// survive a binary STL file unchanged.
 #pragma once
 
 #include <brix/triangles/Triangle.h>

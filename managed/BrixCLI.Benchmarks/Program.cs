@@ -1,5 +1,5 @@
-// What the way through BrixCLI costs. tools/dev/benchmark-boundary runs this beside EngineAlone.cpp, which does the same work with the
-// same triangles. Prints one line per measurement: a name, then milliseconds or nanoseconds.
+// What the way through BrixCLI costs. tools/dev/benchmark-boundary runs this beside EngineAlone.cpp, which does the same work
+// with the same triangles. Prints one line per measurement: a name, then milliseconds or nanoseconds.
 using System;
 using System.Collections.Generic;
 using System.Diagnostics;
@@ -37,7 +37,8 @@ static double NanosecondsOf<T>(Func<T> call)
     return Milliseconds(start) * 1e6 / calls;
 }
 
-static void Print(string name, double value) => Console.WriteLine(name + " " + value.ToString("F3", CultureInfo.InvariantCulture));
+static void Print(string name, double value) =>
+    Console.WriteLine(name + " " + value.ToString("F3", CultureInfo.InvariantCulture));
 
 // A gently bent sheet of one by one, two triangles per square.
 static List<double> Surface(int squares)

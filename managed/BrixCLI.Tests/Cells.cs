@@ -30,7 +30,8 @@ public sealed record Cells(Cell Lower, Cell Upper, SortedSet<Cell> Filled)
     public static readonly Cell[] Beside = [(1, 0, 0), (-1, 0, 0), (0, 1, 0), (0, -1, 0)];
     public static readonly Cell[] Stacked = [(0, 0, 1), (0, 0, -1)];
 
-    public Cells With(Cell lower, Cell upper) => new(lower, upper, [.. (this with { Lower = lower, Upper = upper }).All().Where(Holds)]);
+    public Cells With(Cell lower, Cell upper) =>
+        new(lower, upper, [.. (this with { Lower = lower, Upper = upper }).All().Where(Holds)]);
 
     public Cells Cropped() => Filled.Count == 0 ? throw new InvalidOperationException("nothing is left to test") : With(
         (Filled.Min(c => c.X), Filled.Min(c => c.Y), Filled.Min(c => c.Z)),
@@ -43,7 +44,8 @@ public sealed record Cells(Cell Lower, Cell Upper, SortedSet<Cell> Filled)
     public Cells Grow(Cells? guide, Func<Func<Cell, bool>, bool> grows) => Where(cell =>
         Holds(cell) || (guide?.Holds(cell) != true && grows(step => Holds(Plus(cell, step)))));
 
-    /// <summary>One pass: a filled cell empties where `shrinks` says so of its empty neighbours; the guide counts as filled.</summary>
+    /// <summary>One pass: a filled cell empties where `shrinks` says so of its empty neighbours; the guide counts as
+    /// filled.</summary>
     public Cells Shrink(Cells? guide, Func<Func<Cell, bool>, bool> shrinks) => Where(cell =>
         Holds(cell) && !shrinks(step => !Holds(Plus(cell, step)) && guide?.Holds(Plus(cell, step)) != true));
 

@@ -20,7 +20,8 @@ public class ConversionTests
         using VoxelModelCLI model = BlockAndMore();
         Assert.Equal([12, 21, 30, 2, 3, 4, 14, 24, 30, 1, 1, 1],
             VoxelCuboidizationCLI.CuboidizeVoxelModel(model, 5, 2).Select(number => Math.Round(number, 9)));
-        Assert.Equal([10, 20, 30, 16, 16, 4], VoxelCuboidizationCLI.CuboidizeVoxelModel(model, 1, double.NaN).Select(number => Math.Round(number, 6)));
+        Assert.Equal([10, 20, 30, 16, 16, 4],
+            VoxelCuboidizationCLI.CuboidizeVoxelModel(model, 1, double.NaN).Select(number => Math.Round(number, 6)));
         Assert.Equal("Total cuboid count of 2 exceeds limit of 1.5. Consider converting the voxels at a coarser level of detail.",
             MessageOf(() => VoxelCuboidizationCLI.CuboidizeVoxelModel(model, 5, 1.5)));
         Assert.Equal("The level of detail for voxel cuboidization cannot be negative. The value encountered was -1.",
@@ -77,9 +78,11 @@ public class ConversionTests
         double[] weights = [1, -0.5, 0.25];
         double[] levels = [1.25, 0.5, 1, 0];
         Cells box = new((-3, -1, 0), (5, 6, 2), []);
-        double Sum(Cell cell) => (a.Holds(cell) ? weights[0] : 0) + (b.Holds(cell) ? weights[1] : 0) + (c.Holds(cell) ? weights[2] : 0);
+        double Sum(Cell cell) => (a.Holds(cell) ? weights[0] : 0) + (b.Holds(cell) ? weights[1] : 0)
+            + (c.Holds(cell) ? weights[2] : 0);
         List<VoxelModelCLI> maps = SpecialOperationsCLI.DensityMap([modelA, modelB, modelC], [.. weights], [.. levels], 5);
-        Assert.Equal(levels.Select(level => box.Where(cell => level <= 0 || Sum(cell) >= level).ToString()), maps.Select(map => Take(map)));
+        Assert.Equal(levels.Select(level => box.Where(cell => level <= 0 || Sum(cell) >= level).ToString()),
+            maps.Select(map => Take(map)));
         using VoxelModelCLI coarse = SpecialOperationsCLI.DensityMap([modelA], [1], [1], 3).Single();
         Assert.Equal(3, coarse.FinestLOD());
     }
@@ -95,14 +98,16 @@ public class ConversionTests
         double far = axes.ValidateDistance(-1);
         Cells box = new((-8, -8, -8), (8, 8, 8), []);
         using VoxelModelCLI cone = VisibilityOperationsCLI.VisibilityWithinCone(model, eye, ahead, 60, 5, far, 0.5, false);
-        Assert.Equal(box.Where(p => p == (0, 0, 0) || (p.X > 0 && 3.0000001 * p.X * p.X >= 9 * (p.Y * p.Y + p.Z * p.Z))).ToString(),
+        Assert.Equal(box.Where(p => p == (0, 0, 0) || (p.X > 0 && 3.0000001 * p.X * p.X >= 9 * (p.Y * p.Y + p.Z * p.Z)))
+            .ToString(),
             Read(cone).ToString());
         using VoxelModelCLI view = VisibilityOperationsCLI.VisibilityWithinPyramid(model, eye, ahead, 90, 60, 5, far, 0.5, false);
         Assert.Equal(box.Where(p => p == (0, 0, 0) || (p.X > 0 && Math.Abs(p.Y) <= p.X && 3 * p.Z * p.Z <= p.X * p.X)).ToString(),
             Read(view).ToString());
         using VoxelModelCLI near = VisibilityOperationsCLI.VisibilityWithinCone(model, eye, ahead, 60, 4, 3, 0.5, true);
         Assert.Equal(4, near.FinestLOD());
-        using VoxelModelCLI nearView = VisibilityOperationsCLI.VisibilityWithinPyramid(model, eye, ahead, 60, 60, 4, 3, 0.5, true);
+        using VoxelModelCLI nearView = VisibilityOperationsCLI.VisibilityWithinPyramid(model, eye, ahead, 60, 60, 4, 3, 0.5,
+            true);
         Assert.Equal(4, nearView.FinestLOD());
         Assert.Equal("The direction for visibility computation cannot be [0, 0, 0].", MessageOf(() =>
             VisibilityOperationsCLI.VisibilityWithinCone(model, eye, [0, 0, 0], 60, 5, 1, 0.5, false)));

@@ -8,8 +8,8 @@ using static BrixCLI.Tests.Scene;
 namespace BrixCLI.Tests;
 
 /// <summary>
-/// Every public member of every class with each hostile value in each argument, and in each pair of arguments: it gives a result or
-/// throws System.Exception, and the process lives on.
+/// Every public member of every class with each hostile value in each argument, and in each pair of arguments: it gives a result
+/// or throws System.Exception, and the process lives on.
 /// </summary>
 public class HostileTests
 {
@@ -28,19 +28,23 @@ public class HostileTests
     private static readonly Dictionary<Type, object?[]> Values = new() {
         [typeof(int)] = [1, 0, 5, 6, -1, int.MinValue, int.MaxValue],
         [typeof(long)] = [1L, 0L, 7L, -1L, long.MinValue, long.MaxValue],
-        [typeof(double)] = [1000.0, 0.0, -1.0, double.Epsilon, 1e308, double.NaN, double.PositiveInfinity, double.NegativeInfinity],
+        [typeof(double)] = [1000.0, 0.0, -1.0, double.Epsilon, 1e308, double.NaN, double.PositiveInfinity,
+            double.NegativeInfinity],
         [typeof(bool)] = [false, true],
-        [typeof(string)] = [Path.Combine(Path.GetTempPath(), "brix-hostile.stl"), null, "", "\0", "/", new string('x', 70000), "\ud800"],
+        [typeof(string)] = [Path.Combine(Path.GetTempPath(), "brix-hostile.stl"), null, "", "\0", "/", new string('x', 70000),
+            "\ud800"],
         [typeof(long[])] = [new long[3], null, new long[2], new[] { long.MinValue, long.MaxValue, 0 }],
         [typeof(double[])] = [new double[3], null, new double[4]],
-        [typeof(double[][][])] = [new[] { new[] { new double[3], new double[3], new double[3] } }, null, new double[][][] { null! },
+        [typeof(double[][][])] = [new[] { new[] { new double[3], new double[3], new double[3] } }, null,
+            new double[][][] { null! },
             new[] { new double[][] { null!, null!, null! } }],
         [typeof(List<int>)] = [new List<int> { 1, 1, 1 }, null, new List<int>(), new List<int> { 0, 0 },
             new List<int> { int.MinValue, int.MaxValue, 0 }, new List<int> { int.MaxValue, int.MaxValue, int.MaxValue }],
         [typeof(List<double>)] = [Triangles([(1, 1, 1)]), null, new List<double>(), new List<double> { 1, 2 },
             Enumerable.Repeat(double.NaN, 9).ToList(), Enumerable.Repeat(double.PositiveInfinity, 18).ToList(),
             Enumerable.Repeat(1e308, 9).ToList(), new List<double> { 0, 0, 0 }, Enumerable.Repeat(-1e19, 10).ToList()],
-        [typeof(AxesCLI)] = [GoodAxes, null, DisposedAxes, .. from spacing in new[] { 0, double.NaN, 1e-300, double.PositiveInfinity }
+        [typeof(AxesCLI)] = [GoodAxes, null, DisposedAxes,
+            .. from spacing in new[] { 0, double.NaN, 1e-300, double.PositiveInfinity }
             select new AxesCLI(spacing, Origin, double.NegativeInfinity, 5)],
         [typeof(ExtentsCLI)] = [GoodExtents, null, DisposedExtents],
         [typeof(VoxelModelCLI)] = [Model, null, DisposedModel],
@@ -57,13 +61,15 @@ public class HostileTests
     }
 
     public static IEnumerable<object[]> Classes() =>
-        typeof(AxesCLI).Assembly.GetExportedTypes().Where(type => !(type.IsAbstract && !type.IsSealed)).Select(type => new object[] { type });
+        typeof(AxesCLI).Assembly.GetExportedTypes().Where(type => !(type.IsAbstract && !type.IsSealed))
+            .Select(type => new object[] { type });
 
     [Theory]
     [MemberData(nameof(Classes))]
     public void NoArgumentCrashesTheProcess(Type type)
     {
-        foreach (ConstructorInfo constructor in type.GetConstructors()) Attack(constructor, arguments => constructor.Invoke(arguments));
+        foreach (ConstructorInfo constructor in type.GetConstructors()) Attack(constructor, arguments =>
+            constructor.Invoke(arguments));
         object?[] receivers = type.IsAbstract ? [null] : Values.TryGetValue(type, out object?[]? values)
             ? [.. values.Where(item => item != null)] : [Create(type), Disposed(Create(type))];
         foreach (object? receiver in receivers) {
@@ -77,7 +83,8 @@ public class HostileTests
     {
         if (type == typeof(PathCLI)) return new PathCLI(GoodField, Centre((1, 1, 2)));
         ConstructorInfo constructor = type.GetConstructors().OrderBy(item => item.GetParameters().Length).First();
-        return (IDisposable)constructor.Invoke(constructor.GetParameters().Select(item => Values[item.ParameterType][0]).ToArray());
+        return (IDisposable)constructor.Invoke(constructor.GetParameters().Select(item => Values[item.ParameterType][0])
+            .ToArray());
     }
 
     private static void Attack(MethodBase method, Func<object?[], object?> call)

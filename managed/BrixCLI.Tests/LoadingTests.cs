@@ -17,7 +17,8 @@ public class LoadingTests
         Assert.Equal(1, code);
         Assert.StartsWith("System.Exception: The native library " + NativeLibraryLoader.FileName + " of BrixCLI " +
             Metadata("BrixVersion"), output);
-        foreach (string place in new[] { "", Path.Combine("runtimes", NativeLibraryLoader.Rid, "native"), NativeLibraryLoader.Rid.Split('-')[1] }) {
+        foreach (string place in new[] { "", Path.Combine("runtimes", NativeLibraryLoader.Rid, "native"),
+            NativeLibraryLoader.Rid.Split('-')[1] }) {
             string path = Path.Combine(folder, place, NativeLibraryLoader.FileName);
             Assert.Contains("\n  " + path + ": there is no such file", output);
             Directory.CreateDirectory(Path.GetDirectoryName(path)!);

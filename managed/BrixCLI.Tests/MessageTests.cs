@@ -33,11 +33,16 @@ public class MessageTests
             ("At least one voxel model is required for voxel model intersect.", () => SolidOperationsCLI.Intersect([], 6, true)),
             (NotBelow6("The level of detail for voxel model intersect"), () => SolidOperationsCLI.Intersect([m], 6, true)),
             (NotBelow6("The level of detail for voxel model subtraction"), () => SolidOperationsCLI.Subtract(m, m, 6, true)),
-            (Below("The approximate increase in the diameter of filled regions", 0), () => SurfaceOperationsCLI.ExpandHorizontally(m, 0, m, true)),
-            (Below("The approximate decrease in the diameter of filled regions", 0), () => SurfaceOperationsCLI.ReduceHorizontally(m, 0, m, true)),
-            (Below("The approximate diameter of the search area", -7), () => ProximityOperationsCLI.NearestFilledHorizontally(m, p, -7)),
-            (BeyondFinest("The level of detail for visibility computation"), () => VisibilityOperationsCLI.VisibilityFromDirection(m, p, 6, 0)),
-            (BeyondFinest("The level of detail for visibility computation"), () => VisibilityOperationsCLI.VisibilityFromPoint(m, p, 6, -9, 0, true)),
+            (Below("The approximate increase in the diameter of filled regions", 0), () =>
+                SurfaceOperationsCLI.ExpandHorizontally(m, 0, m, true)),
+            (Below("The approximate decrease in the diameter of filled regions", 0), () =>
+                SurfaceOperationsCLI.ReduceHorizontally(m, 0, m, true)),
+            (Below("The approximate diameter of the search area", -7), () =>
+                ProximityOperationsCLI.NearestFilledHorizontally(m, p, -7)),
+            (BeyondFinest("The level of detail for visibility computation"), () =>
+                VisibilityOperationsCLI.VisibilityFromDirection(m, p, 6, 0)),
+            (BeyondFinest("The level of detail for visibility computation"), () =>
+                VisibilityOperationsCLI.VisibilityFromPoint(m, p, 6, -9, 0, true)),
             (BeyondFinest("The level of detail of the path model"), () => new PathModelCLI(m, 6, 0, 0, true)),
             (Below("The agent diameter used to construct a path model", 0), () => new PathModelCLI(m, 5, 0, -1, true)),
             (Below("The agent height used to construct a path model", -1), () => new PathModelCLI(m, 5, 1, -1, true)),
@@ -62,8 +67,10 @@ public class MessageTests
             MessageOf(() => BasicOperationsCLI.Enlarge(m, Number(0), Number(1), Number(2), Number(3), Number(4), Number(5))));
 
         int axis = first / 2, lower = Number(2 * axis), upper = Number(2 * axis + 1);
-        var grow = new[] { SurfaceOperationsCLI.ExpandAlongX, SurfaceOperationsCLI.ExpandAlongY, SurfaceOperationsCLI.ExpandAlongZ };
-        var shrink = new[] { SurfaceOperationsCLI.ReduceAlongX, SurfaceOperationsCLI.ReduceAlongY, SurfaceOperationsCLI.ReduceAlongZ };
+        var grow = new[] { SurfaceOperationsCLI.ExpandAlongX, SurfaceOperationsCLI.ExpandAlongY,
+            SurfaceOperationsCLI.ExpandAlongZ };
+        var shrink = new[] { SurfaceOperationsCLI.ReduceAlongX, SurfaceOperationsCLI.ReduceAlongY,
+            SurfaceOperationsCLI.ReduceAlongZ };
         var search = new[] { ProximityOperationsCLI.NearestFilledAlongX, ProximityOperationsCLI.NearestFilledAlongY,
             ProximityOperationsCLI.NearestFilledAlongZ };
         Assert.Equal(Negative("The number of voxels to be added to the " + Sides[first] + " side", -1 - first),

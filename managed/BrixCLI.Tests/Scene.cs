@@ -5,7 +5,8 @@ using System.Reflection;
 
 namespace BrixCLI.Tests;
 
-/// <summary>A frame whose voxels at level 5 are unit cubes, away from the world's origin, and models made of cells in it.</summary>
+/// <summary>A frame whose voxels at level 5 are unit cubes, away from the world's origin, and models made of cells in
+/// it.</summary>
 internal static class Scene
 {
     internal static readonly List<double> Origin = [10, 20, 30];
@@ -17,7 +18,8 @@ internal static class Scene
     internal static Cell ToCell(List<int> list) => (list[0], list[1], list[2]);
 
     /// <summary>The world point at the centre of a cell, for no rotation.</summary>
-    internal static List<double> Centre(Cell cell) => [Origin[0] + cell.X + 0.5, Origin[1] + cell.Y + 0.5, Origin[2] + cell.Z + 0.5];
+    internal static List<double> Centre(Cell cell) =>
+        [Origin[0] + cell.X + 0.5, Origin[1] + cell.Y + 0.5, Origin[2] + cell.Z + 0.5];
 
     internal static ExtentsCLI Extents(Cell lower, Cell upper, int lod = 5)
     {
@@ -37,7 +39,8 @@ internal static class Scene
         return new VoxelModelCLI(Triangles(cells.Filled), extents, 5, double.NaN);
     }
 
-    internal static VoxelModelCLI Model(Cell lower, Cell upper, params Cell[] filled) => Model(new Cells(lower, upper, [.. filled]));
+    internal static VoxelModelCLI Model(Cell lower, Cell upper, params Cell[] filled) =>
+        Model(new Cells(lower, upper, [.. filled]));
 
     /// <summary>What a model holds at a level, voxel by voxel.</summary>
     internal static Cells Read(VoxelModelCLI model, int lod = 5)

@@ -5,10 +5,12 @@ using static BrixCLI.Tests.Scene;
 
 namespace BrixCLI.Tests;
 
-/// <summary>An agent of one voxel on a floor of 20 by 10 with a wall across it, open at one end; z = 1 is where it walks.</summary>
+/// <summary>An agent of one voxel on a floor of 20 by 10 with a wall across it, open at one end; z = 1 is where it
+/// walks.</summary>
 public sealed class TravelTests : IDisposable
 {
-    private static readonly Cells House = new Cells((0, 0, 0), (19, 9, 6), []).Where(cell => cell.Z == 0 || (cell.X == 10 && cell.Y < 7));
+    private static readonly Cells House = new Cells((0, 0, 0), (19, 9, 6), [])
+        .Where(cell => cell.Z == 0 || (cell.X == 10 && cell.Y < 7));
 
     private readonly PathModelCLI pathModel;
     private readonly DistanceFieldCLI field;
@@ -38,7 +40,8 @@ public sealed class TravelTests : IDisposable
         Assert.Equal(field.FarthestDistance(), field.Distance(Centre(ToCell(farthest))));
 
         List<double> all = field.Distances();
-        using VoxelModelCLI reachable = field.ReachableVoxels(), near = field.ReachableVoxels(3), anywhere = field.ReachableVoxels(-1);
+        using VoxelModelCLI reachable = field.ReachableVoxels(), near = field.ReachableVoxels(3),
+            anywhere = field.ReachableVoxels(-1);
         Assert.Equal(BasicOperationsCLI.CountFilled(reachable, 5), all.Count / 4);
         Assert.Equal(Read(reachable).ToString(), Read(anywhere).ToString());
         Assert.Equal(Read(near).Filled.Count, all.Chunk(4).Count(item => item[3] <= 3));

@@ -1,5 +1,5 @@
-/* A host in C11. It voxelizes a box and an octahedron, runs a chain of operations, and prints counts and a hash of all voxels. The
- * lines are the same on every machine and system, which is what the packages for other systems are checked by. */
+/* A host in C11. It voxelizes a box and an octahedron, runs a chain of operations, and prints counts and a hash of all voxels.
+ * The lines are the same on every machine and system, which is what the packages for other systems are checked by. */
 #include "brix_c.h"
 
 #include <inttypes.h>

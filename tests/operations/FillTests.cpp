@@ -80,8 +80,8 @@ TEST(Fills, EqualTheVoxelByVoxelFlood)
     }
 }
 
-// Where six or seven of ten voxels are filled, the empty ones form winding caves of all sizes. Some repeat over several heights, so
-// that runs of all lengths meet.
+// Where six or seven of ten voxels are filled, the empty ones form winding caves of all sizes. Some repeat over several heights,
+// so that runs of all lengths meet.
 TEST(Fills, FollowWindingCaves)
 {
     for (std::uint64_t seed = 1; seed <= 120; ++seed) {

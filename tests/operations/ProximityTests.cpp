@@ -27,8 +27,8 @@ std::optional<Triple> Place(const ConstVoxelIterator& found)
     return found.IsValid() ? std::optional(found.VoxelIndices()) : std::nullopt;
 }
 
-// The best filled voxel of a line: of those within the offsets the one with the nearest centre, then the lower one; but the point's
-// own voxel before all others.
+// The best filled voxel of a line: of those within the offsets the one with the nearest centre, then the lower one; but the
+// point's own voxel before all others.
 std::optional<Triple> PlainNearestAlong(const ReferenceModel& model, std::size_t axis, const Triple& point,
                                         std::int64_t lowerOffset, std::int64_t upperOffset)
 {

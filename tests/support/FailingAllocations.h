@@ -1,5 +1,5 @@
-// Memory that runs out at a chosen moment. The test program replaces the global operator new; unless a test arms it, it behaves as
-// always.
+// Memory that runs out at a chosen moment. The test program replaces the global operator new; unless a test arms it, it behaves
+// as always.
 #pragma once
 
 #include <cstdint>

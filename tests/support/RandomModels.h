@@ -1,5 +1,5 @@
-// Random models, each made from a seed that failures print. Small, and placed where faults live: across zero and across the borders
-// of plates, stacks and chunks.
+// Random models, each made from a seed that failures print. Small, and placed where faults live: across zero and across the
+// borders of plates, stacks and chunks.
 #pragma once
 
 #include "Random.h"

@@ -1,5 +1,6 @@
-// The operations written out voxel by voxel for ReferenceModel. Each has the name and the arguments of the engine's operation, so that
-// a test runs one expression on both. They are as plain as they can be made: whole copies, one voxel per pass, no case left out.
+// The operations written out voxel by voxel for ReferenceModel. Each has the name and the arguments of the engine's operation, so
+// that a test runs one expression on both. They are as plain as they can be made: whole copies, one voxel per pass, no case left
+// out.
 #pragma once
 
 #include "ReferenceModel.h"
@@ -50,8 +51,8 @@ int CountStacked(const ReferenceModel& model, const Triple& voxel);
 /// The least numbers of neighbours that the passes of the horizontal operations ask for, in order.
 std::vector<int> DiscSteps(int diameter);
 
-/// Where two models of the engine differ: frame, bounds, finest level or any stack; empty when they do not. Equal stacks have equal
-/// layers, so this is quick, and models may be larger than those that are compared voxel by voxel.
+/// Where two models of the engine differ: frame, bounds, finest level or any stack; empty when they do not. Equal stacks have
+/// equal layers, so this is quick, and models may be larger than those that are compared voxel by voxel.
 std::string Differences(const VoxelModel<bool>& actual, const VoxelModel<bool>& expected);
 
 /// Where the finest level of a model differs from what it was made of: whether an operation has changed its input.

@@ -1,4 +1,5 @@
-// Visibility by its definition: the value of a voxel by recursion, in the same doubles; and random views to hold the engine to it.
+// Visibility by its definition: the value of a voxel by recursion, in the same doubles; and random views to hold the engine to
+// it.
 #pragma once
 
 #include "support/Random.h"

@@ -6,8 +6,8 @@ namespace BrixCLI;
 /// <summary>Filled voxels as boxes, for hosts that handle solids better than triangles.</summary>
 public static unsafe class VoxelCuboidizationCLI
 {
-    /// <summary>Disjoint boxes that cover the filled voxels of a level exactly, merged along X, then Y, then Z wherever the voxels
-    /// allow it.</summary>
+    /// <summary>Disjoint boxes that cover the filled voxels of a level exactly, merged along X, then Y, then Z wherever the
+    /// voxels allow it.</summary>
     /// <param name="voxelModelCLI">the model</param>
     /// <param name="voxelLOD">0 to the model's finest level</param>
     /// <param name="cuboidLimit">the most boxes that the host wants; NaN allows any number</param>

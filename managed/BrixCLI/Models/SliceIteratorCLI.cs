@@ -143,7 +143,8 @@ public sealed unsafe class SliceIteratorCLI : EngineObject
     {
         long sliceIndex = VoxelIterators.Indices(this).Component(dimIndex_);
         IndexBox bounds = extents.Bounds;
-        return new IndexBox { Lower = bounds.Lower.With(dimIndex_, sliceIndex), Upper = bounds.Upper.With(dimIndex_, sliceIndex) };
+        return new IndexBox { Lower = bounds.Lower.With(dimIndex_, sliceIndex),
+            Upper = bounds.Upper.With(dimIndex_, sliceIndex) };
     }
 
     private struct RowCounts

@@ -4,8 +4,8 @@ using System.Collections.Generic;
 namespace BrixCLI;
 
 /// <summary>
-/// Walking distances over the voxels of a path model, from the nearest of a set of points: lengths of the shortest ways in space, in
-/// world units. It never changes, and does not need the path model any more.
+/// Walking distances over the voxels of a path model, from the nearest of a set of points: lengths of the shortest ways in space,
+/// in world units. It never changes, and does not need the path model any more.
 /// </summary>
 public sealed unsafe class DistanceFieldCLI : EngineObject
 {

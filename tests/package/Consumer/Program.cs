@@ -1,5 +1,5 @@
-// A host of the package, as a user would write it. It does what tests/native/host.c does, and prints the same lines: whichever way the
-// package reached this program, they have to be equal to those of the C program.
+// A host of the package, as a user would write it. It does what tests/native/host.c does, and prints the same lines: whichever
+// way the package reached this program, they have to be equal to those of the C program.
 using System;
 using System.Collections.Generic;
 using BrixCLI;
