@@ -1,6 +1,7 @@
 // The voxel model itself:
 //
-//   PropagateLevel   finest level -> all coarser ones   beside   PropagateLevelBaseline...  bit sets, a bit for every filled voxel
+//   PropagateLevel   finest level -> all coarser ones   beside   PropagateLevelBaseline...  bit sets, a bit for every filled
+//                    voxel
 //                                                                or a look at every voxel
 //   EmptyModel       extents -> model without voxels    beside   EmptyModelBaseline         one zeroed list of 8 bytes per stack
 #include "AllocationCount.h"

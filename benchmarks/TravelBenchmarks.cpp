@@ -1,5 +1,5 @@
-// Distance fields, beside plain Dijkstra on a dense grid: eight neighbours, a binary heap, distances along the grid's steps. That is
-// less accurate, too: up to 8 % too long on open floor, and stairs are counted step by step.
+// Distance fields, beside plain Dijkstra on a dense grid: eight neighbours, a binary heap, distances along the grid's steps. That
+// is less accurate, too: up to 8 % too long on open floor, and stairs are counted step by step.
 //
 //   DistanceField/open       1024 x 1024 voxels of open floor           DistanceFieldBaseline
 //   DistanceField/pillars    the same with a pillar in every stack
@@ -145,8 +145,8 @@ private:
     std::size_t count_ = 0;
 };
 
-// A distance for every voxel of the extents: infinite where not yet reached, negative where nobody can stand, as in the rim of one voxel
-// around the extents. Without the rule for diagonal steps, which floors seldom need.
+// A distance for every voxel of the extents: infinite where not yet reached, negative where nobody can stand, as in the rim of
+// one voxel around the extents. Without the rule for diagonal steps, which floors seldom need.
 class DenseDijkstra
 {
 public:

@@ -1,5 +1,6 @@
-// Visibility, beside the plain sweep over dense arrays that its definition describes. The baseline reads and writes a byte per voxel
-// and carries values in one plane of doubles, in place, so that it does not wait for memory; it makes one level, the engine all.
+// Visibility, beside the plain sweep over dense arrays that its definition describes. The baseline reads and writes a byte per
+// voxel and carries values in one plane of doubles, in place, so that it does not wait for memory; it makes one level, the engine
+// all.
 //
 //   VisibilityOblique     direction (3, 2, -5)             VisibilityObliqueBaseline
 //   VisibilityAlongX      direction (1, 0, 0)              VisibilityAlongXBaseline

@@ -1,5 +1,5 @@
-// Triangles of any doubles, voxelized into a small model, and a chain of operations chosen by the bytes: nothing but the engine's own
-// errors may leave it, and every result must be well formed.
+// Triangles of any doubles, voxelized into a small model, and a chain of operations chosen by the bytes: nothing but the engine's
+// own errors may leave it, and every result must be well formed.
 #include "model/CheckInvariants.h"
 #include "operations/AutoSplit.h"
 #include "operations/BasicOperations.h"

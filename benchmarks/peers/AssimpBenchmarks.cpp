@@ -1,6 +1,7 @@
 // STL files beside assimp: reading a million triangles in the binary variant, and writing 200,000 in the ASCII variant.
 //
-//   WriteAsciiStl/six_digits   corners at eighths, triangles across the axes: six digits hold every number, and both sides write them
+//   WriteAsciiStl/six_digits   corners at eighths, triangles across the axes: six digits hold every number, and both
+//                              sides write them
 //   WriteAsciiStl/any_floats   assimp writes nine digits here, Brix six
 #include "StlMeasures.h"
 

@@ -31,8 +31,8 @@ public:
     /// A distance in base units as a world distance.
     double ToWorldDistance(std::int64_t distance) const;
 
-    /// A world distance in base units, truncated towards zero. Distances too large for 64 bits give the largest value, as does NaN;
-    /// negative ones too large give the smallest.
+    /// A world distance in base units, truncated towards zero. Distances too large for 64 bits give the largest value, as does
+    /// NaN; negative ones too large give the smallest.
     std::int64_t FromWorldDistance(double worldDistance) const;
 
     /// A base-unit point as a world point.
@@ -60,8 +60,8 @@ public:
         return {worldVoxelOrigin_, sinRotation_, cosRotation_, TruncationBias * worldVoxelSpacing0_, unitsPerWorld_};
     }
 
-    /// World points are moved up by this many level-0 voxels before truncation, which makes truncation a floor for all of them that
-    /// matter; the same distance in base units is taken off afterwards.
+    /// World points are moved up by this many level-0 voxels before truncation, which makes truncation a floor for all of them
+    /// that matter; the same distance in base units is taken off afterwards.
     static constexpr double TruncationBias = 70000.0;
     static constexpr std::int64_t TruncationBiasUnits = 2800000000;
 

@@ -1,5 +1,5 @@
-// What the engine is written for: C++20, and the vector extensions and bit operations of GCC and Clang. Every public header includes this
-// one, so that another compiler, or an older language, is told in one sentence before it meets anything else.
+// What the engine is written for: C++20, and the vector extensions and bit operations of GCC and Clang. Every public header
+// includes this one, so that another compiler, or an older language, is told in one sentence before it meets anything else.
 #pragma once
 
 #if defined(_MSVC_LANG) ? _MSVC_LANG < 202002L : __cplusplus < 202002L

@@ -1,4 +1,5 @@
-// An inclusive box of voxel indices (axis-aligned bounding box) at one level of detail of a frame. Every Extents that exists lies within the index space.
+// An inclusive box of voxel indices (axis-aligned bounding box) at one level of detail of a frame. Every Extents that exists lies
+// within the index space.
 #pragma once
 
 #include "Axes.h"
@@ -9,9 +10,9 @@ class Extents
 {
 public:
     /// `lowerIndices`, `upperIndices`  bounds, both inclusive; x and y at `voxelLOD`, z at the frame's vertical level
-    /// Throws std::domain_error, the first that applies: a lower bound below -MaxHorizontalExtent or -MaxVerticalExtent (x, y, z);
-    /// an upper bound not below the maximum (x, y, z); an upper bound below its lower one (x, y, z); a level outside 0..5. The level
-    /// is judged last although the bounds depend on it; a level that does not exist has the bounds of the nearest one.
+    /// Throws std::domain_error, the first that applies: a lower bound below -MaxHorizontalExtent or -MaxVerticalExtent (x, y,
+    /// z); an upper bound not below the maximum (x, y, z); an upper bound below its lower one (x, y, z); a level outside 0..5.
+    /// The level is judged last although the bounds depend on it; a level that does not exist has the bounds of the nearest one.
     Extents(const Axes& axes, const Triple& lowerIndices, const Triple& upperIndices, std::int64_t voxelLOD);
 
     const Axes& AxesRef() const { return axes_; }

@@ -1,5 +1,5 @@
-// A rule applied to the plates of several stacks, height by height. The work follows the layers, not the 64 heights: the rule runs
-// once for every stretch in which no stack changes.
+// A rule applied to the plates of several stacks, height by height. The work follows the layers, not the 64 heights: the rule
+// runs once for every stretch in which no stack changes.
 //
 //    a  |---0---|-----1-----|---2---|
 //    b  |-----0-----|------1--------|
@@ -155,7 +155,8 @@ private:
     };
 };
 
-/// Calls visit(z, end, plates...) for every stretch z .. end - 1 of heights in which no stack (or ShiftedStack) changes, bottom to top.
+/// Calls visit(z, end, plates...) for every stretch z .. end - 1 of heights in which no stack (or ShiftedStack) changes, bottom
+/// to top.
 template <class Visit, class... Stacks> void ForEachCommonLayer(const Visit& visit, const Stacks&... stacks)
 {
     const auto walk = [&](auto... cursors) {
@@ -170,7 +171,8 @@ template <class Visit, class... Stacks> void ForEachCommonLayer(const Visit& vis
     walk(MakeCursor(stacks)...);
 }
 
-/// Makes `result` the stack whose plate at every height is rule(plates of the stacks at that height). The result may be one of them.
+/// Makes `result` the stack whose plate at every height is rule(plates of the stacks at that height). The result may be one of
+/// them.
 template <class Rule, class... Stacks> void CombineStacks(VoxelStack<bool>& result, const Rule& rule, const Stacks&... stacks)
 {
     StackBuilder builder;

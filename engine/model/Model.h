@@ -1,5 +1,5 @@
-// The chunk grid: a box of chunks in space, for voxel chunks and triangle chunks alike. Chunk indices are absolute: models in the same
-// frame share one grid.
+// The chunk grid: a box of chunks in space, for voxel chunks and triangle chunks alike. Chunk indices are absolute: models in the
+// same frame share one grid.
 #pragma once
 
 #include "StackLattice.h"

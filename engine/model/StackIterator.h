@@ -1,5 +1,5 @@
-// Names one stack of a model at one level. The mutable and the read-only iterator are one template. They, and voxel iterators, stay
-// usable as long as the model is neither assigned to nor destroyed, whatever is done to its stacks meanwhile.
+// Names one stack of a model at one level. The mutable and the read-only iterator are one template. They, and voxel iterators,
+// stay usable as long as the model is neither assigned to nor destroyed, whatever is done to its stacks meanwhile.
 #pragma once
 
 #include "VoxelModel.h"
@@ -34,7 +34,8 @@ public:
         stackIndices_ = stackIndices;
     }
 
-    /// The stack that holds a voxel, if the model does: the short way for a voxel that mostly is inside the extents. Throws as above.
+    /// The stack that holds a voxel, if the model does: the short way for a voxel that mostly is inside the extents. Throws as
+    /// above.
     static StackIteratorBase OfVoxelInside(VoxelModelType& model, const Triple& voxelIndices, std::int64_t lod)
     {
         StackIteratorBase iterator(model, lod);

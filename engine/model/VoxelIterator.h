@@ -1,5 +1,5 @@
-// Names one voxel of a model at one level. Like a stack iterator it holds a place and nothing of what is there: the layer is looked
-// up when the value is asked for (LayerID counts bits), so the stack may be edited and compressed between two reads.
+// Names one voxel of a model at one level. Like a stack iterator it holds a place and nothing of what is there: the layer is
+// looked up when the value is asked for (LayerID counts bits), so the stack may be edited and compressed between two reads.
 #pragma once
 
 #include "StackIterator.h"

@@ -2,8 +2,8 @@
 //
 //   model  ->  chunks (a grid in space)  ->  one store per level  ->  2^L x 2^L stacks  ->  layers of 16 x 16 plates
 //
-// A voxel of level L, (x, y, z), covers the four voxels (2x..2x+1, 2y..2y+1, z) of level L + 1; heights are the same at all levels.
-// A voxel outside the extents is always empty, at every level.
+// A voxel of level L, (x, y, z), covers the four voxels (2x..2x+1, 2y..2y+1, z) of level L + 1; heights are the same at all
+// levels. A voxel outside the extents is always empty, at every level.
 #pragma once
 
 #include "VoxelChunk.h"

@@ -82,7 +82,8 @@ template <class Rule, class... Plates> VoxelPlate<bool> MapVectors(const Rule& r
 }
 #endif
 
-/// The plate that rule(out, rows...) makes of the same row of every plate. The rule is written for single rows and for vectors alike.
+/// The plate that rule(out, rows...) makes of the same row of every plate. The rule is written for single rows and for vectors
+/// alike.
 template <class Rule, class... Plates> constexpr VoxelPlate<bool> MapRows(const Rule& rule, const Plates&... plates)
 {
 #if defined(__GNUC__)
@@ -169,7 +170,8 @@ constexpr VoxelPlate<bool> TowardsLowerX(const VoxelPlate<bool>& here, const Vox
 }
 
 #if defined(__GNUC__)
-/// RowsAcross for the processors whose first byte is the lowest. Words of four rows are chosen first; what is left are shifts by rows.
+/// RowsAcross for the processors whose first byte is the lowest. Words of four rows are chosen first; what is left are shifts by
+/// rows.
 inline VoxelPlate<bool> RowsAcrossVectors(const VoxelPlate<bool>& lower, const VoxelPlate<bool>& upper, int distance)
 {
     using Words [[gnu::vector_size(32)]] = std::uint64_t;
@@ -208,8 +210,8 @@ inline VoxelPlate<bool> RowsAcrossVectors(const VoxelPlate<bool>& lower, const V
 }
 #endif
 
-/// The rows 16 - distance .. 31 - distance of two plates, one above the other: `lower` has the rows 0..15, `upper` 16..31. The distance
-/// is 0..16.
+/// The rows 16 - distance .. 31 - distance of two plates, one above the other: `lower` has the rows 0..15, `upper` 16..31. The
+/// distance is 0..16.
 constexpr VoxelPlate<bool> RowsAcross(const VoxelPlate<bool>& lower, const VoxelPlate<bool>& upper, int distance)
 {
 #if defined(__GNUC__)
@@ -300,9 +302,10 @@ inline VoxelPlate<bool> HalfResolutionOfVectors(const VoxelPlate<bool>& lowerXlo
     using Rows [[gnu::vector_size(32)]] = std::uint16_t;
     using RowPairs [[gnu::vector_size(32)]] = std::uint32_t;
 
-    // Rows 2y and 2y + 1 of a plate are the lower and the upper half of number y. Both are joined for the two plates at once, which
-    // gives a row of 32 bits; then every pair of its bits is joined, and the results move together in four steps:
-    //     a0 b0 a1 b1 ..   becomes   a0|b0 - a1|b1 - ..  (a bit, a gap),  then two bits and two gaps, four and four, eight and eight
+    // Rows 2y and 2y + 1 of a plate are the lower and the upper half of number y. Both are joined for the two plates at once,
+    // which gives a row of 32 bits; then every pair of its bits is joined, and the results move together in four steps:
+    //     a0 b0 a1 b1 ..   becomes   a0|b0 - a1|b1 - ..  (a bit, a gap)
+    //     then two bits and two gaps, four and four, eight and eight
     const auto join = [](RowPairs& row, const VoxelPlate<bool>& lowerX, const VoxelPlate<bool>& upperX) {
         RowPairs left;
         RowPairs right;

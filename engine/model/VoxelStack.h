@@ -8,8 +8,8 @@
 //         | plate 0|   layer 0 from offset 0 to 4
 //    z  0 +--------+
 //
-// No two adjacent layers are equal once a stack is compressed, so stacks of equal content have equal layers. A stack that is wholly
-// empty owns no memory and takes the 8 bytes of a pointer; any other owns one block that holds offsets and plates.
+// No two adjacent layers are equal once a stack is compressed, so stacks of equal content have equal layers. A stack that is
+// wholly empty owns no memory and takes the 8 bytes of a pointer; any other owns one block that holds offsets and plates.
 #pragma once
 
 #include "VoxelPlate.h"
@@ -25,8 +25,8 @@ using HeightSet = std::uint64_t;
 constexpr HeightSet HeightsFrom(std::int64_t z) { return ~HeightSet{0} << z; }
 constexpr HeightSet HeightsUpTo(std::int64_t z) { return ~HeightSet{0} >> (StackHeight - 1 - z); }
 
-/// The number of heights in a set: of pairs, of fours, of bytes, and the sum of the bytes. Without the processor's own instruction
-/// this takes half the time of the library's function.
+/// The number of heights in a set: of pairs, of fours, of bytes, and the sum of the bytes. Without the processor's own
+/// instruction this takes half the time of the library's function.
 constexpr std::int32_t CountHeights(HeightSet heights)
 {
     heights -= heights >> 1 & 0x5555555555555555;
@@ -107,8 +107,8 @@ public:
     friend bool operator==(const VoxelStack& a, const VoxelStack& b);
 
 private:
-    // The head of the one allocation; layerOffsets[capacity] follow at once, in the head's spare bytes, and plates[capacity] at the
-    // next multiple of 16 bytes.
+    // The head of the one allocation; layerOffsets[capacity] follow at once, in the head's spare bytes, and plates[capacity] at
+    // the next multiple of 16 bytes.
     struct Block
     {
         HeightSet layerStarts; // what the offsets say, as a set

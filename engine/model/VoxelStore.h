@@ -31,8 +31,8 @@ public:
         return lowerStack_[0] <= ij[0] && ij[0] <= upperStack_[0] && lowerStack_[1] <= ij[1] && ij[1] <= upperStack_[1];
     }
 
-    /// The stack of column i and row j, each 0 .. StacksPerRow() - 1. One that is not valid is empty; to ask for it to be written makes
-    /// the store keep all of its stacks, which moves the others.
+    /// The stack of column i and row j, each 0 .. StacksPerRow() - 1. One that is not valid is empty; to ask for it to be written
+    /// makes the store keep all of its stacks, which moves the others.
     VoxelStack<bool>& VoxelStackRef(const StackIndices& ij)
     {
         if (!IsKept(ij)) KeepAllStacks();

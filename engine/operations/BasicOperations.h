@@ -1,5 +1,5 @@
-// Questions about a whole model, and models with other bounds (AutoCrop: the axis-aligned bounding box of what is filled), another
-// place or another finest level. Inputs are never changed.
+// Questions about a whole model, and models with other bounds (AutoCrop: the axis-aligned bounding box of what is filled),
+// another place or another finest level. Inputs are never changed.
 #pragma once
 
 #include "../model/VoxelModel.h"
@@ -22,8 +22,8 @@ VoxelModel<bool> Crop(const VoxelModel<bool>& model, std::int64_t lowerX, std::i
 VoxelModel<bool> Enlarge(const VoxelModel<bool>& model, std::int64_t lowerX, std::int64_t upperX, std::int64_t lowerY,
                          std::int64_t upperY, std::int64_t lowerZ, std::int64_t upperZ);
 
-/// The model on the bounding box of its filled voxels at the finest level; an empty model on the voxel in its middle, the upper one
-/// of two. The second form may reuse the memory of its argument.
+/// The model on the bounding box of its filled voxels at the finest level; an empty model on the voxel in its middle, the upper
+/// one of two. The second form may reuse the memory of its argument.
 VoxelModel<bool> AutoCrop(const VoxelModel<bool>& model);
 VoxelModel<bool> AutoCrop(VoxelModel<bool>&& model);
 

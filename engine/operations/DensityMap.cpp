@@ -38,7 +38,8 @@ public:
         Merge();
     }
 
-    // Where the sum is at least a threshold. A threshold of 0 or below is reached everywhere, also where negative weights add up to less.
+    // Where the sum is at least a threshold. A threshold of 0 or below is reached everywhere, also where negative weights add up
+    // to less.
     Plate AtLeast(double threshold) const
     {
         if (threshold <= 0) return FilledPlate();
@@ -154,7 +155,8 @@ ModelPointers AtLevel(const ModelPointers& models, std::int64_t lod, std::deque<
     return result;
 }
 
-// Writes the stacks of a chunk of all results. Thresholds <= 0 are reached everywhere, so that the stacks are clipped to the extents.
+// Writes the stacks of a chunk of all results. Thresholds <= 0 are reached everywhere, so that the stacks are clipped to the
+// extents.
 void WriteChunk(std::vector<VoxelModel<bool>>& results, const Triple& chunk, const ModelPointers& models,
                 const std::vector<double>& weights, const std::vector<double>& thresholds, WeightedStacks& stacks)
 {

@@ -1,6 +1,7 @@
-// Filling of empty space by flooding it (flood fill): from a voxel to the six voxels that share a face with it, through empty voxels of the finest
-// level, never beyond the extents. The results have the extents and levels of the model; the model is not changed.
-// Cost: stored layers, with a plate of 256 voxels at a time, and again wherever the flood comes back to a layer from another side.
+// Filling of empty space by flooding it (flood fill): from a voxel to the six voxels that share a face with it, through empty
+// voxels of the finest level, never beyond the extents. The results have the extents and levels of the model; the model is not
+// changed. Cost: stored layers, with a plate of 256 voxels at a time, and again wherever the flood comes back to a layer from
+// another side.
 #pragma once
 
 #include "../model/VoxelModel.h"

@@ -1,4 +1,5 @@
-// One level of a model as a plain grid of stacks, without the chunks between: what passes over neighbouring stacks read and write.
+// One level of a model as a plain grid of stacks, without the chunks between: what passes over neighbouring stacks read and
+// write.
 #pragma once
 
 #include "../model/VoxelModel.h"
@@ -27,8 +28,8 @@ public:
     /// The part of a stack that lies in the extents, as inclusive offsets inside the stack.
     OffsetBox Inside(const Triple& stack) const { return PartInside(extents_, CornerOfStack(stack)); }
 
-    /// Replaces every stack: write(stack, result) overwrites `result`, whose content before is arbitrary. StackAt gives the old stacks
-    /// until all are written.
+    /// Replaces every stack: write(stack, result) overwrites `result`, whose content before is arbitrary. StackAt gives the old
+    /// stacks until all are written.
     template <class Write> void Rewrite(const Write& write)
     {
         if (spare_.empty()) spare_.resize(stacks_.size());
@@ -37,7 +38,8 @@ public:
         for (std::size_t i = 0; i < stacks_.size(); ++i) stacks_[i] = &owned_[i];
     }
 
-    /// A model on the extents whose finest level holds the grid's stacks, which are gone afterwards; coarser levels are left empty.
+    /// A model on the extents whose finest level holds the grid's stacks, which are gone afterwards; coarser levels are left
+    /// empty.
     VoxelModel<bool> TakeModel();
 
     /// The stacks are numbered from 0 to StackCount() - 1: x innermost, then y, then z.

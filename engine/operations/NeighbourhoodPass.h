@@ -1,5 +1,6 @@
-// One pass over a level: every plate is rewritten by a rule that reads it and the plates beside, below and above it. The pass owns
-// the borders of stacks and segments, the extents and the run-length code; a neighbour that does not exist is an empty stack.
+// One pass over a level: every plate is rewritten by a rule that reads it and the plates beside, below and above it. The pass
+// owns the borders of stacks and segments, the extents and the run-length code; a neighbour that does not exist is an empty
+// stack.
 #pragma once
 
 #include "../model/CombineStacks.h"
@@ -17,8 +18,8 @@ struct Look
     std::int64_t distance;
 };
 
-/// A second level that has the last word on every plate of a pass: restrain(plate, guide's plate), which is the plate itself where the
-/// guide is empty.
+/// A second level that has the last word on every plate of a pass: restrain(plate, guide's plate), which is the plate itself
+/// where the guide is empty.
 template <class Restrain> struct Restraint
 {
     const LevelGrid* guide; // may be null: no restraint
@@ -67,9 +68,9 @@ template <Side side> ShiftedStack SeenTowards(const VoxelStack<bool>& here, cons
 inline bool IsUnallocated(const VoxelStack<bool>& stack) { return stack.IsUnallocated(); }
 inline bool IsUnallocated(const ShiftedStack& stack) { return stack.lower.IsUnallocated() && stack.upper.IsUnallocated(); }
 
-/// Rewrites every stack of the grid: stacksOf(stack, combine) calls combine(sources...) with the stacks to be read, and the result is
-/// rule(their plates...), height by height, restrained and clipped at the extents. The rule must make an empty plate of empty plates,
-/// and where all sources are empty, so must the restraint. Returns whether anything has changed.
+/// Rewrites every stack of the grid: stacksOf(stack, combine) calls combine(sources...) with the stacks to be read, and the
+/// result is rule(their plates...), height by height, restrained and clipped at the extents. The rule must make an empty plate of
+/// empty plates, and where all sources are empty, so must the restraint. Returns whether anything has changed.
 template <class StacksOf, class Rule, class Restrain>
 bool Pass(LevelGrid& grid, const StacksOf& stacksOf, const Rule& rule, const Restraint<Restrain>& restraint,
           InstructionSet instructionSet = FastestInstructionSet())
@@ -138,8 +139,8 @@ bool PassAlong(LevelGrid& grid, const Look& look, const Rule& rule, const Restra
     });
 }
 
-/// Rewrites every plate by rule(rule(here, seen on the lower side), seen on the upper side), looking no farther than the size of a
-/// stack (1 .. StackSizeAlong) on either.
+/// Rewrites every plate by rule(rule(here, seen on the lower side), seen on the upper side), looking no farther than the size of
+/// a stack (1 .. StackSizeAlong) on either.
 template <class Rule, class Restrain>
 bool PassBothWays(LevelGrid& grid, Axis alongAxis, std::int64_t lowerDistance, std::int64_t upperDistance, const Rule& rule,
                   const Restraint<Restrain>& restraint, InstructionSet instructionSet = FastestInstructionSet())

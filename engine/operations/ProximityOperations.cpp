@@ -53,8 +53,9 @@ std::optional<std::int64_t> FirstFilled(const VoxelModel<bool>& model, Triple vo
     return std::nullopt;
 }
 
-// Of the filled voxels with the indices lower..upper on the line along an axis through `voxel`: the index of the one whose centre is
-// nearest to a coordinate, the lower one of two. The coordinate lies in `voxel`, unless this is the first or the last of the line.
+// Of the filled voxels with the indices lower..upper on the line along an axis through `voxel`: the index of the one whose centre
+// is nearest to a coordinate, the lower one of two. The coordinate lies in `voxel`, unless this is the first or the last of the
+// line.
 template <Axis axis>
 std::optional<std::int64_t> NearestOnLine(const VoxelModel<bool>& model, const Triple& voxel, std::int64_t coordinate,
                                           std::int64_t lower, std::int64_t upper)
@@ -98,8 +99,8 @@ ConstVoxelIterator NearestFilledAlong(const VoxelModel<bool>& model, const Tripl
 }
 
 // The voxels (dx, dy) from a centre with |dx| <= reach, |dy| <= reach and |dx| + |dy| <= sum: what ExpandHorizontally makes of a
-// single voxel. Each of its plain steps adds one to both bounds. Each step into concave corners adds one to the sum; there is such
-// a step from diameter 4 on and one more from 11, 15, 19, ... on. (The one for diameter 2 finds no corner to fill.)
+// single voxel. Each of its plain steps adds one to both bounds. Each step into concave corners adds one to the sum; there is
+// such a step from diameter 4 on and one more from 11, 15, 19, ... on. (The one for diameter 2 finds no corner to fill.)
 struct Octagon
 {
     explicit Octagon(std::int64_t diameter) : reach((diameter - 1) / 2), sum(reach + (diameter < 4 ? 0 : 1 + (diameter - 7) / 4))

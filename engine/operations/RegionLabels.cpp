@@ -133,8 +133,8 @@ void RegionLabels::JoinPlates(const Plate& a, const Region* labelsA, const Plate
     }
 }
 
-// The lowest label of a region was given to its first voxel, so that regions come in the order of their roots. A label's parent is
-// lower than the label, and has its region already.
+// The lowest label of a region was given to its first voxel, so that regions come in the order of their roots. A label's parent
+// is lower than the label, and has its region already.
 void RegionLabels::NumberRegions()
 {
     Region count = 0;

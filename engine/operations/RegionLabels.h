@@ -1,5 +1,5 @@
-// Which region a filled voxel belongs to. A region is connected through the faces of its voxels. What is labelled are not voxels but
-// the bit runs of stored plates, which stand for all heights of their layer; runs that touch are united (union-find).
+// Which region a filled voxel belongs to. A region is connected through the faces of its voxels. What is labelled are not voxels
+// but the bit runs of stored plates, which stand for all heights of their layer; runs that touch are united (union-find).
 //
 //   row 0   ##..#      runs 0 and 1 of the plate
 //   row 1   .####      run 2, of the region of both
@@ -35,7 +35,8 @@ public:
     /// Throws std::domain_error when more than 2^32 - 1 labels are needed on the way.
     RegionLabels(const VoxelModel<bool>& model, const LevelGrid& grid);
 
-    /// Regions are numbered from 0 to RegionCount() - 1 by their first voxel: in stack order, inside a stack by z, then y, then x.
+    /// Regions are numbered from 0 to RegionCount() - 1 by their first voxel: in stack order, inside a stack by z, then y, then
+    /// x.
     std::size_t RegionCount() const { return regionCount_; }
 
     /// The regions of a stack's runs: layers bottom to top, rows by y, runs by x.

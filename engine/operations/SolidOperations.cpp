@@ -62,8 +62,8 @@ const Store* StoreOf(const VoxelModel<bool>* model, const Triple& chunk, std::in
     return model != nullptr && model->IsChunkValid(chunk) ? &model->ChunkRef(chunk).VoxelStoreRef(lod) : nullptr;
 }
 
-// Makes a level of `result`, which may be one of the two, what a rule makes of two models at that level. A missing model is empty.
-// With a clip, which lies inside the result's extents, everything outside the clip is emptied.
+// Makes a level of `result`, which may be one of the two, what a rule makes of two models at that level. A missing model is
+// empty. With a clip, which lies inside the result's extents, everything outside the clip is emptied.
 template <class Rule>
 void Combine(VoxelModel<bool>& result, std::int64_t lod, const Rule& rule, const VoxelModel<bool>* first,
              const VoxelModel<bool>* second, const std::optional<Extents>& clip)
@@ -110,8 +110,8 @@ private:
     std::optional<VoxelModel<bool>> refined_;
 };
 
-// Combines all models of a list, a single one with itself: the first two at once, as their result needs memory but once. Coarser models
-// are refined within(model).
+// Combines all models of a list, a single one with itself: the first two at once, as their result needs memory but once. Coarser
+// models are refined within(model).
 template <class Rule, class Within>
 void CombineAll(VoxelModel<bool>& result, const Rule& rule, const ModelPointers& models, const Within& within,
                 const std::optional<Extents>& clip)

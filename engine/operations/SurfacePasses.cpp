@@ -49,9 +49,9 @@ template <class Change> bool SurfacePasses<Change>::Look(Axis axis, std::int64_t
     return isLower || isUpper;
 }
 
-// Without a guide the steps double: after passes that looked 1, 2, 4 .. voxels far, every voxel knows all voxels that near, so that
-// the next pass may look one voxel farther than the sum so far without leaving a gap. Both sides go together: they do not depend on
-// each other.
+// Without a guide the steps double: after passes that looked 1, 2, 4 .. voxels far, every voxel knows all voxels that near, so
+// that the next pass may look one voxel farther than the sum so far without leaving a gap. Both sides go together: they do not
+// depend on each other.
 template <class Change> void SurfacePasses<Change>::Along(Axis axis, std::int64_t lower, std::int64_t upper)
 {
     constexpr bool areSidesCrossed = Change::SeenSideOfLower == Side::Upper;

@@ -1,5 +1,5 @@
-// What all growth and shrinkage operations share: the working level, its margins, the guide, repeated passes, and the way back to a
-// model. Growth and shrinkage are duals; each names its five plate rules and is otherwise the same.
+// What all growth and shrinkage operations share: the working level, its margins, the guide, repeated passes, and the way back to
+// a model. Growth and shrinkage are duals; each names its five plate rules and is otherwise the same.
 #pragma once
 
 #include "NeighbourhoodPass.h"
@@ -8,8 +8,8 @@
 
 namespace brix {
 
-/// Growth (dilation). Grown regions never enter the guide, and keep what the source had there. The rules that a pass applies to every
-/// plate are lambdas, so that they are inlined into it.
+/// Growth (dilation). Grown regions never enter the guide, and keep what the source had there. The rules that a pass applies to
+/// every plate are lambdas, so that they are inlined into it.
 struct Growth
 {
     // A lower face moves when voxels look for filled ones above them.
@@ -27,7 +27,8 @@ struct Growth
     }
 };
 
-/// Shrinkage (erosion). Guide voxels, also those just outside the model, count as filled neighbours and are taken out again at the end.
+/// Shrinkage (erosion). Guide voxels, also those just outside the model, count as filled neighbours and are taken out again at
+/// the end.
 struct Shrinkage
 {
     // A lower face moves when voxels look for empty ones below them.
@@ -60,7 +61,8 @@ public:
     /// Works on the model's finest level, on its extents with `margins`. The source must outlive the passes.
     SurfacePasses(const VoxelModel<bool>& source, const std::optional<VoxelModel<bool>>& guide, const Margins& margins);
 
-    /// Moves the faces that look to the lower side along an axis by `lower` voxels, then those that look to the upper side by `upper`.
+    /// Moves the faces that look to the lower side along an axis by `lower` voxels, then those that look to the upper side by
+    /// `upper`.
     void Along(Axis axis, std::int64_t lower, std::int64_t upper);
 
     /// One pass that changes the voxels with enough neighbours. Returns whether there were any.

@@ -1,4 +1,5 @@
-// Filled voxels to as few axis-aligned boxes as a simple rule gives (greedy meshing in three dimensions), for hosts that handle solids better than triangles.
+// Filled voxels to as few axis-aligned boxes as a simple rule gives (greedy meshing in three dimensions), for hosts that handle
+// solids better than triangles.
 #pragma once
 
 #include "../model/VoxelModel.h"
@@ -14,10 +15,10 @@ struct VoxelCuboid
     bool operator==(const VoxelCuboid&) const = default;
 };
 
-/// Disjoint boxes that cover exactly the filled voxels of a level. Voxels that follow each other along x are one run; runs that are
-/// equal and follow each other along y are one rectangle; rectangles that are equal and follow each other along z are one box. So
-/// the list depends on the filled voxels alone, not on chunks or on how the model came about. It is sorted by the lower corners: z,
-/// then y, then x.
+/// Disjoint boxes that cover exactly the filled voxels of a level. Voxels that follow each other along x are one run; runs that
+/// are equal and follow each other along y are one rectangle; rectangles that are equal and follow each other along z are one
+/// box. So the list depends on the filled voxels alone, not on chunks or on how the model came about. It is sorted by the lower
+/// corners: z, then y, then x.
 /// Throws std::domain_error when the level is negative or beyond the model's finest one.
 /// Cost: n log n for the faces across x of the stored layers, and a look at every stack. Uniform regions cost no more than their
 /// stacks.

@@ -1,5 +1,5 @@
-// Cells of a line merged into runs, for 64 heights at once. A line is anything that has its cells in a row: voxels along x, or runs
-// along x that are equal and lie beside each other along y. Each cell has a word of the heights at which it is there.
+// Cells of a line merged into runs, for 64 heights at once. A line is anything that has its cells in a row: voxels along x, or
+// runs along x that are equal and lie beside each other along y. Each cell has a word of the heights at which it is there.
 //
 //   cell            0    1    2          what the sweep emits
 //   height 1        #    #    .          cells 0..1 at height 1
@@ -13,8 +13,8 @@
 
 namespace brix {
 
-/// Lines, positions and ranges are packed into one number, so that lists of cells are sorted quickly. Voxel and corner indices along
-/// x and y take 21 bits each.
+/// Lines, positions and ranges are packed into one number, so that lists of cells are sorted quickly. Voxel and corner indices
+/// along x and y take 21 bits each.
 inline constexpr int PositionBits = 21;
 inline constexpr std::int64_t PositionBias = std::int64_t{1} << (PositionBits - 1);
 static_assert(MaxHorizontalExtent(LevelCount - 1) < PositionBias);
@@ -89,7 +89,8 @@ private:
     Heights covered_ = 0;
 };
 
-/// Sorts by key: short lists by comparing, long ones digit by digit from the lowest up, which leaves digits out that all keys share.
+/// Sorts by key: short lists by comparing, long ones digit by digit from the lowest up, which leaves digits out that all keys
+/// share.
 inline void SortCells(std::vector<Cell>& cells)
 {
     constexpr std::size_t shortest = 2000;
@@ -139,12 +140,13 @@ template <class Emit> void MergeToggles(std::vector<Cell>& toggles, const Emit& 
     }
 }
 
-/// Joins what is equal at consecutive heights, also from one slab of chunks (those of one height) to the next, which come bottom to top.
+/// Joins what is equal at consecutive heights, also from one slab of chunks (those of one height) to the next, which come bottom
+/// to top.
 class HeightJoiner
 {
 public:
-    /// Adds the heights of a range of a line, each pair of which comes once per slab of chunks, and calls emit(line, range, z range)
-    /// for what ends inside it. `bottom` is the slab's lowest height.
+    /// Adds the heights of a range of a line, each pair of which comes once per slab of chunks, and calls emit(line, range, z
+    /// range) for what ends inside it. `bottom` is the slab's lowest height.
     template <class Emit>
     void Add(std::uint64_t line, const IndexRange& range, Heights heights, std::int64_t bottom, const Emit& emit)
     {

@@ -1,5 +1,5 @@
-// The faces between filled and empty voxels of one stack, layer by layer, and the heights at which each of them is there: bit z of a
-// word stands for height z.
+// The faces between filled and empty voxels of one stack, layer by layer, and the heights at which each of them is there: bit z
+// of a word stands for height z.
 #pragma once
 
 #include "../model/CombineStacks.h"
@@ -29,8 +29,8 @@ inline VoxelPlate<bool> FacesBeside(Axis axis, Side side, const VoxelPlate<bool>
     return AndNot(here, side == Side::Upper ? TowardsUpperY(here, beyond) : TowardsLowerY(here, beyond));
 }
 
-/// Calls visit(z, plate) with the faces of a stack to one side, for every height from which they are others than below. `other` is
-/// the stack on that side.
+/// Calls visit(z, plate) with the faces of a stack to one side, for every height from which they are others than below. `other`
+/// is the stack on that side.
 template <class Visit>
 void ForEachFacePlate(Axis axis, Side side, const VoxelStack<bool>& stack, const VoxelStack<bool>& other, const Visit& visit)
 {
@@ -45,7 +45,8 @@ void ForEachFacePlate(Axis axis, Side side, const VoxelStack<bool>& stack, const
             side == Side::Upper ? SeenAbove(stack, other) : SeenBelow(stack, other));
 }
 
-/// A word of heights for each column of 16 x 16, gathered from plates bottom to top. Only what changes from plate to plate is touched.
+/// A word of heights for each column of 16 x 16, gathered from plates bottom to top. Only what changes from plate to plate is
+/// touched.
 class ColumnHeights
 {
 public:
@@ -87,8 +88,8 @@ private:
     VoxelPlate<bool> any_;
 };
 
-/// The ends of the runs in the lines of plates, where a line is a row along x, or a column along y: where a voxel differs from the
-/// one before it, at positions 0..16.
+/// The ends of the runs in the lines of plates, where a line is a row along x, or a column along y: where a voxel differs from
+/// the one before it, at positions 0..16.
 class RunEnds
 {
 public:

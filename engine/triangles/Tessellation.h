@@ -6,14 +6,14 @@
 
 namespace brix {
 
-/// Appends the surface triangles (world units, counter-clockwise seen from outside) of boxes that cover the filled voxels of a level
-/// exactly. Within each stack, heights with equal plates, then adjacent equal rows, then adjacent filled voxels of a row make one
-/// box of twelve triangles; boxes are not merged across stacks, and faces between boxes are kept.
-/// Throws std::domain_error when the level is negative or beyond the model's finest one. Cost: proportional to the stored layers.
+/// Appends the surface triangles (world units, counter-clockwise seen from outside) of boxes that cover the filled voxels of a
+/// level exactly. Within each stack, heights with equal plates, then adjacent equal rows, then adjacent filled voxels of a row
+/// make one box of twelve triangles; boxes are not merged across stacks, and faces between boxes are kept. Throws
+/// std::domain_error when the level is negative or beyond the model's finest one. Cost: proportional to the stored layers.
 void TessellateVoxelModel(std::vector<WorldTriangle>& triangles, const VoxelModel<bool>& model, std::int64_t lod);
 
-/// The same triangles, counted at once and computed when they are copied, to memory of any kind and in parts of any size. It holds 24
-/// bytes for every twelve triangles, which take 864.
+/// The same triangles, counted at once and computed when they are copied, to memory of any kind and in parts of any size. It
+/// holds 24 bytes for every twelve triangles, which take 864.
 class Tessellation
 {
 public:

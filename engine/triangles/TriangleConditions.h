@@ -1,5 +1,5 @@
-// What a triangle asks of the voxels of its box (see TriangleRaster.h), for eight rows of voxels at once. Voxels are counted from the
-// lower corner of the box, and corners are base units from there.
+// What a triangle asks of the voxels of its box (see TriangleRaster.h), for eight rows of voxels at once. Voxels are counted from
+// the lower corner of the box, and corners are base units from there.
 //
 // Numbers are kept small by a unit, the common divisor of a voxel's sizes (1250 base units or a multiple). What a condition asks,
 //
@@ -46,9 +46,9 @@ struct Corners
     std::array<Quad, 3> along; // the edge from each corner to the next
 };
 
-/// The inner sides of a triangle's edges in one projection, moved outwards by a voxel; an edge per lane. Voxel (i, j) of the projection
-/// touches the inner side of an edge where perFirst * i + perSecond * j + base >= 0, in units. Products of two lengths of the box are
-/// below 2^38, so that doubles hold them exactly, and below 2^28 in units, so that 32 bits hold the sum.
+/// The inner sides of a triangle's edges in one projection, moved outwards by a voxel; an edge per lane. Voxel (i, j) of the
+/// projection touches the inner side of an edge where perFirst * i + perSecond * j + base >= 0, in units. Products of two lengths
+/// of the box are below 2^38, so that doubles hold them exactly, and below 2^28 in units, so that 32 bits hold the sum.
 struct Edges
 {
     Edges() = default;
@@ -126,8 +126,8 @@ public:
         c_.value += c_.step;
     }
 
-    /// Tests whole rows of voxels, from the last voxel back to the first. The lanes are at the last voxel before the call and one step
-    /// before the first afterwards. Every step shifts the sign of the numbers into a row, so that bit i is voxel i:
+    /// Tests whole rows of voxels, from the last voxel back to the first. The lanes are at the last voxel before the call and one
+    /// step before the first afterwards. Every step shifts the sign of the numbers into a row, so that bit i is voxel i:
     ///
     ///     voxel     0  1  2  3                       rows   after voxel 3   ...#    # outside
     ///     outside   #  .  .  #     2 groups = 4             after voxel 2   ..#.
@@ -160,8 +160,9 @@ inline std::int64_t FloorOfQuotient(std::int64_t value, std::int64_t divisor, do
 /// The triangle's plane. The voxel at p touches it where 0 <= step * p + highest <= thickness, in units: `highest` belongs to the
 /// voxel's corner farthest along the normal, and `highest - thickness` to the opposite one, rounded up.
 ///
-/// A component of the normal is below 2^39, so that 64 bits hold everything. At the corners of voxels of the box, the product of the
-/// normal and the distance from the triangle is a determinant of three vectors in the box, which is at most twice the box's volume.
+/// A component of the normal is below 2^39, so that 64 bits hold everything. At the corners of voxels of the box, the product of
+/// the normal and the distance from the triangle is a determinant of three vectors in the box, which is at most twice the box's
+/// volume.
 struct Plane
 {
     Plane() = default;
@@ -199,8 +200,8 @@ struct Plane
     std::int64_t thickness;
 };
 
-/// The plane's number at eight rows along y, for boxes in which it fits 32 bits. It is kept less 2^31: read as a signed number, one
-/// below 0 is then greater than the thickness less 2^31, as is one above the thickness.
+/// The plane's number at eight rows along y, for boxes in which it fits 32 bits. It is kept less 2^31: read as a signed number,
+/// one below 0 is then greater than the thickness less 2^31, as is one above the thickness.
 class PlaneLanes
 {
 public:

@@ -27,8 +27,8 @@ class TriangleChunk
 public:
     TriangleChunk(const Extents&, const Triple&) {}
 
-    /// Appends a triangle (base units) as it stands, whether it concerns the chunk or not. Corners farther than MaxCoordinate from
-    /// the origin are moved to that bound.
+    /// Appends a triangle (base units) as it stands, whether it concerns the chunk or not. Corners farther than MaxCoordinate
+    /// from the origin are moved to that bound.
     void AddTriangle(const LatticeTriangle& triangle);
 
     void AddTriangle(const PackedTriangle& triangle)
@@ -76,9 +76,10 @@ public:
     void AddWorldTriangles(const std::vector<WorldTriangle>& worldTriangles);
     void AddWorldTriangles(const WorldTriangle* worldTriangles, std::size_t count);
 
-    /// Files a triangle (base units) in every chunk of the grid that its box touches; one that spans more than half a chunk's width
-    /// is cut into four at the midpoints of its edges first, as often as needed. What lies outside the grid is dropped. Corners
-    /// farther than MaxCoordinate from the origin are moved to that bound. Cost: bounded by the grid, not by the triangle.
+    /// Files a triangle (base units) in every chunk of the grid that its box touches; one that spans more than half a chunk's
+    /// width is cut into four at the midpoints of its edges first, as often as needed. What lies outside the grid is dropped.
+    /// Corners farther than MaxCoordinate from the origin are moved to that bound. Cost: bounded by the grid, not by the
+    /// triangle.
     void AddTriangle(const LatticeTriangle& triangle);
 
 private:

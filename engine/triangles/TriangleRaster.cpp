@@ -53,7 +53,8 @@ void FillRows(const RasterTile& tile, std::int32_t z, const Lanes& rows)
     FillHalves(tile.halvesOfNextX, y, z, __builtin_shufflevector(both, both, 1, 3, 5, 7, 9, 11, 13, 15));
 }
 
-// Fills what a triangle touches of a tile. Rows of columns are found from the last column back; `PlaneRows` is the plane's numbers.
+// Fills what a triangle touches of a tile. Rows of columns are found from the last column back; `PlaneRows` is the plane's
+// numbers.
 template <class PlaneRows, ThickAlong thick> class TileFilling
 {
 public:

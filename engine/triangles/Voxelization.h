@@ -1,4 +1,5 @@
-// Triangles to voxels (conservative surface voxelization): a voxel is filled when the closed triangle and the closed box of the voxel share at least one point.
+// Triangles to voxels (conservative surface voxelization): a voxel is filled when the closed triangle and the closed box of the
+// voxel share at least one point.
 #pragma once
 
 #include "../model/VoxelModel.h"
@@ -6,8 +7,8 @@
 
 namespace brix {
 
-/// The extents at level 0 of all voxels that triangles (world units) can touch. A vertex on a voxel boundary counts for the voxels
-/// on both sides along x and y; along z only one at the upper bound does. No triangles: (-25, -25, -40) .. (24, 24, 39).
+/// The extents at level 0 of all voxels that triangles (world units) can touch. A vertex on a voxel boundary counts for the
+/// voxels on both sides along x and y; along z only one at the upper bound does. No triangles: (-25, -25, -40) .. (24, 24, 39).
 /// Throws what the Extents constructor throws when the triangles leave the index space or hold numbers that are not finite.
 Extents DetectTriangleExtents(const Axes& axes, const std::vector<WorldTriangle>& triangles);
 Extents DetectTriangleExtents(const Axes& axes, const WorldTriangle* triangles, std::size_t count);

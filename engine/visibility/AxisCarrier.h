@@ -1,5 +1,5 @@
-// Sight along one axis, in bits: every value is 0 or 1, and sight ends at the first filled voxel of each line. What leaves a stack
-// along x or y is one row of bits for each of its heights, along z one plate.
+// Sight along one axis, in bits: every value is 0 or 1, and sight ends at the first filled voxel of each line. What leaves a
+// stack along x or y is one row of bits for each of its heights, along z one plate.
 #pragma once
 
 #include "StackView.h"

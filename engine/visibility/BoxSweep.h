@@ -1,4 +1,5 @@
-// A sweep through a box of voxels: from one corner stack by stack, z innermost, so that all that enters a stack is known before it.
+// A sweep through a box of voxels: from one corner stack by stack, z innermost, so that all that enters a stack is known before
+// it.
 #pragma once
 
 #include "../model/StackIterator.h"
@@ -72,8 +73,8 @@ void SweepStack(VoxelModel<bool>& result, const VoxelModel<bool>& model, std::in
     MarkVisible(result, lod, sweep, corner, seen);
 }
 
-/// Passes a carrier through the stacks of the box and marks in `result` what is visible. Both models must hold the box at `lod`, and
-/// have the same extents.
+/// Passes a carrier through the stacks of the box and marks in `result` what is visible. Both models must hold the box at `lod`,
+/// and have the same extents.
 template <class Carrier>
 void SweepBox(VoxelModel<bool>& result, const VoxelModel<bool>& model, std::int64_t lod, const BoxSweep& sweep, Carrier carrier)
 {

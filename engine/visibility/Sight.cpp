@@ -31,8 +31,8 @@ struct DirectionWeights
     const DirectionRule& AtHeights(const Triple&, std::int64_t) const { return rule; }
 };
 
-// Voxel counts per base unit differ along x and y from those along z; these factors make lengths along all axes comparable. They are
-// powers of two, so products with them are exact.
+// Voxel counts per base unit differ along x and y from those along z; these factors make lengths along all axes comparable. They
+// are powers of two, so products with them are exact.
 std::array<double, 3> VoxelScale(const Axes& axes, std::int64_t lod)
 {
     return {std::ldexp(1.0, static_cast<int>(lod)), std::ldexp(1.0, static_cast<int>(lod)),
@@ -77,8 +77,8 @@ public:
     }
 
 private:
-    // Of the voxel that a sweep meets as the `step`th along an axis of a stack. Points far away are rounded to doubles, within 2^52 base
-    // units nothing is.
+    // Of the voxel that a sweep meets as the `step`th along an axis of a stack. Points far away are rounded to doubles, within
+    // 2^52 base units nothing is.
     double WeightAt(std::size_t axis, const Triple& corner, std::int64_t step) const
     {
         const std::int64_t index = corner[axis] + (order_[axis] == Side::Upper ? step : LastOffset[axis] - step);

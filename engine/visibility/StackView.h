@@ -79,8 +79,8 @@ public:
 
     const VoxelPlate<bool>& PlateAt(std::int64_t height) const { return plates_[layers_[static_cast<std::size_t>(height)]]; }
 
-    /// One bit per height: set where no voxel that is swept is filled, and where all are and none before them is left out, so that
-    /// the plate sends nothing on.
+    /// One bit per height: set where no voxel that is swept is filled, and where all are and none before them is left out, so
+    /// that the plate sends nothing on.
     std::uint64_t EmptyHeights() const { return empty_; }
     std::uint64_t FullHeights() const { return full_; }
 

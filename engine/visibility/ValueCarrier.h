@@ -2,11 +2,12 @@
 //
 //   EnterRow()                       a row of columns of stacks begins: sight enters fully along x
 //   EnterColumn(column, corner)      a column begins: sight enters fully along z. `corner` is the lower corner of its first stack
-//   Pass(view, number, corner, seen)  the next stack of the column, its `number` counted from its start: what is visible in it is appended
-//                                    to `seen` at the heights of the view
+//   Pass(view, number, corner, seen)  the next stack of the column, its `number` counted from its start: what is visible in it is
+//                                     appended to `seen` at the heights of the view
 //
-// What waits for the stacks behind: along x the faces of one row's stacks, along y a face for every column and stack of it, along z one
-// plate. A face holds 64 rows of 16 values, and one bit per height for rows that are fully lit or wholly dark; those cost nothing.
+// What waits for the stacks behind: along x the faces of one row's stacks, along y a face for every column and stack of it, along
+// z one plate. A face holds 64 rows of 16 values, and one bit per height for rows that are fully lit or wholly dark; those cost
+// nothing.
 #pragma once
 
 #include "../model/InstructionSet.h"
@@ -103,8 +104,9 @@ public:
     }
 
 private:
-    // Passes the heights from this one on that need no arithmetic, and returns their number; it may reach beyond the view. A plate is
-    // dark where no light enters, or where its filled voxels stop all of it; lit where full light enters and nothing is filled.
+    // Passes the heights from this one on that need no arithmetic, and returns their number; it may reach beyond the view. A
+    // plate is dark where no light enters, or where its filled voxels stop all of it; lit where full light enters and nothing is
+    // filled.
     std::int64_t PassSteadily(const StackView& view, std::int64_t height, SightFace& x, SightFace& y, StackBuilder& seen)
     {
         std::int64_t count = 0;

@@ -32,8 +32,8 @@ Triple Held(const Triple& point)
     return {NearestCoordinate(point[0]), NearestCoordinate(point[1]), NearestCoordinate(point[2])};
 }
 
-// The voxels within so many base units of a point along each axis, and within the index space; if there are none, the voxel that is
-// nearest to the point.
+// The voxels within so many base units of a point along each axis, and within the index space; if there are none, the voxel that
+// is nearest to the point.
 Extents ExtentsAround(const Axes& axes, const Triple& point, std::int64_t lod, const sight::SightReach& reach)
 {
     const std::int64_t horizontal = MaxHorizontalExtent(lod);

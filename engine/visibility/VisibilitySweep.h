@@ -1,7 +1,8 @@
 // The value of one voxel, and the loop that computes it over a stretch of plates.
 //
-// Everything here runs towards larger x, y and z; who sweeps another way mirrors the plates. Values are carried in sixteen lanes, one
-// per row y of the plates. Every lane is one voxel behind the lane before it, so that all sixteen values of a step are independent:
+// Everything here runs towards larger x, y and z; who sweeps another way mirrors the plates. Values are carried in sixteen lanes,
+// one per row y of the plates. Every lane is one voxel behind the lane before it, so that all sixteen values of a step are
+// independent:
 //
 //   step     0   1   2   3  ..  15  16  17                     upstream along x   the lane's value of the last step
 //   lane 0   0   1   2   3  ..  15   0'  1'    voxel x         upstream along y   the value of lane y - 1 of the last step
@@ -24,10 +25,10 @@ inline constexpr std::array<std::uint64_t, PlateWidth> LaneBits = [] {
     return bits;
 }();
 
-/// The value of an empty voxel: that of its upstream neighbours when all three agree, so that full sight and darkness travel exactly,
-/// otherwise their mix. A mix of values up to 1 need not be held at 1. Rounding keeps order, so it is at most what three ones give;
-/// that is (x + y + z) / (x + y + z), or s * n with s = x + y + z in 1 .. 1.74 and n = 1 / s: half a unit in the last place of n,
-/// 2^-54, makes s * n less than 1 + 2^-53, which rounds to 1.
+/// The value of an empty voxel: that of its upstream neighbours when all three agree, so that full sight and darkness travel
+/// exactly, otherwise their mix. A mix of values up to 1 need not be held at 1. Rounding keeps order, so it is at most what three
+/// ones give; that is (x + y + z) / (x + y + z), or s * n with s = x + y + z in 1 .. 1.74 and n = 1 / s: half a unit in the last
+/// place of n, 2^-54, makes s * n less than 1 + 2^-53, which rounds to 1.
 inline double ValueOfEmptyVoxel(double a, double b, double c, double mix) { return a == b && b == c ? a : mix; }
 
 /// Mixes upstream values in the proportions of one direction: (a * x + b * y + c * z) * normaliser.

@@ -47,7 +47,8 @@ public class ConversionTests
         }
         Assert.Equal(25, volume, 9);
         Assert.Equal(52 + 6, area, 9);
-        Assert.Equal("Total rectangle count of 12 exceeds limit of 11. Consider converting the voxels at a coarser level of detail.",
+        Assert.Equal("Total rectangle count of 12 exceeds limit of 11. " +
+            "Consider converting the voxels at a coarser level of detail.",
             MessageOf(() => VoxelSolidizationCLI.SolidizeVoxelModel(model, 5, 11)));
         Assert.Equal("The level of detail for voxel solidization cannot be negative. The value encountered was -1.",
             MessageOf(() => VoxelSolidizationCLI.SolidizeVoxelModel(model, -1, 5)));

@@ -16,7 +16,8 @@ public class MessageTests
     private static string NotBelow6(string quantity) => quantity + " must be less than 6. The value encountered was 6.";
 
     private static string BeyondFinest(string quantity) => quantity +
-        " must not exceed the finest level of detail in the voxel model. The value encountered was 6. The finest level of detail in the voxel model is 5.";
+        " must not exceed the finest level of detail in the voxel model. The value encountered was 6. " +
+        "The finest level of detail in the voxel model is 5.";
 
     [Fact]
     public void EngineMessagesComeInTheOrderOfTheArguments()

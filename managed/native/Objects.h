@@ -16,8 +16,8 @@
 #include <utility>
 #include <vector>
 
-// Models do not change once they have a handle, so handles, iterators and path models share them. They are kept in the form in which
-// growth takes its guide: a guide is then passed on, not copied.
+// Models do not change once they have a handle, so handles, iterators and path models share them. They are kept in the form in
+// which growth takes its guide: a guide is then passed on, not copied.
 using SharedVoxels = std::shared_ptr<const std::optional<brix::VoxelModel<bool>>>;
 
 struct brix_axes
@@ -123,8 +123,8 @@ inline SharedVoxels Share(VoxelModel<bool>&& voxels)
 
 inline void MakeModel(brix_model** result, VoxelModel<bool>&& voxels) { Make(result, Share(std::move(voxels))); }
 
-/// `count` items of `width` numbers each, called by their plural name in messages, in the caller's memory; no pointer is needed for
-/// none. Throws when there cannot be so many.
+/// `count` items of `width` numbers each, called by their plural name in messages, in the caller's memory; no pointer is needed
+/// for none. Throws when there cannot be so many.
 void RequireItems(const void* numbers, std::int64_t count, std::int64_t width, std::string_view name);
 
 /// Triangles in the caller's memory.

@@ -10,9 +10,10 @@ using namespace brix::capi;
 
 namespace {
 
-// A world direction in base units. The lattice is the world turned about z and scaled alike along all axes, so a direction is turned
-// back and given a length, and neither the origin nor the voxel width has a part in it. 70000 voxels of level 0 are the length up to
-// which points are converted exactly; nine digits of the direction survive, and one along an axis stays exactly along it.
+// A world direction in base units. The lattice is the world turned about z and scaled alike along all axes, so a direction is
+// turned back and given a length, and neither the origin nor the voxel width has a part in it. 70000 voxels of level 0 are the
+// length up to which points are converted exactly; nine digits of the direction survive, and one along an axis stays exactly
+// along it.
 Triple DirectionInBaseUnits(const Axes& axes, const std::array<double, 3>& worldDirection)
 {
     // Divided by the largest component first: squares of very long or short directions would leave the doubles.

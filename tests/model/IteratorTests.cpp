@@ -129,7 +129,8 @@ TEST(Iterators, WalkWhereTheirStepsLead)
     }
 }
 
-// Any edit of a stack: one voxel, which isolates its layer and may leave it so, other layers for the same content, or other content.
+// Any edit of a stack: one voxel, which isolates its layer and may leave it so, other layers for the same content, or other
+// content.
 void EditAtRandom(VoxelModel<bool>& model, ReferenceModel& level, const Triple& voxel, Random& random)
 {
     const StackIterator place(model, voxel, level.VoxelLOD());

@@ -1,5 +1,5 @@
-// Every function of brix_c.h with each of its pointers NULL in turn. The list of functions is made from the header when the build is
-// configured (tests/CMakeLists.txt), so that none can be left out:
+// Every function of brix_c.h with each of its pointers NULL in turn. The list of functions is made from the header when the build
+// is configured (tests/CMakeLists.txt), so that none can be left out:
 //     BRIX_FUNCTION(brix_axes_voxel_height, "const brix_axes* axes, double* result, brix_error* error")
 //     BRIX_FREE(brix_axes_free)
 #include "brix_c.h"

@@ -65,8 +65,8 @@ TEST(AutoSplit, GivesTheConnectedRegionsInStackOrder)
     }
 }
 
-// Where three of ten voxels are filled, regions wind and meet again, within plates and across all borders. Some repeat over several
-// heights.
+// Where three of ten voxels are filled, regions wind and meet again, within plates and across all borders. Some repeat over
+// several heights.
 TEST(AutoSplit, FollowsWindingRegions)
 {
     for (std::uint64_t seed = 1; seed <= 60; ++seed) {

@@ -1,5 +1,5 @@
-// Every function that takes a level says which levels there are: those of a model, or 0 to 5. The order among other errors stands with the
-// function's own tests.
+// Every function that takes a level says which levels there are: those of a model, or 0 to 5. The order among other errors stands
+// with the function's own tests.
 #include "model/PropagateLevel.h"
 #include "model/StackIterator.h"
 #include "model/VoxelIterator.h"

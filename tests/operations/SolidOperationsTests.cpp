@@ -1,4 +1,5 @@
-// Boolean combinations against their voxel-by-voxel definitions, the laws that tie them together, and every sentence that they raise.
+// Boolean combinations against their voxel-by-voxel definitions, the laws that tie them together, and every sentence that they
+// raise.
 #include "operations/SolidOperations.h"
 
 #include "operations/BasicOperations.h"

@@ -1,5 +1,5 @@
-// Growth and shrinkage against their definitions, voxel by voxel and pass by pass; the laws that tie them together; every sentence
-// that they raise.
+// Growth and shrinkage against their definitions, voxel by voxel and pass by pass; the laws that tie them together; every
+// sentence that they raise.
 #include "operations/SurfaceOperations.h"
 
 #include "operations/BasicOperations.h"
@@ -172,7 +172,8 @@ TEST(SurfaceOperations, ShrinkTheBackgroundAsTheyGrowTheForeground)
         const Call grow = RandomCall(random, 2 * (seed % 5), false);
         const bool isAlong = grow.operation < AlongEnd;
         const Call shrink{grow.operation + 1, isAlong ? grow.second : grow.first, isAlong ? grow.first : grow.second, false};
-        // The upper faces of the background are the lower faces of the foreground, so the sides of the passes come in another order.
+        // The upper faces of the background are the lower faces of the foreground, so the sides of the passes come in another
+        // order.
         EXPECT_EQ(Differences(Invert(grow.Run(model, std::nullopt)), shrink.Run(Invert(model), outside)), "")
             << "seed " << seed << ", " << grow;
     }

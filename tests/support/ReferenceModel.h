@@ -1,5 +1,5 @@
-// The one oracle of all tests: the voxels of a level as a plain set, with the same operations as the engine's models, each written
-// from its definition and voxel by voxel. It takes nothing from the engine but frames and extents.
+// The one oracle of all tests: the voxels of a level as a plain set, with the same operations as the engine's models, each
+// written from its definition and voxel by voxel. It takes nothing from the engine but frames and extents.
 #pragma once
 
 #include "model/VoxelModel.h"
@@ -12,7 +12,8 @@ namespace brix::tests {
 class ReferenceModel
 {
 public:
-    /// Empty. `extents` at any level; `lod` the level of the voxels, at most `finestLOD`, the finest level that models made of it hold.
+    /// Empty. `extents` at any level; `lod` the level of the voxels, at most `finestLOD`, the finest level that models made of it
+    /// hold.
     ReferenceModel(const Extents& extents, std::int64_t finestLOD, std::int64_t lod);
 
     /// The voxels of a model at a level.
@@ -43,7 +44,8 @@ public:
         ForEachTriple(extents_.LowerIndices(), extents_.UpperIndices(), visit);
     }
 
-    /// A model that is filled where rule(voxel) holds, on the same extents or on others of the same level. Operations are one call:
+    /// A model that is filled where rule(voxel) holds, on the same extents or on others of the same level. Operations are one
+    /// call:
     ///     a.Where([&](const Triple& voxel) { return a.Value(voxel) && !b.Value(voxel); })
     template <class Rule> ReferenceModel Where(Rule rule) const
     {

@@ -254,8 +254,9 @@ int CountStacked(const ReferenceModel& model, const Triple& voxel)
     return model.Value(Minus(voxel, {0, 0, 1})) + model.Value(Plus(voxel, {0, 0, 1}));
 }
 
-// From the last pass to the first. Every second voxel of the diameter is a step to all sides. A pass that fills corners stands behind the
-// last step (even diameters) or before it (odd ones), and before each further pair of steps that has at least two in front of it.
+// From the last pass to the first. Every second voxel of the diameter is a step to all sides. A pass that fills corners stands
+// behind the last step (even diameters) or before it (odd ones), and before each further pair of steps that has at least two in
+// front of it.
 std::vector<int> DiscSteps(int diameter)
 {
     std::vector<int> backwards;

@@ -110,8 +110,8 @@ std::array<double, 3> Cross(const std::array<double, 3>& a, const std::array<dou
     return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
 }
 
-// In world units, so that frames of all kinds are tested: by Gauss, a third of the sum of the flows of (x, y, z) through the surface
-// is the volume inside it, if all corners turn the right way.
+// In world units, so that frames of all kinds are tested: by Gauss, a third of the sum of the flows of (x, y, z) through the
+// surface is the volume inside it, if all corners turn the right way.
 TEST(Solidization, EnclosesTheFilledVoxelsWithOutwardCorners)
 {
     for (const RandomModel& random : RandomModels(1900, 100)) {

@@ -233,8 +233,8 @@ TEST(VisibilityFromPoint, DoesNotPassClosedWalls)
     EXPECT_GT(fromOutside.CountFilled(), 100'000);
 }
 
-// Here (5m + 2)^2 = (4m + 1)^2 + (3m + 2)^2 - 1: the voxel whose centre is 3m + 2 beyond the point along x, and 4m + 1 along y, lies
-// just outside the radius 5m + 2. As doubles, the squares are equal.
+// Here (5m + 2)^2 = (4m + 1)^2 + (3m + 2)^2 - 1: the voxel whose centre is 3m + 2 beyond the point along x, and 4m + 1 along y,
+// lies just outside the radius 5m + 2. As doubles, the squares are equal.
 TEST(VisibilityFromPoint, MeasuresLargeRadiiExactly)
 {
     constexpr std::int64_t m = 500'000'000;
