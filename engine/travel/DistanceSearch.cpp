@@ -57,8 +57,8 @@ void DistanceSearch::Expand(Index voxel)
     });
 }
 
-// Moves a bend close by to one of the voxels around it where that makes the way shorter: the neighbours of a voxel need not know the
-// best bend when the straight way from it passes between them.
+// Moves a bend close by to one of the voxels around it where that makes the way shorter: the neighbours of a voxel need not know
+// the best bend when the straight way from it passes between them.
 void DistanceSearch::Straighten(Index voxel)
 {
     const Index bend = labels_[voxel].bend;

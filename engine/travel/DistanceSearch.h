@@ -1,9 +1,9 @@
 // The search behind a distance field: labels are corrected until no voxel offers its neighbours a shorter way.
 //
-// Voxels wait in buckets of half a voxel's width and are expanded in that order, as in Dijkstra's algorithm. A straight piece may end
-// nearer than the ground that it passes over (a line over a kerb is shorter than the way up and down), so a voxel may be improved after
-// its turn, and is expanded again; the ways that bend there shorten with it. What is more than a margin below the bucket at work stays
-// as it is: a search that stops early knows then which of its labels are those of a search without end.
+// Voxels wait in buckets of half a voxel's width and are expanded in that order, as in Dijkstra's algorithm. A straight piece may
+// end nearer than the ground that it passes over (a line over a kerb is shorter than the way up and down), so a voxel may be
+// improved after its turn, and is expanded again; the ways that bend there shorten with it. What is more than a margin below the
+// bucket at work stays as it is: a search that stops early knows then which of its labels are those of a search without end.
 #pragma once
 
 #include "SightLines.h"
@@ -17,8 +17,8 @@ public:
 
     explicit DistanceSearch(const TraversableGraph& graph);
 
-    /// To be called once. What is within `maxDistance` of the sources, as rounded numbers tell it, has its final label in Labels();
-    /// others have any. Source voxels have themselves as bends.
+    /// To be called once. What is within `maxDistance` of the sources, as rounded numbers tell it, has its final label in
+    /// Labels(); others have any. Source voxels have themselves as bends.
     void Run(const std::vector<Index>& sources, double maxDistance);
 
     const std::vector<TravelLabel>& Labels() const { return labels_; }

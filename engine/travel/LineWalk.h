@@ -1,9 +1,9 @@
 // What a straight piece of a way is: a line from the centre of a traversable voxel to that of another, walked square by square.
 //
-//     . . . . b       In plan the line crosses squares, one beside the other; where it passes exactly through a corner of squares, the
-//     . . + + +       next one lies across. Each must hold a voxel that a step leads to from the one before, and the last one is b.
-//     a + + . .       Each lies at most one voxel above or below the line: compared where the line crosses the middle of the voxel's
-//                     column, or of its row when the line runs mainly along y.
+//     . . . . b    In plan the line crosses squares, one beside the other; where it passes exactly through a corner of them, the
+//     . . + + +    next one lies across. Each must hold a voxel that a step leads to from the one before, and the last one is b.
+//     a + + . .    Each lies at most one voxel above or below the line: compared where the line crosses the middle of the voxel's
+//                  column, or of its row when the line runs mainly along y.
 #pragma once
 
 #include "TraversableGraph.h"
@@ -37,8 +37,9 @@ public:
     std::int64_t Length() const { return std::max(sizeX_, sizeY_); }
     std::int64_t Steps() const { return sizeX_ >= sizeY_ ? stepsX_ : stepsY_; }
 
-    /// One step on. Returns whether the ground is there; when it is not, the walk is over. Not to be called in the last column. Where
-    /// a step leads to several voxels of a column (in a low room), it takes the one nearest to the line, the lower one of two.
+    /// One step on. Returns whether the ground is there; when it is not, the walk is over. Not to be called in the last column.
+    /// Where a step leads to several voxels of a column (in a low room), it takes the one nearest to the line, the lower one of
+    /// two.
     bool Advance()
     {
         // the next border across x is crossed before, at or after the next one across y
@@ -57,8 +58,8 @@ public:
     /// Whether the voxel lies at most one above or below the line.
     bool IsNearLine() const { return std::abs((graph_.Z(here_) - fromZ_) * Length() - rise_ * Steps()) <= Length(); }
 
-    /// The voxel on the other side of the line, beside this one, where the line passes between the centres of two squares of a row
-    /// across the main axis; this voxel itself where it passes through the centre; None where there is no ground.
+    /// The voxel on the other side of the line, beside this one, where the line passes between the centres of two squares of a
+    /// row across the main axis; this voxel itself where it passes through the centre; None where there is no ground.
     Index OtherSide() const
     {
         const bool isMainlyX = sizeX_ >= sizeY_;

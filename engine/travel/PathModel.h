@@ -20,8 +20,8 @@ public:
     /// `agentDiameterOffset`   the agent's diameter in voxels of that level, at least 1
     /// `agentHeightOffset`     the agent's height in voxels, at least 1; 1 is for plans, environments of one layer
     /// `autoAdjustExtents`     true: the agent can stand on top of the highest matter, and the result is bounded by its voxels
-    /// Throws std::domain_error for the first argument that breaks its rule, in this order, and what Enlarge throws when there is no
-    /// layer above the environment's extents in the index space.
+    /// Throws std::domain_error for the first argument that breaks its rule, in this order, and what Enlarge throws when there is
+    /// no layer above the environment's extents in the index space.
     PathModel(const VoxelModel<bool>& environment, std::int64_t voxelLOD, std::int64_t agentDiameterOffset,
               std::int64_t agentHeightOffset, bool autoAdjustExtents);
     PathModel(const VoxelModel<bool>&& environment, std::int64_t, std::int64_t, std::int64_t, bool) = delete; // would be gone
@@ -36,13 +36,15 @@ public:
 
     /// Points (base units, centres of voxels) spread over the traversable voxels: one on every connected floor of every cell of a
     /// horizontal grid, where the body has room.
-    /// `spacing`      width of a cell in base units; the grid starts at the frame's origin. Voxels belong to the cell of their centre
+    /// `spacing`      width of a cell in base units; the grid starts at the frame's origin. Voxels belong to the cell of their
+    ///                centre
     /// `minDiameter`  in voxels, at least 1: points stand on what ReduceHorizontally leaves of the traversable voxels with it
-    /// A floor is what steps connect within the cell; of its voxels left, the one whose centre is nearest to the cell's in plan is
-    /// taken, of several the one of the lowest y, x and z. Cells come row by row (y), along x, the floors of one in the order of their
-    /// first voxels.
-    /// Throws std::domain_error when the diameter is less than 1, when the spacing is less than a voxel's width, when the grid has more
-    /// than SampleGridLimit cells, and when a cell is wider than the index space (2 * MaxHorizontalExtent voxels of the level).
+    /// A floor is what steps connect within the cell; of its voxels left, the one whose centre is nearest to the cell's in plan
+    /// is taken, of several the one of the lowest y, x and z. Cells come row by row (y), along x, the floors of one in the order
+    /// of their first voxels.
+    /// Throws std::domain_error when the diameter is less than 1, when the spacing is less than a voxel's width, when the grid
+    /// has more than SampleGridLimit cells, and when a cell is wider than the index space (2 * MaxHorizontalExtent voxels of the
+    /// level).
     /// Cost: a few passes over the traversable voxels.
     std::vector<Triple> GenerateSamplePoints(std::int64_t spacing, std::int64_t minDiameter) const;
 

@@ -57,12 +57,38 @@ SightDirection Corner(const SightDirection& centre, SightSide side)
 bool SightLines::Sees(Index bend, Index voxel, Sight& sight) const
 {
     if (IsAtHeight(bend, voxel)) {
+        if (IsBetweenSeen(bend, voxel, sight)) return true;
         const View view = LevelView(bend, voxel, sight);
         if (view != View::Unknown) return view == View::Clear;
     }
     sight = Sight{};
     const LineWalk walk(graph_, voxel, bend);
     return walk.Length() <= UnevenReach && IsStraightPiece(graph_, voxel, bend);
+}
+
+// Whether the line passes between two voxels in sight in the column before (or through one): mostly so, and soonest told. What is
+// not told here, LevelView() finds out.
+bool SightLines::IsBetweenSeen(Index bend, Index voxel, Sight& sight) const
+{
+    const SightDirection line = DirectionOf(bend, voxel);
+    const std::int32_t x = std::abs(line.x);
+    const std::int32_t y = std::abs(line.y);
+    if (x == y) return false;
+    const Step alongX = line.x > 0 ? TraversableGraph::West : TraversableGraph::East; // back to the bend
+    const Step alongY = line.y > 0 ? TraversableGraph::South : TraversableGraph::North;
+    const Index one = graph_.Beside(voxel, x > y ? alongX : alongY, graph_.Z(voxel));
+    if (one == TraversableGraph::None || !IsInLevelSight(bend, one)) return false;
+    Index other = one;
+    if (x != 0 && y != 0) {
+        other = graph_.Beside(one, x > y ? alongY : alongX, graph_.Z(voxel));
+        if (other == TraversableGraph::None || !IsInLevelSight(bend, other)) return false;
+    }
+    const bool isOneLeft = ((line.x > 0) == (line.y > 0)) == (x > y); // `other` is nearer to the axis
+    sight = Sight{};
+    sight.isLevel = true;
+    TakeLimits(sight, isOneLeft ? Pair{one, other, true, true} : Pair{other, one, true, true}, bend);
+    LimitBesides(sight, voxel, line);
+    return true;
 }
 
 // Walks from the voxel towards the bend until it is known whether the rest of the line is free.
@@ -96,11 +122,7 @@ SightLines::View SightLines::LevelView(Index bend, Index voxel, Sight& sight) co
         for (const SightSide side : {Left, Right})
             LimitBeside(sight, side, walk.Here(), DirectionOf(bend, walk.Here()), Beside(line, side));
     }
-    for (const SightSide side : {Left, Right}) {
-        const Step beside = Beside(line, side);
-        LimitBeside(sight, side, voxel, line, beside);
-        if (!IsBeyond(Next(line, beside), side, sight.limits[side])) sight.limits[side] = {}, sight.isKnown[side] = true;
-    }
+    LimitBesides(sight, voxel, line);
     return View::Clear;
 }
 
@@ -166,6 +188,18 @@ void SightLines::TakeLimits(Sight& sight, const Pair& pair, Index bend) const
         const Sight& seen = labels_[seesSide ? beside : (side == Left ? pair.right : pair.left)].sight;
         if (IsDirection(seen.limits[side])) Tighten(sight, side, seen.limits[side], seen.isKnown[side]);
         if (!seesSide && beside != TraversableGraph::None) Tighten(sight, side, DirectionOf(bend, beside), false);
+    }
+}
+
+// A limit counts as far as the next voxels to both sides.
+void SightLines::LimitBesides(Sight& sight, Index voxel, const SightDirection& line) const
+{
+    for (const SightSide side : {Left, Right}) {
+        const Step beside = Beside(line, side);
+        LimitBeside(sight, side, voxel, line, beside);
+        if (IsBeyond(Next(line, beside), side, sight.limits[side])) continue;
+        sight.limits[side] = {};
+        sight.isKnown[side] = true;
     }
 }
 

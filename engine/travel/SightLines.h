@@ -1,12 +1,12 @@
 // Which voxels a bend of a way sees: whether a straight piece leads to them (LineWalk.h).
 //
-// On level ground this is the question of a plan, the layer of the bend's height, and most of the answer is known from the voxels in
-// the column before:
+// On level ground this is the question of a plan, the layer of the bend's height, and most of the answer is known from the voxels
+// in the column before:
 //
-//     . . . . . . . .       A line from the bend (b) to a voxel (v) is free when the two voxels are in sight that it passes between in
-//     . . . . # . . .       the column before (1, 2), because the strip between their lines is narrower than a square: nothing stands
-//     b - - _ # 2 . .       in it that meets neither of them. Where only one of them is in sight, it knows the corner of the obstacle
-//     . . . . - 1 v .       that hides the other, and the line passes it or not. Else the line is walked back, column by column.
+//     . . . . . . . .   A line from the bend (b) to a voxel (v) is free when the two voxels are in sight that it passes between
+//     . . . . # . . .   in the column before (1, 2): the strip between their lines is narrower than a square: nothing stands
+//     b - - _ # 2 . .   in it that meets neither of them. Where only one of them is in sight, it knows the corner of the obstacle
+//     . . . . - 1 v .   that hides the other, and the line passes it or not. Else the line is walked back, column by column.
 //
 // Over uneven ground the whole line is walked.
 #pragma once
@@ -28,9 +28,9 @@ enum SightSide : std::size_t
     Right
 };
 
-/// What is known of the sight of a bend around a voxel that it sees. Where the line is level: lines from the bend to either side of the
-/// voxel are free as far as the limit of that side, but at most as far as the centre of the next voxel there; beyond a limit that is
-/// known they meet an obstacle.
+/// What is known of the sight of a bend around a voxel that it sees. Where the line is level: lines from the bend to either side
+/// of the voxel are free as far as the limit of that side, but at most as far as the centre of the next voxel there; beyond a
+/// limit that is known they meet an obstacle.
 struct Sight
 {
     std::array<SightDirection, 2> limits{};
@@ -54,12 +54,12 @@ public:
     /// Both must outlive it. Labels change meanwhile: what they tell of sight must be true whenever a question is asked.
     SightLines(const TraversableGraph& graph, const std::vector<TravelLabel>& labels) : graph_(graph), labels_(labels) {}
 
-    /// Whether a bend sees a voxel, and if so what is known of the sight. It may miss what it sees: over uneven ground at distances
-    /// of more than UnevenReach columns, and behind an obstacle that level ground ends at.
+    /// Whether a bend sees a voxel, and if so what is known of the sight. It may miss what it sees: over uneven ground at
+    /// distances of more than UnevenReach columns, and behind an obstacle that level ground ends at.
     bool Sees(Index bend, Index voxel, Sight& sight) const;
 
-    /// Lines over uneven ground are walked to the end. To leave out the longer ones bounds the cost, and adds nothing worth mentioning
-    /// to a way, which may go straight on after a bend: half a voxel aside in 64 are 0.003 %.
+    /// Lines over uneven ground are walked to the end. To leave out the longer ones bounds the cost, and adds nothing worth
+    /// mentioning to a way, which may go straight on after a bend: half a voxel aside in 64 are 0.003 %.
     static constexpr std::int64_t UnevenReach = 64;
 
 private:
@@ -76,6 +76,7 @@ private:
         bool seesLeft, seesRight;
     };
 
+    bool IsBetweenSeen(Index bend, Index voxel, Sight& sight) const;
     View LevelView(Index bend, Index voxel, Sight& sight) const;
     View ViewBetween(const SightDirection& line, const Pair& pair) const;
     View ViewBeside(const SightDirection& line, Index seen, SightSide side) const;
@@ -84,6 +85,7 @@ private:
     bool IsInLevelSight(Index bend, Index voxel) const;
     bool IsAtHeight(Index voxel, Index other) const { return graph_.Z(voxel) == graph_.Z(other); }
     SightDirection DirectionOf(Index bend, Index voxel) const;
+    void LimitBesides(Sight& sight, Index voxel, const SightDirection& line) const;
     void TakeLimits(Sight& sight, const Pair& pair, Index bend) const;
     void LimitBeside(Sight& sight, SightSide side, Index voxel, const SightDirection& line,
                      TraversableGraph::Direction beside) const;

@@ -82,9 +82,7 @@ void TraversableGraph::AddRows(const VoxelModel<bool>& traversable)
         }
         FindLowRooms(start);
         LinkRow(East, start, Size(), start, Size());
-        LinkRow(West, start, Size(), start, Size());
         LinkRow(South, start, Size(), previous, start);
-        LinkRow(North, previous, start, start, Size());
         previous = start;
     }
     rowStarts_.push_back(Size());
@@ -96,8 +94,8 @@ void TraversableGraph::FindLowRooms(Index first)
         hasLowRooms_ = hasLowRooms_ || (voxels_[voxel].x == voxels_[voxel - 1].x && voxels_[voxel].z - voxels_[voxel - 1].z < 3);
 }
 
-// Walks a row and the one beside it (or itself) side by side: `other` moves to the lowest voxel of the column beside that is not too
-// far below, and stays there for the voxel above this one.
+// Walks a row and the one beside it (or itself) side by side: `other` moves to the lowest voxel of the column beside that is not
+// too far below, and stays there for the voxel above this one. Links lead both ways.
 void TraversableGraph::LinkRow(Direction direction, Index begin, Index end, Index other, Index otherEnd)
 {
     const std::int32_t offset = (direction == East) - (direction == West);
@@ -105,7 +103,12 @@ void TraversableGraph::LinkRow(Direction direction, Index begin, Index end, Inde
         const std::int32_t x = voxels_[voxel].x + offset;
         const std::int32_t z = voxels_[voxel].z;
         while (other < otherEnd && (voxels_[other].x < x || (voxels_[other].x == x && voxels_[other].z < z - 1))) ++other;
-        if (other < otherEnd && voxels_[other].x == x && voxels_[other].z <= z + 1) voxels_[voxel].links[direction] = other;
+        for (Index beside = other; beside < otherEnd && voxels_[beside].x == x && voxels_[beside].z <= z + 1; ++beside) {
+            Index& there = voxels_[voxel].links[direction];
+            Index& back = voxels_[beside].links[Opposite(direction)];
+            if (there == None) there = beside;
+            if (back == None) back = voxel;
+        }
     }
 }
 

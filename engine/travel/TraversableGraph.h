@@ -27,8 +27,8 @@ public:
     };
     static constexpr Direction Opposite(Direction direction) { return static_cast<Direction>(direction ^ 2U); }
 
-    /// Of the filled voxels of a model at its finest level. 28 bytes per filled voxel; one pass over the stored layers and one over the
-    /// voxels. Throws std::domain_error for 2^32 - 1 voxels or more.
+    /// Of the filled voxels of a model at its finest level. 28 bytes per filled voxel; one pass over the stored layers and one
+    /// over the voxels. Throws std::domain_error for 2^32 - 1 voxels or more.
     explicit TraversableGraph(const VoxelModel<bool>& traversable);
 
     /// The extents of the model, at its finest level.
@@ -52,16 +52,16 @@ public:
         for (Index other = first + 1; hasLowRooms_ && IsAbove(other, first) && IsStep(voxel, other); ++other) visit(other);
     }
 
-    /// The voxel beside that a step leads to; of several in a low room the one nearest to a height, given as numerator and (positive)
-    /// denominator, the lower one of two; or None.
+    /// The voxel beside that a step leads to; of several in a low room the one nearest to a height, given as numerator and
+    /// (positive) denominator, the lower one of two; or None.
     Index Beside(Index voxel, Direction direction, std::int64_t numerator, std::int64_t denominator = 1) const
     {
         const Index first = voxels_[voxel].links[direction];
         return hasLowRooms_ && first != None ? NearestAbove(voxel, first, numerator, denominator) : first;
     }
 
-    /// Calls visit(voxel) for each voxel of the diagonal column, `along` and then `across`, that a step leads to. In low rooms it may
-    /// come twice.
+    /// Calls visit(voxel) for each voxel of the diagonal column, `along` and then `across`, that a step leads to. In low rooms it
+    /// may come twice.
     template <class Visit> void ForEachDiagonal(Index voxel, Direction along, Direction across, const Visit& visit) const
     {
         bool found = false;

@@ -1,4 +1,5 @@
-// Distances against the shortest ways of a visibility graph, against lines that can be worked out, and against the laws of distances.
+// Distances against the shortest ways of a visibility graph, against lines that can be worked out, and against the laws of
+// distances.
 #include "travel/DistanceField.h"
 
 #include "Walks.h"
@@ -30,7 +31,8 @@ DistanceField FieldFrom(const PathModel& path, const Triple& source, std::int64_
     return {path, {path.TraversableVoxels().AxesRef().VoxelCenter(source, path.VoxelLOD())}, maxDistance};
 }
 
-// By how much distances exceed the shortest ways, as a share of them; what is shorter than possible, or not the same set, is a failure.
+// By how much distances exceed the shortest ways, as a share of them; what is shorter than possible, or not the same set, is a
+// failure.
 struct Excess
 {
     double worst = 0;
@@ -96,6 +98,26 @@ TEST(DistanceField, KeepsToTheShortestWayAroundCorners)
         excess.Add(path, plan.ExtentsRef(0).UpperIndices(), drawing);
         EXPECT_LE(excess.worst, 0.02) << drawing;
     }
+}
+
+// Around the end of a wall one voxel thick, against ways that bend at its corners.
+TEST(DistanceField, CostsBendsAtCentresLessThanAWidth)
+{
+    const ReferenceModel floor(Extents(PlanAxes, {-40, -40, 0}, {40, 10, 0}, 0), 0, 0);
+    const VoxelModel<bool> plan = MakeModel(floor.Where([](const Triple& v) { return v[0] == 0 && v[1] <= 0; }));
+    const PathModel path(plan, 0, 1, 1, false);
+    double most = 0;
+    for (const Triple& source : {Triple{-1, -6, 0}, Triple{-1, -30, 0}, Triple{-9, -4, 0}, Triple{-40, -1, 0}}) {
+        const DistanceField field = FieldFrom(path, source);
+        ForEachTriple({1, -40, 0}, {40, 0, 0}, [&](const Triple& v) {
+            const auto toEnd = [](const Triple& u) {
+                return std::hypot(std::abs(static_cast<double>(u[0])) - 0.5, 0.5 - static_cast<double>(u[1]));
+            };
+            most = std::max(most, static_cast<double>(DistanceOf(field, v)) / Width - (toEnd(source) + 1 + toEnd(v)));
+        });
+    }
+    EXPECT_LE(most, 0.83);
+    EXPECT_GE(most, 0.8);
 }
 
 TEST(DistanceField, IsNeverBelowTheShortestWayOfStraightPiecesAndSeldomAbove)

@@ -30,8 +30,8 @@ bool AnySolid(const ReferenceModel& solid, const Triple& voxel, std::int64_t low
     return false;
 }
 
-// Stands where the body fits and the ground carries; the footprint keeps clear of columns in which the body does not fit one voxel
-// higher either, and of columns without ground in the two voxels below.
+// Stands where the body fits and the ground carries; the footprint keeps clear of columns in which the body does not fit one
+// voxel higher either, and of columns without ground in the two voxels below.
 ReferenceModel StandingPlaces(const ReferenceModel& solid, const Agent& agent)
 {
     const int h = agent.height;

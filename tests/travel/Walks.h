@@ -1,5 +1,5 @@
-// What walking means, written from the definitions and voxel by voxel: steps, what they reach, straight pieces, and the shortest ways of
-// them; and random ground to walk on.
+// What walking means, written from the definitions and voxel by voxel: steps, what they reach, straight pieces, and the shortest
+// ways of them; and random ground to walk on.
 #pragma once
 
 #include "support/Random.h"
@@ -116,8 +116,8 @@ struct Ground
         return std::hypot((a[0] - b[0]) * size[0], (a[1] - b[1]) * size[1], (a[2] - b[2]) * size[2]);
     }
 
-    /// The lengths in base units of the shortest ways of straight pieces, voxel by voxel of `voxels`, infinite where there is none: by a
-    /// visibility graph of all voxels.
+    /// The lengths in base units of the shortest ways of straight pieces, voxel by voxel of `voxels`, infinite where there is
+    /// none: by a visibility graph of all voxels.
     std::vector<double> ShortestWays(const Triple& from) const
     {
         std::vector<double> lengths(voxels.size(), std::numeric_limits<double>::infinity());
@@ -144,7 +144,8 @@ struct Ground
     std::vector<Triple> voxels;
 };
 
-/// A plan of one layer from a drawing: rows from the highest y down, parted by white space, # solid; its lower corner is voxel (0, 0, 0).
+/// A plan of one layer from a drawing: rows from the highest y down, parted by white space, # solid; its lower corner is voxel
+/// (0, 0, 0).
 inline ReferenceModel DrawnPlan(const Axes& axes, const std::string& drawing)
 {
     std::vector<std::string> rows{""};
@@ -215,7 +216,8 @@ inline std::int64_t HeightOf(Terrain terrain, Random random, const Triple& v) //
 
 } // namespace detail
 
-/// Random in all else, also in the frame, the level and so the shape of voxels: up to 32 times as high as wide, or as wide as high.
+/// Random in all else, also in the frame, the level and so the shape of voxels: up to 32 times as high as wide, or as wide as
+/// high.
 inline RandomGround MakeRandomGround(Terrain terrain, std::uint64_t seed)
 {
     Random random(seed);
