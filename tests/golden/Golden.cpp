@@ -181,7 +181,7 @@ void AddFiles(Lines& lines, const Subject& subject)
         std::ifstream file(path, std::ios::binary);
         const std::string bytes{std::istreambuf_iterator<char>(file), {}};
         ContentHash hash;
-        for (const char byte : bytes) hash.Add(static_cast<std::int64_t>(byte));
+        for (const char byte : bytes) hash.Add(std::uint64_t{static_cast<unsigned char>(byte)});
         lines.Add(variant == StlVariant::Ascii ? "stl-ascii" : "stl-binary", hash.Value(), LoadTrianglesFromSTL(path, false));
     }
     fs::remove(path);
