@@ -4,7 +4,7 @@
 // in the column before:
 //
 //     . . . . . . . .   A line from the bend (b) to a voxel (v) is free when the two voxels are in sight that it passes between
-//     . . . . # . . .   in the column before (1, 2): the strip between their lines is narrower than a square: nothing stands
+//     . . . . # . . .   in the column before (1, 2), as the strip between their lines is narrower than a square: nothing stands
 //     b - - _ # 2 . .   in it that meets neither of them. Where only one of them is in sight, it knows the corner of the obstacle
 //     . . . . - 1 v .   that hides the other, and the line passes it or not. Else the line is walked back, column by column.
 //

@@ -168,7 +168,8 @@ public class GeometryTests
         Assert.Empty(none.Indices());
         Assert.Equal("The number of triangle vertex indices must be divisible by three.",
             MessageOf(() => new TriangleMeshCLI([1, 2], [0, 1])));
-        Assert.Equal("The number of vertex coordinates must be divisible by three.", MessageOf(() => new TriangleMeshCLI([1, 2], [])));
+        Assert.Equal("The number of vertex coordinates must be divisible by three.",
+            MessageOf(() => new TriangleMeshCLI([1, 2], [])));
         Assert.Equal("The number of triangle vertex coordinates must be divisible by nine.",
             MessageOf(() => new TriangleMeshCLI(square[..10])));
         Assert.Equal("No triangle vertex index can be negative. A value of -1 was encountered.",

@@ -77,7 +77,8 @@ public class ModelTests
         SizeLimits.RequireTriangles(7, double.NaN);
         Assert.Equal("Total triangle count of 238609295 exceeds absolute limit of 238609294.",
             MessageOf(() => SizeLimits.RequireTriangles(238609295, 238609295)));
-        Assert.Equal("Total triangle count of 238609295 exceeds limit of 5. Consider displaying the voxels at a coarser level of detail.",
+        Assert.Equal("Total triangle count of 238609295 exceeds limit of 5. " +
+            "Consider displaying the voxels at a coarser level of detail.",
             MessageOf(() => SizeLimits.RequireTriangles(238609295, 5)));
         // The largest array is a little shorter than the largest count of a list.
         Assert.Equal(2147483583, SizeLimits.ListLength(238609287, 9));
@@ -133,10 +134,12 @@ public class ModelTests
         int columnDim = dimIndex == 0 ? 1 : 0;
         int At(Cell cell, int dim) => dim == 0 ? cell.X : dim == 1 ? cell.Y : cell.Z;
         Cell lower = cells.Lower, upper = cells.Upper;
-        foreach ((bool fromUpperRow, bool fromUpperColumn) in new[] { (false, false), (true, false), (false, true), (true, true) }) {
+        foreach ((bool fromUpperRow, bool fromUpperColumn) in new[] { (false, false), (true, false), (false, true),
+            (true, true) }) {
             var rows = cells.All().Where(cell => At(cell, dimIndex) == 1).GroupBy(cell => At(cell, rowDim))
                 .OrderBy(row => fromUpperRow ? -row.Key : row.Key)
-                .Select(row => row.OrderBy(cell => fromUpperColumn ? -At(cell, columnDim) : At(cell, columnDim)).Select(cells.Holds));
+                .Select(row => row.OrderBy(cell => fromUpperColumn ? -At(cell, columnDim) : At(cell, columnDim))
+                    .Select(cells.Holds));
             Assert.Equal(rows, slice.SliceBools(fromUpperRow, fromUpperColumn));
             Assert.Equal(rows, slice.SliceData(fromUpperRow, fromUpperColumn));
         }

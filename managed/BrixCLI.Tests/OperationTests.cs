@@ -81,7 +81,8 @@ public class OperationTests
         Assert.Equal(box.Where(cell => cell.X <= 2).ToString(), Take(FillOperationsCLI.FillEnclosedRegions(model)));
         Assert.Equal(box.Where(cell => cell != (1, 1, 1)).ToString(), Take(FillOperationsCLI.FillExposedRegions(model)));
         Assert.Equal(box.Where(cell => cell.X <= 2).ToString(), Take(FillOperationsCLI.FillFromPoint(model, Centre((1, 1, 1)))));
-        Assert.Equal(box.Where(cell => cell != (1, 1, 1)).ToString(), Take(FillOperationsCLI.FillFromPoint(model, Centre((3, 2, 0)))));
+        Assert.Equal(box.Where(cell => cell != (1, 1, 1)).ToString(),
+            Take(FillOperationsCLI.FillFromPoint(model, Centre((3, 2, 0)))));
     }
 
     private delegate VoxelModelCLI Change(VoxelModelCLI model, VoxelModelCLI? guide, bool autoAdjust);
@@ -102,7 +103,8 @@ public class OperationTests
     private static bool Enough(Func<Cell, bool> holds, int beside, int stacked) =>
         Cells.Beside.Count(holds) >= beside && Cells.Stacked.Count(holds) >= stacked;
 
-    // Lower and upper numbers, horizontal and vertical ones differ in each case; a disc of 4 is a pass of one neighbour and one of two.
+    // Lower and upper numbers, horizontal and vertical ones differ in each case; a disc of 4 is a pass of one neighbour and one
+    // of two.
     private static readonly (Change Run, Reference Expected)[] Changes = [
         ((m, g, a) => SurfaceOperationsCLI.ExpandAlongX(m, 1, 2, g, a), GrowAlong(Up[0], Down[0])),
         ((m, g, a) => SurfaceOperationsCLI.ExpandAlongY(m, 1, 2, g, a), GrowAlong(Up[1], Down[1])),
@@ -142,7 +144,8 @@ public class OperationTests
     private static Cells Solid()
     {
         var box = new Cells((-6, -5, -4), (5, 6, 5), []);
-        return box.Where(cell => !(cell.X > 2 && cell.Y > 3) && !(cell.X < -4 && cell.Z > 3) && cell != (0, 0, 0) && cell != (1, -2, 3));
+        return box.Where(cell => !(cell.X > 2 && cell.Y > 3) && !(cell.X < -4 && cell.Z > 3) && cell != (0, 0, 0)
+            && cell != (1, -2, 3));
     }
 
     private static IEnumerable<Cell> GuideWall() =>
@@ -152,7 +155,8 @@ public class OperationTests
     public void NearestSearchesLookAlongTheirOwnLine()
     {
         // Voxels at different distances below and above (0, 0, 0) on each axis.
-        using VoxelModelCLI model = Model((-9, -9, -9), (9, 9, 9), (-4, 0, 0), (5, 0, 0), (0, -3, 0), (0, 6, 0), (0, 0, -2), (0, 0, 7));
+        using VoxelModelCLI model = Model((-9, -9, -9), (9, 9, 9), (-4, 0, 0), (5, 0, 0), (0, -3, 0), (0, 6, 0), (0, 0, -2),
+            (0, 0, 7));
         List<double> point = Centre((0, 0, 0));
         var searches = new (Func<VoxelModelCLI, List<double>, long, long, VoxelIteratorCLI> Search, Cell Lower, Cell Upper)[] {
             (ProximityOperationsCLI.NearestFilledAlongX, (-4, 0, 0), (5, 0, 0)),
@@ -202,7 +206,8 @@ public class OperationTests
         using VoxelModelCLI model = Model((0, 0, 0), (9, 0, 0), (7, 0, 0));
         using AxesCLI axes = Axes();
         Assert.Equal("(0, 0, 0)..(9, 0, 0): (0, 0, 0) (1, 0, 0) (2, 0, 0) (3, 0, 0) (4, 0, 0) (5, 0, 0) (6, 0, 0)",
-            Take(VisibilityOperationsCLI.VisibilityFromPoint(model, Centre((3, 0, 0)), 5, axes.ValidateDistance(-1), 0.5, false)));
+            Take(VisibilityOperationsCLI.VisibilityFromPoint(model, Centre((3, 0, 0)), 5, axes.ValidateDistance(-1), 0.5,
+                false)));
         Assert.Equal("(0, 0, 0)..(9, 0, 0): (2, 0, 0) (3, 0, 0) (4, 0, 0)",
             Take(VisibilityOperationsCLI.VisibilityFromPoint(model, Centre((3, 0, 0)), 5, 1.2, 0.5, false)));
         Assert.Equal("(2, -1, -1)..(4, 1, 1)",
@@ -222,7 +227,8 @@ public class OperationTests
             [.. Enumerable.Range(0, 3).Select(dim => Math.Round(numbers.Where((_, i) => i % 3 == dim).Min(), 6))];
         Assert.Equal([12, 21, 31], Least(triangles));
         Assert.Equal([10, 20, 31], Least(VoxelTessellationCLI.TessellateVoxelModel(model, 0, double.NaN)));
-        Assert.Equal("Total triangle count of 24 exceeds limit of 23.9. Consider displaying the voxels at a coarser level of detail.",
+        Assert.Equal("Total triangle count of 24 exceeds limit of 23.9. " +
+            "Consider displaying the voxels at a coarser level of detail.",
             MessageOf(() => VoxelTessellationCLI.TessellateVoxelModel(model, 5, 23.9)));
     }
 

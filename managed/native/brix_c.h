@@ -1,19 +1,20 @@
 /* The C interface of Brix: the contract between the engine and every other language.
  *
  *   - Every function that can fail returns a status, 0 (BRIX_OK) or one of brix_status, and takes an error object as its last
- *     argument, after the result. The caller owns the error object; there is no state behind it that is shared by threads or calls.
+ *     argument, after the result. The caller owns the error object; there is no state behind it that is shared by threads or
+ *     calls.
  *   - Objects are opaque. Each `brix_..._create` and every result that is an object has to be given to the `brix_..._free` of its
  *     type, once; freeing NULL does nothing. Objects do not depend on the lifetime of the ones that they were made from: an
  *     iterator keeps the voxels of its model alive.
  *   - Objects never change after they were made, so several threads may read one object; none may free it meanwhile.
- *   - Arguments are plain numbers, pointers to numbers and objects. A pointer to three numbers is x, y, z. Booleans are int32_t, zero
- *     or not. Only `guide`, error objects and lists of no items may be NULL; any other NULL, a result's among them, is refused with
- *     BRIX_NULL_ARGUMENT before anything else is looked at or done.
+ *   - Arguments are plain numbers, pointers to numbers and objects. A pointer to three numbers is x, y, z. Booleans are int32_t,
+ *     zero or not. Only `guide`, error objects and lists of no items may be NULL; any other NULL, a result's among them, is
+ *     refused with BRIX_NULL_ARGUMENT before anything else is looked at or done.
  *   - On failure nothing is written to the result.
  *
- * Units: "world" coordinates and distances are doubles in the host's units; voxel indices belong to a level of detail, 0 (coarsest)
- * to 5 (finest); bounds are inclusive. What each operation does, its errors and its cost stand in the C++ header of the same name
- * (brix/operations/SurfaceOperations.h and so on); a message is the text of the engine's exception.
+ * Units: "world" coordinates and distances are doubles in the host's units; voxel indices belong to a level of detail, 0
+ * (coarsest) to 5 (finest); bounds are inclusive. What each operation does, its errors and its cost stand in the C++ header of
+ * the same name (brix/operations/SurfaceOperations.h and so on); a message is the text of the engine's exception.
  *
  *     brix_error error = {0};
  *     brix_axes* axes = NULL;
@@ -129,8 +130,9 @@ BRIX_C_API int32_t brix_extents_voxel_count(const brix_extents* extents, double*
 
 /* ---- Lists of numbers ----
  *
- * A result of any length: items of `width` doubles each, such as triangles of nine. The operation has run when the list comes back;
- * `copy` writes any part of it to the caller's memory, so that a list that is too large for one array can be read in pieces. */
+ * A result of any length: items of `width` doubles each, such as triangles of nine. The operation has run when the list comes
+ * back; `copy` writes any part of it to the caller's memory, so that a list that is too large for one array can be read in
+ * pieces. */
 
 typedef struct brix_list brix_list;
 
@@ -142,7 +144,8 @@ BRIX_C_API int32_t brix_list_copy(const brix_list* list, int64_t first_item, int
 
 /* ---- Triangles (brix/triangles/) ----
  *
- * `triangles` points to nine doubles per triangle: corner by corner, x, y, z, in world units. It may be NULL when the count is 0. */
+ * `triangles` points to nine doubles per triangle: corner by corner, x, y, z, in world units. It may be NULL when the count is
+ * 0. */
 
 /* One unit normal of three doubles per triangle, zero for a triangle without area. */
 BRIX_C_API int32_t brix_triangle_normals(const double* triangles, int64_t triangle_count, double* result, brix_error* error);
@@ -330,8 +333,8 @@ BRIX_C_API int32_t brix_visibility_from_point(const brix_model* model, const dou
                                               double max_radius, double threshold, int32_t auto_adjust_extents,
                                               brix_model** result, brix_error* error);
 
-/* Only what lies within a cone of the full opening angle `angle` in degrees, greater than 0 and at most 360; or within the view of an
- * upright camera, both angles greater than 0 and less than 180. */
+/* Only what lies within a cone of the full opening angle `angle` in degrees, greater than 0 and at most 360; or within the view
+ * of an upright camera, both angles greater than 0 and less than 180. */
 BRIX_C_API int32_t brix_visibility_within_cone(const brix_model* model, const double* point_coords, const double* direction,
                                                double angle, int64_t voxel_lod, double max_radius, double threshold,
                                                int32_t auto_adjust_extents, brix_model** result, brix_error* error);
@@ -345,8 +348,8 @@ BRIX_C_API int32_t brix_visibility_within_pyramid(const brix_model* model, const
 /* The surface triangles of the filled voxels at a level, as a list of nine doubles each (brix/triangles/Tessellation.h). */
 BRIX_C_API int32_t brix_tessellate_voxel_model(const brix_model* model, int64_t voxel_lod, brix_list** result, brix_error* error);
 
-/* The filled voxels at a level as disjoint boxes, six doubles each: the world point of the lower corner, then the size along the frame's
- * X, Y and Z in world units (brix/triangles/Cuboidization.h). */
+/* The filled voxels at a level as disjoint boxes, six doubles each: the world point of the lower corner, then the size along the
+ * frame's X, Y and Z in world units (brix/triangles/Cuboidization.h). */
 BRIX_C_API int32_t brix_cuboidize_voxel_model(const brix_model* model, int64_t voxel_lod, brix_list** result, brix_error* error);
 
 /* Their surface as rectangles, twelve doubles each: four world points, counter-clockwise seen from outside
@@ -366,7 +369,8 @@ BRIX_C_API int32_t brix_path_model_traversable_voxels(const brix_path_model* pat
 BRIX_C_API int32_t brix_path_model_voxel_lod(const brix_path_model* path_model, int64_t* result, brix_error* error);
 BRIX_C_API int32_t brix_path_model_agent_diameter_offset(const brix_path_model* path_model, int64_t* result, brix_error* error);
 BRIX_C_API int32_t brix_path_model_agent_height_offset(const brix_path_model* path_model, int64_t* result, brix_error* error);
-/* World points spread over the traversable voxels, three doubles each. `spacing` is a world distance, `min_diameter` in voxels. */
+/* World points spread over the traversable voxels, three doubles each. `spacing` is a world distance, `min_diameter` in
+ * voxels. */
 BRIX_C_API int32_t brix_path_model_generate_sample_points(const brix_path_model* path_model, double spacing, int64_t min_diameter,
                                                           brix_list** result, brix_error* error);
 

@@ -1,5 +1,5 @@
-// The C interface over the engine: what it adds (handles, statuses, parts of results, world units) and that each function reaches the
-// engine's function of its name with its arguments in order.
+// The C interface over the engine: what it adds (handles, statuses, parts of results, world units) and that each function reaches
+// the engine's function of its name with its arguments in order.
 #include "brix_c.h"
 
 #include "operations/AutoSplit.h"

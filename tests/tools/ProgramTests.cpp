@@ -330,7 +330,8 @@ TEST_F(Program, DrawsWhereAPersonCanWalk)
     EXPECT_EQ(ContentOf(folder_ / "w.png").substr(1, 3), "PNG");
     const std::int64_t reachable = Reported(person, "reachable +(\\d+)");
     EXPECT_LT(reachable, Reported(person, "walkable +(\\d+)")) << "nobody climbs on tables";
-    // A storey has about 100 m2 of free floor in 0.01 m2 voxels, and the terrace 80 m2: the person gets upstairs, a giant nowhere.
+    // A storey has about 100 m2 of free floor in 0.01 m2 voxels, and the terrace 80 m2: the person gets upstairs, a giant
+    // nowhere.
     EXPECT_GT(reachable, 15000);
     EXPECT_LT(Reported(Run(arguments + " --diameter 1.1"), "reachable +(\\d+)"), 10000) << "too wide for the doors";
 }

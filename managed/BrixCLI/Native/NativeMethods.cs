@@ -293,7 +293,8 @@ internal static unsafe class NativeMethods
     internal static extern int brix_auto_split(IntPtr model, IntPtr* result, NativeError* error);
 
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
-    internal static extern int brix_density_map(IntPtr* models, long modelCount, double* weights, long weightCount, double* levels,
+    internal static extern int brix_density_map(IntPtr* models, long modelCount, double* weights, long weightCount,
+        double* levels,
         long levelCount, long voxelLOD, IntPtr* result, NativeError* error);
 
     // ---- Growth and shrinkage (brix/operations/SurfaceOperations.h); `guide` may be NULL ----
@@ -378,7 +379,8 @@ internal static unsafe class NativeMethods
         double threshold, int autoAdjustExtents, IntPtr* result, NativeError* error);
 
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
-    internal static extern int brix_visibility_within_cone(IntPtr model, PointTriple* pointCoords, PointTriple* direction, double angle,
+    internal static extern int brix_visibility_within_cone(IntPtr model, PointTriple* pointCoords, PointTriple* direction,
+        double angle,
         long voxelLOD, double maxRadius, double threshold, int autoAdjustExtents, IntPtr* result, NativeError* error);
 
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
@@ -457,7 +459,8 @@ internal static unsafe class NativeMethods
     // ---- Shortest ways (brix/travel/Path.h) ----
 
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
-    internal static extern int brix_path_create(IntPtr distanceField, PointTriple* pointCoords, IntPtr* result, NativeError* error);
+    internal static extern int brix_path_create(IntPtr distanceField, PointTriple* pointCoords, IntPtr* result,
+        NativeError* error);
 
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
     internal static extern void brix_path_free(IntPtr path);
