@@ -26,4 +26,4 @@ brix_set_warnings(brix_c_next)
 add_test(NAME Package.ServesItsHosts
     COMMAND "${BRIX_BASH}" "${PROJECT_SOURCE_DIR}/tools/dev/pack-nuget" --rid linux-x64 --from "${PROJECT_BINARY_DIR}"
         --to "${PROJECT_BINARY_DIR}/package")
-set_tests_properties(Package.ServesItsHosts PROPERTIES LABELS package TIMEOUT 300)
+set_tests_properties(Package.ServesItsHosts PROPERTIES LABELS package TIMEOUT 900)

@@ -28,6 +28,7 @@ set(BRIX_INTERNAL_HEADERS
     triangles/Lanes.h
     triangles/PackWorldTriangles.h
     triangles/PackedTriangles.h
+    triangles/PathText.h
     triangles/StackFaces.h
     triangles/StlFormats.h
     triangles/TextNumbers.h

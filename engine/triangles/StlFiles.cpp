@@ -16,6 +16,13 @@ std::uintmax_t SizeOrZero(const std::filesystem::path& filePath)
     return error ? 0 : size;
 }
 
+// To the system the path would end there, and be that of another file.
+void RequireNoNull(const std::filesystem::path& filePath)
+{
+    if (filePath.native().find(std::filesystem::path::value_type{0}) != std::filesystem::path::string_type::npos)
+        throw StlFailure("Failed to open STL file ", filePath, ", as a file path cannot hold a null character.");
+}
+
 // What a pipe has given once is gone. A file is read again from its start, in the mode that suits its variant.
 bool MustContinue(const std::filesystem::path& filePath)
 {
@@ -33,6 +40,7 @@ template <class FileStream> FileStream WithoutLocale()
 
 std::ofstream OpenToWrite(const std::filesystem::path& filePath, std::ios::openmode mode, std::string_view purpose)
 {
+    RequireNoNull(filePath);
     auto file = WithoutLocale<std::ofstream>();
     file.open(filePath, mode);
     if (!file) throw StlFailure("Failed to open STL file ", filePath, purpose);
@@ -49,6 +57,7 @@ void Close(std::ofstream& file, const std::filesystem::path& filePath)
 
 std::vector<WorldTriangle> LoadTrianglesFromSTL(const std::filesystem::path& filePath, bool swapYZ)
 {
+    RequireNoNull(filePath);
     auto file = WithoutLocale<std::ifstream>();
     file.open(filePath);
     if (!file) throw StlFailure("Failed to open STL file ", filePath, ".");

@@ -1,5 +1,6 @@
 #include "StlFormats.h"
 
+#include "PathText.h"
 #include "TextNumbers.h"
 
 #include <algorithm>
@@ -193,7 +194,7 @@ WorldTriangle TakeCorners(ByteReader& file, const std::filesystem::path& filePat
 
 std::runtime_error StlFailure(std::string_view sentenceStart, const std::filesystem::path& filePath, std::string_view sentenceEnd)
 {
-    return std::runtime_error(std::string(sentenceStart) + '"' + filePath.string() + '"' + std::string(sentenceEnd));
+    return std::runtime_error(std::string(sentenceStart) + '"' + PathText(filePath) + '"' + std::string(sentenceEnd));
 }
 
 bool IsAsciiStl(ByteReader& file, const std::filesystem::path& filePath)

@@ -82,6 +82,14 @@ public class GeometryTests
         string folder = Directory.CreateTempSubdirectory().FullName;
         TrianglesAsNineNumbersCLI.ExportToSTL(TwoTriangles, Path.Combine(folder, "\u0141.stl"), true, false); // 0x41 is A
         Assert.Equal([Path.Combine(folder, "A.stl")], Directory.GetFiles(folder));
+        // A low byte of 0 would end the path at "A", where another file is.
+        foreach (char unit in "\0\u0100\uff00") {
+            string cut = Path.Combine(folder, "A.stl" + unit + "b.stl");
+            string refusal = "The file path cannot hold the character U+" + ((int)unit).ToString("X4") + ", the one at index " +
+                cut.IndexOf(unit) + ": only the low byte of each character reaches the system, and 0 ends a path.";
+            Assert.Equal(refusal, MessageOf(() => TrianglesAsNineNumbersCLI.ImportFromSTL(cut, false)));
+            Assert.Equal(refusal, MessageOf(() => TrianglesAsNineNumbersCLI.ExportToSTL([], cut, true, false)));
+        }
         string missing = Path.Combine(folder, "missing.stl");
         Assert.Contains(missing, MessageOf(() => TrianglesAsNineNumbersCLI.ImportFromSTL(missing, false)));
         Assert.Equal("The number of triangle vertex coordinates must be divisible by nine.",

@@ -5,6 +5,7 @@ using System.Linq;
 using System.Reflection;
 using System.Runtime.InteropServices;
 using System.Text.RegularExpressions;
+using System.Xml.Linq;
 
 namespace BrixCLI.Tests;
 
@@ -24,13 +25,26 @@ public class InterfaceTests
         Assert.True(listed.SequenceEqual(actual), "PublicApi.txt should read:\n" + string.Join("\n", actual));
     }
 
+    // What editors show of the package is about what hosts can use.
+    [Fact]
+    public void DocumentationIsOfPublicMembersOnly()
+    {
+        string[] documented = XDocument.Load(Path.ChangeExtension(typeof(AxesCLI).Assembly.Location, ".xml")).Descendants("member")
+            .Select(member => member.Attribute("name")!.Value).ToArray();
+        var visible = typeof(AxesCLI).Assembly.GetExportedTypes().SelectMany(type => type.GetMembers(Declared)
+            .Where(member => member is FieldInfo { IsPublic: true } or MethodBase { IsPublic: true } or MethodBase { IsFamily: true })
+            .Select(member => type.FullName + "." + member.Name.Replace(".ctor", "#ctor")).Append(type.FullName!)).ToHashSet();
+        Assert.True(documented.Length > 100);
+        Assert.Equal([], documented.Where(name => !visible.Contains(name[2..].Split('(')[0])));
+    }
+
     private static IEnumerable<string> Lines(Type type) => type.GetMembers(Declared)
         .Where(member => member is FieldInfo { IsPublic: true } or ConstructorInfo { IsPublic: true } ||
             member is MethodInfo method && (method.IsPublic || method.IsFamily))
         .Select(member => member switch {
             FieldInfo field => type.Name + "." + field.Name + ": " + Name(field.FieldType),
             MethodBase method => (method.IsStatic ? "static " : "") + type.Name + "." + method.Name + "(" + string.Join(", ", method.GetParameters()
-                .Select(item => Name(item.ParameterType) + " " + item.Name)) + ")" +
+                .Select(item => Name(item.ParameterType) + " " + item.Name + (item.HasDefaultValue ? " = " + (item.DefaultValue ?? "null") : ""))) + ")" +
                 (method is MethodInfo info ? ": " + Name(info.ReturnType) : ""),
             _ => ""
         }).OrderBy(line => line, StringComparer.Ordinal);

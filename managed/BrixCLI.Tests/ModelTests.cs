@@ -1,6 +1,7 @@
 using System;
 using System.Collections.Generic;
 using System.Globalization;
+using System.IO;
 using System.Linq;
 using static BrixCLI.Tests.Scene;
 
@@ -12,6 +13,48 @@ public class ModelTests
 
     private static string TooMany(string count, string limit) => "Total voxel count of " + count + " exceeds limit of " + limit +
         ". Verify that the voxel width is specified in the correct units, then increase the limit as needed.";
+
+    [Fact]
+    public void ModelsGiveTheirFrameBack()
+    {
+        using AxesCLI axes = Axes(30);
+        using var model = new VoxelModelCLI(Triangles([(40, -1, 7)]), axes, 4, 1e9);
+        using AxesCLI frame = model.Axes();
+        model.Dispose();
+        Assert.Equal((32, 30, 5), (frame.VoxelWidth(0), frame.VoxelRotation(), frame.VerticalLOD()));
+        Assert.Equal(Origin, frame.VoxelOrigin());
+        Assert.Equal("The VoxelModelCLI has been disposed of and can no longer be used.", MessageOf(() => model.Axes()));
+    }
+
+    [Fact]
+    public void ConstructorsOnExtentsClipWhateverLiesOutside()
+    {
+        using ExtentsCLI extents = Extents((39, -2, 6), (41, 0, 9));
+        List<double> triangles = Triangles([(40, -1, 7)]);
+        foreach (double far in new[] { 1e3, 1e15, double.MaxValue, double.PositiveInfinity, double.NaN })
+            triangles.AddRange([far, far, far, -far, far, 1e4, far, -far, far]);
+        using var model = new VoxelModelCLI(triangles, extents, 5, 36);
+        Assert.Contains((40, -1, 7), Read(model).Filled);
+    }
+
+    // A system that promises any memory, and takes it back by ending processes, is not asked.
+    private sealed class HonestMemoryFactAttribute : FactAttribute
+    {
+        public HonestMemoryFactAttribute()
+        {
+            const string setting = "/proc/sys/vm/overcommit_memory";
+            if (!File.Exists(setting) || File.ReadAllText(setting)[0] == '1') Skip = "This system promises any memory.";
+        }
+    }
+
+    [HonestMemoryFact]
+    public void MemoryThatIsNotThereIsReportedWithWhatWasAskedFor()
+    {
+        using AxesCLI axes = Axes();
+        using var extents = new ExtentsCLI(axes, [-25000, -25000, -320000], [24999, 24999, 319999], 0);
+        Assert.Equal("There is not enough memory for a voxel model of 1600000 x 1600000 x 640000 voxels at level 5.",
+            MessageOf(() => new VoxelModelCLI(extents, 5, double.NaN)));
+    }
 
     [Fact]
     public void ConstructorsVoxelizeInTheFrameTheyAreGiven()

@@ -139,6 +139,8 @@ public class OperationTests
             Assert.Equal(expected, Take(Changes[i].Run(model, isGuided ? guideModel : null, autoAdjust)));
             Assert.True(outcomes.Add(expected), "two operations cannot be told apart by this model");
         }
+        using VoxelModelCLI voxel = Model((0, 0, 0), (9, 9, 9), (0, 5, 5)); // without a guide, and nothing is clipped
+        Assert.Equal("(-1, 5, 5)..(1, 5, 5): (-1, 5, 5) (0, 5, 5) (1, 5, 5)", Take(SurfaceOperationsCLI.ExpandAlongX(voxel, 1, 1)));
     }
 
     private static Cells Solid()
@@ -213,6 +215,8 @@ public class OperationTests
         Assert.Equal("(2, -1, -1)..(4, 1, 1)",
             Take(VisibilityOperationsCLI.VisibilityFromPoint(model, Centre((3, 0, 0)), 5, 1.2, 0.5, true)).Split(':')[0]);
         Assert.EndsWith(": ", Take(VisibilityOperationsCLI.VisibilityFromPoint(model, Centre((3, 0, 0)), 5, 9, 1.5, false)));
+        Assert.Equal("(799999, -800000, 319999)..(799999, -800000, 319999): ",
+            Take(VisibilityOperationsCLI.VisibilityFromPoint(model, [1e12, -1e300, 1e9], 5, 9, 0.5, true)));
         using VoxelModelCLI coarse = VisibilityOperationsCLI.VisibilityFromPoint(model, Centre((3, 0, 0)), 4, 9, 0.5, false);
         Assert.Equal(4, coarse.FinestLOD());
     }

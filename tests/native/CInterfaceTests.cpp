@@ -511,5 +511,16 @@ TEST(CInterfaceFiles, NameTheFileThatCannotBeRead)
     EXPECT_EQ(brix_abi_version(), BRIX_ABI_VERSION);
 }
 
+TEST(CInterfaceFiles, ShowPathsAsUtf8AndDoNotCutThem)
+{
+    const std::string path("no such folder/\xe9\0b.stl", 22);
+    const Failure failure = FailureOf([&](brix_error* error) {
+        return brix_save_stl(nullptr, 0, path.data(), static_cast<std::int64_t>(path.size()), 1, 0, error);
+    });
+    EXPECT_EQ(failure.status, BRIX_FILE_FAILURE);
+    EXPECT_EQ(failure.message,
+              "Failed to open STL file \"no such folder/\ufffd\\x00b.stl\", as a file path cannot hold a null character.");
+}
+
 } // namespace
 } // namespace brix

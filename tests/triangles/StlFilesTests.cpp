@@ -440,6 +440,20 @@ TEST(StlFiles, SayWhichFileCannotBeOpened)
               "Failed to open STL file " + quotedFolder + " to write triangle data in binary format.");
 }
 
+// The system would take the path up to the null character: that of another file.
+TEST(StlFiles, RefuseNullCharactersInPaths)
+{
+    const TemporaryFolder folder;
+    const Path other = folder.With("keep", "a");
+    const Path path = other.string() + '\0' + "b.stl";
+    const std::string refusal =
+        "Failed to open STL file \"" + other.string() + "\\x00b.stl\", as a file path cannot hold a null character.";
+    EXPECT_EQ(Loaded(path).message, refusal);
+    EXPECT_EQ(MessageOf([&] { SaveTrianglesToAsciiSTL(path, {}, false); }), refusal);
+    EXPECT_EQ(MessageOf([&] { SaveTrianglesToBinarySTL(path, {}, false); }), refusal);
+    EXPECT_EQ(Content(other), "keep");
+}
+
 TEST(SaveTrianglesToBinarySTL, RefusesMoreTrianglesThanTheFileCanCount)
 {
     EXPECT_EQ(MessageOf([] { RequireBinaryTriangleCount(4'294'967'295); }), "");

@@ -32,7 +32,7 @@ public sealed unsafe class ExtentsCLI : EngineObject
 
     internal ExtentsCLI(IntPtr extents) => extentsPtr_ = extents;
 
-    /// <summary>The frame of the box; it belongs to the box.</summary>
+    // The frame of the box; it belongs to the box.
     internal AxesCLI Frame => axesCLI_ ??=
         new AxesCLI(Engine.Call<IntPtr>((result, error) => NativeMethods.brix_extents_axes(Pointer, result, error)));
 

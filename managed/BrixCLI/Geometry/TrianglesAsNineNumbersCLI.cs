@@ -11,7 +11,8 @@ namespace BrixCLI;
 /// Of each UTF-16 code unit of a file path only the low byte reaches the system. Names in plain ASCII are therefore safe
 /// everywhere. On Windows, so are other Latin-1 names where the code page is 1252. On Linux, where file names are UTF-8, a name
 /// such as "é.stl" becomes the single byte E9 and does not find the file "é.stl"; and characters beyond Latin-1 are replaced by
-/// other characters everywhere. Copy or rename such files, or open them in a folder with a plain name.
+/// other characters everywhere. A path with a character whose low byte is 0, such as U+0100, is refused, as it would end there.
+/// Copy or rename such files, or open them in a folder with a plain name.
 /// </remarks>
 public static unsafe class TrianglesAsNineNumbersCLI
 {
@@ -63,7 +64,7 @@ public static unsafe class TrianglesAsNineNumbersCLI
     /// <param name="filePath">see the remarks of this class on names beyond ASCII</param>
     /// <param name="swapYZ">true: the file has its Y axis up; its (X, Y, Z) becomes the world's (X, -Z, Y)</param>
     /// <returns>nine numbers per triangle</returns>
-    /// <exception cref="Exception">the file cannot be opened or read, or is no STL file; the message names it. Or no list can
+    /// <exception cref="Exception">the path has a character whose low byte is 0; the file cannot be opened or read, or is no STL file; the message names it. Or no list can
     /// hold its triangles.</exception>
     public static List<double> ImportFromSTL(string filePath, bool swapYZ)
     {
@@ -80,8 +81,8 @@ public static unsafe class TrianglesAsNineNumbersCLI
     /// <param name="filePath">see the remarks of this class on names beyond ASCII</param>
     /// <param name="useBinaryFormat">true: binary, numbers are rounded to 32-bit floats; false: text of six digits</param>
     /// <param name="swapYZ">true: the file gets its Y axis up; the world's (x, y, z) becomes (x, z, -y)</param>
-    /// <exception cref="Exception">the number of numbers is not divisible by nine, in which case no file is touched; then the
-    /// file cannot be opened, written or closed</exception>
+    /// <exception cref="Exception">the number of numbers is not divisible by nine, or the path has a character whose
+    /// low byte is 0, in which cases no file is touched; then the file cannot be opened, written or closed</exception>
     public static void ExportToSTL(List<double> trianglesAsNineNumbers, string filePath, bool useBinaryFormat, bool swapYZ)
     {
         int count = CountOf(trianglesAsNineNumbers);
@@ -94,7 +95,7 @@ public static unsafe class TrianglesAsNineNumbersCLI
         });
     }
 
-    /// <summary>The number of triangles of a flat list.</summary>
+    // The number of triangles of a flat list.
     internal static int CountOf(List<double>? trianglesAsNineNumbers)
     {
         int count = Arguments.Required(trianglesAsNineNumbers, nameof(trianglesAsNineNumbers)).Count;
@@ -102,11 +103,19 @@ public static unsafe class TrianglesAsNineNumbersCLI
         return count / 9;
     }
 
-    /// <summary>The low bytes of the code units; one more byte, so that there is an address also for an empty path.</summary>
+    // The system would take the path up to this character, and read or replace another file.
+    private static Exception PathEnds(char unit, int index) => new Exception("The file path cannot hold the character U+" +
+        ((int)unit).ToString("X4") + ", the one at index " + index +
+        ": only the low byte of each character reaches the system, and 0 ends a path.");
+
+    // The low bytes of the code units; one more byte, so that there is an address also for an empty path.
     private static byte[] Narrowed(string filePath)
     {
         var bytes = new byte[Arguments.Required(filePath, nameof(filePath)).Length + 1];
-        for (int i = 0; i < filePath.Length; ++i) bytes[i] = unchecked((byte)filePath[i]);
+        for (int i = 0; i < filePath.Length; ++i) {
+            bytes[i] = unchecked((byte)filePath[i]);
+            if (bytes[i] == 0) throw PathEnds(filePath[i], i);
+        }
         return bytes;
     }
 }

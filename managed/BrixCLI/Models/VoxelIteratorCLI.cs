@@ -85,7 +85,7 @@ public sealed unsafe class VoxelIteratorCLI : EngineObject
     }
 }
 
-/// <summary>What voxel and slice iterators share: calls on the engine's iterator that a wrapper owns.</summary>
+// What voxel and slice iterators share: calls on the engine's iterator that a wrapper owns.
 internal static unsafe class VoxelIterators
 {
     internal static IntPtr Create(VoxelModelCLI model, IndexTriple voxelIndices, int voxelLOD) =>
@@ -105,7 +105,7 @@ internal static unsafe class VoxelIterators
         Engine.Call<IndexTriple, IntPtr>(offsets, (steps, result, error) =>
             NativeMethods.brix_iterator_advance(iterator.Pointer, steps, result, error));
 
-    /// <summary>Another wrapper of the model's voxels, for the caller to dispose of.</summary>
+    // Another wrapper of the model's voxels, for the caller to dispose of.
     internal static VoxelModelCLI Model(EngineObject iterator) =>
         new VoxelModelCLI((result, error) => NativeMethods.brix_iterator_model(iterator.Pointer, result, error));
 }

@@ -26,13 +26,13 @@ public sealed unsafe class VoxelModelCLI : EngineObject
     }
 
     /// <summary>A model of the voxels in a box that triangles touch at the finest level.</summary>
-    /// <param name="trianglesAsNineNumbers">nine numbers per triangle, in world units; parts outside the box are left out</param>
+    /// <param name="trianglesAsNineNumbers">nine numbers per triangle, in world units; what lies outside the box is left out, however far away it is or
+    /// whatever is not finite</param>
     /// <param name="extentsCLI">the box that the model covers, at any level</param>
     /// <param name="finestLOD">its finest level, 0 to 5</param>
     /// <param name="voxelLimit">the most voxels that the box may have at the finest level</param>
     /// <exception cref="Exception">the box is null or disposed of; the level does not exist; there are more voxels than
-    /// <paramref name="voxelLimit"/>; the number of numbers is not divisible by nine; a triangle leaves the index
-    /// space</exception>
+    /// <paramref name="voxelLimit"/>; the number of numbers is not divisible by nine</exception>
     public VoxelModelCLI(List<double> trianglesAsNineNumbers, ExtentsCLI extentsCLI, int finestLOD, double voxelLimit)
     {
         ValidateVoxelCount(extentsCLI, finestLOD, voxelLimit, nameof(extentsCLI));
@@ -71,10 +71,10 @@ public sealed unsafe class VoxelModelCLI : EngineObject
 
     internal VoxelModelCLI(IntPtr voxelModel) => voxelModelPtr_ = voxelModel;
 
-    /// <summary>The result of an operation.</summary>
+    // The result of an operation.
     internal VoxelModelCLI(NativeCall<IntPtr> operation) : this(Engine.Call(operation)) { }
 
-    /// <summary>The frame of the model; it belongs to the model.</summary>
+    // The frame of the model; it belongs to the model.
     internal AxesCLI Frame =>
         axesCLI_ ??= new AxesCLI(Engine.Call<IntPtr>((result, error) => NativeMethods.brix_model_axes(Pointer, result, error)));
 
@@ -109,6 +109,10 @@ public sealed unsafe class VoxelModelCLI : EngineObject
     /// <exception cref="Exception">the level is negative; it is beyond the finest one</exception>
     public ExtentsCLI Extents(int voxelLOD) => new ExtentsCLI(
         Engine.Call<IntPtr>((result, error) => NativeMethods.brix_model_extents(Pointer, voxelLOD, result, error)));
+
+    /// <summary>The frame of the model, which tells where its voxels are and how large; yours to dispose of.</summary>
+    public AxesCLI Axes() =>
+        new AxesCLI(Engine.Call<IntPtr>((result, error) => NativeMethods.brix_model_axes(Pointer, result, error)));
 
     /// <summary>The model's finest level of detail, 0 to 5.</summary>
     public int FinestLOD() =>

@@ -4,7 +4,7 @@ using System.Runtime.InteropServices;
 
 namespace BrixCLI;
 
-/// <summary>Three voxel indices or numbers of voxels, as the C interface reads and writes them.</summary>
+// Three voxel indices or numbers of voxels, as the C interface reads and writes them.
 [StructLayout(LayoutKind.Sequential)]
 internal struct IndexTriple
 {
@@ -28,14 +28,14 @@ internal struct IndexTriple
     internal readonly long Component(int dimIndex) => dimIndex switch { 0 => X, 1 => Y, _ => Z };
 }
 
-/// <summary>The inclusive bounds of a box of voxels.</summary>
+// The inclusive bounds of a box of voxels.
 [StructLayout(LayoutKind.Sequential)]
 internal struct IndexBox
 {
     internal IndexTriple Lower, Upper;
 }
 
-/// <summary>A world point or vector.</summary>
+// A world point or vector.
 [StructLayout(LayoutKind.Sequential)]
 internal struct PointTriple
 {
@@ -50,14 +50,14 @@ internal struct PointTriple
     internal readonly List<double> ToList() => new List<double>(3) { X, Y, Z };
 }
 
-/// <summary>A world point and a direction from it.</summary>
+// A world point and a direction from it.
 [StructLayout(LayoutKind.Sequential)]
 internal struct Ray
 {
     internal PointTriple Point, Direction;
 }
 
-/// <summary>The managed layer's own checks, and the only place where their sentences are built.</summary>
+// The managed layer's own checks, and the only place where their sentences are built.
 internal static class Arguments
 {
     internal static Exception Null(string parameter) => new Exception("The argument " + parameter + " cannot be null.");

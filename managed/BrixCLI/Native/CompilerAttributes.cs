@@ -1,7 +1,7 @@
 #if !NET
 namespace System.Runtime.CompilerServices;
 
-/// <summary>Known to the compiler by its name: a parameter that gets the text of another parameter's argument.</summary>
+// Known to the compiler by its name: a parameter that gets the text of another parameter's argument.
 [AttributeUsage(AttributeTargets.Parameter)]
 internal sealed class CallerArgumentExpressionAttribute : Attribute
 {

@@ -15,10 +15,10 @@ public abstract class EngineObject : IDisposable
 {
     private protected EngineObject() { }
 
-    /// <summary>The pointer field of the concrete class.</summary>
+    // The pointer field of the concrete class.
     private protected abstract ref IntPtr Field { get; }
 
-    /// <summary>Gives the engine object back.</summary>
+    // Gives the engine object back.
     private protected abstract void Free(IntPtr pointer);
 
     /// <summary>Releases the engine object, once.</summary>
@@ -38,7 +38,7 @@ public abstract class EngineObject : IDisposable
         Free(pointer);
     }
 
-    /// <summary>The engine object for a native call by a member of this wrapper.</summary>
+    // The engine object for a native call by a member of this wrapper.
     internal IntPtr Pointer => Field != IntPtr.Zero ? Field : throw Disposed();
 
     internal bool IsDisposed => Field == IntPtr.Zero;
@@ -48,7 +48,7 @@ public abstract class EngineObject : IDisposable
 
 internal static class EngineObjects
 {
-    /// <summary>The engine object of an argument; throws System.Exception for null and for what was disposed of.</summary>
+    // The engine object of an argument; throws System.Exception for null and for what was disposed of.
     internal static IntPtr Required(this EngineObject? wrapper, [CallerArgumentExpression(nameof(wrapper))] string parameter = "")
     {
         if (wrapper == null) throw Arguments.Null(parameter);
@@ -57,7 +57,7 @@ internal static class EngineObjects
             " has been disposed of and can no longer be used.");
     }
 
-    /// <summary>The engine object of an argument that may be left out.</summary>
+    // The engine object of an argument that may be left out.
     internal static IntPtr Optional(this EngineObject? wrapper,
         [CallerArgumentExpression(nameof(wrapper))] string parameter = "") =>
         wrapper == null ? IntPtr.Zero : wrapper.Required(parameter);

@@ -3,11 +3,11 @@ using System.Collections.Generic;
 
 namespace BrixCLI;
 
-/// <summary>Lists of models on their way across.</summary>
+// Lists of models on their way across.
 internal static unsafe class ModelLists
 {
-    /// <summary>The engine's models in the order of the list, with one more item, so that there is an address for an empty list.
-    /// A null is left to the engine, which has a message for it at its place among the others.</summary>
+    // The engine's models in the order of the list, with one more item, so that there is an address for an empty list.
+    // A null is left to the engine, which has a message for it at its place among the others.
     internal static IntPtr[] Pointers(List<VoxelModelCLI> models, string parameter)
     {
         var pointers = new IntPtr[Arguments.Required(models, parameter).Count + 1];
@@ -15,7 +15,7 @@ internal static unsafe class ModelLists
         return pointers;
     }
 
-    /// <summary>A wrapper for each model of a native list, which is freed; all or none.</summary>
+    // A wrapper for each model of a native list, which is freed; all or none.
     internal static List<VoxelModelCLI> Take(IntPtr models)
     {
         var wrappers = new List<VoxelModelCLI>();

@@ -4,7 +4,7 @@ using System.Text;
 
 namespace BrixCLI;
 
-/// <summary>brix_error of the C interface.</summary>
+// brix_error of the C interface.
 [StructLayout(LayoutKind.Sequential)]
 internal unsafe struct NativeError
 {
@@ -13,7 +13,7 @@ internal unsafe struct NativeError
     private long length;
     private byte* message;
 
-    /// <summary>The exception for a call that failed; frees the native text.</summary>
+    // The exception for a call that failed; frees the native text.
     internal static Exception Take(NativeError* error, int status)
     {
         string text = error->message == null ? "" : Encoding.UTF8.GetString(error->message, checked((int)error->length));

@@ -7,10 +7,8 @@ using System.Text;
 
 namespace BrixCLI;
 
-/// <summary>
-/// Finds the native library on the first call, looks whether it is of the version that this assembly was made for, and makes the
-/// declarations in <see cref="NativeMethods"/> use it. Every failure is a System.Exception that lists what was tried.
-/// </summary>
+// Finds the native library on the first call, looks whether it is of the version that this assembly was made for, and makes the
+// declarations in NativeMethods use it. Every failure is a System.Exception that lists what was tried.
 internal static unsafe class NativeLibraryLoader
 {
     private static readonly object Gate = new object();
@@ -33,7 +31,7 @@ internal static unsafe class NativeLibraryLoader
         }
     }
 
-    /// <summary>The first of these libraries that can be loaded and has the right ABI version.</summary>
+    // The first of these libraries that can be loaded and has the right ABI version.
     internal static IntPtr Load(IEnumerable<string> candidates)
     {
         var attempts = new StringBuilder();
@@ -68,7 +66,7 @@ internal static unsafe class NativeLibraryLoader
         }
     }
 
-    /// <summary>Full paths, the best one first; the bare name at the end leaves the search to the system.</summary>
+    // Full paths, the best one first; the bare name at the end leaves the search to the system.
     private static IEnumerable<string> Candidates()
     {
         foreach (string root in Roots()) {
@@ -87,10 +85,12 @@ internal static unsafe class NativeLibraryLoader
         yield return FileName;
     }
 
-    /// <summary>The folder of this assembly, which in a plug-in is not that of the program; then the program's.</summary>
+    // The folder of this assembly, which in a plug-in is not that of the program; then the program's.
     private static IEnumerable<string> Roots()
     {
-        string location = typeof(NativeLibraryLoader).Assembly.Location; // empty in a single-file program
+#pragma warning disable IL3000 // empty in a single-file program, which is asked about below
+        string location = typeof(NativeLibraryLoader).Assembly.Location;
+#pragma warning restore IL3000
         string own = location.Length > 0 ? Path.GetDirectoryName(location)! : "";
         string program = AppContext.BaseDirectory.TrimEnd(Path.DirectorySeparatorChar);
         if (own.Length > 0) yield return own;

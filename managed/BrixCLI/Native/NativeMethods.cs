@@ -9,7 +9,7 @@ namespace BrixCLI;
 
 internal static unsafe class NativeMethods
 {
-    /// <summary>BRIX_ABI_VERSION of the header that these declarations follow; the library's name ends with it.</summary>
+    // BRIX_ABI_VERSION of the header that these declarations follow; the library's name ends with it.
     internal const int AbiVersion = 1;
 
 #if NET

@@ -8,13 +8,11 @@ namespace BrixCLI;
 
 internal unsafe delegate TResult PinnedUse<TItem, TResult>(TItem* items) where TItem : unmanaged;
 
-/// <summary>
-/// Large lists on their way across. On .NET 10 the engine reads and writes the memory of the list itself; where the runtime does
-/// not let anybody there, one bulk copy each way takes its place.
-/// </summary>
+// Large lists on their way across. On .NET 10 the engine reads and writes the memory of the list itself; where the runtime does
+// not let anybody there, one bulk copy each way takes its place.
 internal static unsafe class NumberLists
 {
-    /// <summary>Calls `use` with the items of a list, pinned; null when there are none.</summary>
+    // Calls `use` with the items of a list, pinned; null when there are none.
     internal static TResult Pinned<TItem, TResult>(List<TItem> list, PinnedUse<TItem, TResult> use) where TItem : unmanaged
     {
 #if NET
@@ -24,7 +22,7 @@ internal static unsafe class NumberLists
 #endif
     }
 
-    /// <summary>A list of `length` items that `fill` writes, all of them.</summary>
+    // A list of `length` items that `fill` writes, all of them.
     internal static List<TItem> Filled<TItem>(int length, PinnedUse<TItem, int> fill) where TItem : unmanaged
     {
 #if NET
@@ -39,12 +37,12 @@ internal static unsafe class NumberLists
 #endif
     }
 
-    /// <summary>Runs a call on the numbers of a list.</summary>
+    // Runs a call on the numbers of a list.
     internal static TResult WithItems<TResult>(List<double> list, NativeCall<double, TResult> call)
         where TResult : unmanaged => Pinned<double, TResult>(list, items => Engine.CallAt(items, call));
 
-    /// <summary>The numbers of a native list, which is freed also when there is no room for them.
-    /// `requireCount` may refuse the number of items before there is a list.</summary>
+    // The numbers of a native list, which is freed also when there is no room for them.
+    // `requireCount` may refuse the number of items before there is a list.
     internal static List<double> Take(IntPtr list, Action<long>? requireCount = null)
     {
         try {
@@ -65,7 +63,7 @@ internal static unsafe class NumberLists
     private static ListSize SizeOf(IntPtr list) =>
         Engine.Call<ListSize>((size, error) => NativeMethods.brix_list_size(list, &size->ItemCount, &size->Width, error));
 
-    /// <summary>Runs an allocation; memory that is not there is reported as System.Exception, as every other failure.</summary>
+    // Runs an allocation; memory that is not there is reported as System.Exception, as every other failure.
     private static T Guarded<T>(int length, Func<T> allocate)
     {
         try {

@@ -9,7 +9,7 @@ using System.Linq;
 namespace BrixCLI;
 
 #if NET
-/// <summary>Loading of shared libraries, as the runtime offers it.</summary>
+// Loading of shared libraries, as the runtime offers it.
 internal static class SystemLibraries
 {
     private static IntPtr bound;
@@ -22,7 +22,7 @@ internal static class SystemLibraries
 
     internal static void Free(IntPtr library) => NativeLibrary.Free(library);
 
-    /// <summary>From now on the declarations of this assembly use a library.</summary>
+    // From now on the declarations of this assembly use a library.
     internal static void Bind(IntPtr library)
     {
         bound = library;
@@ -31,11 +31,9 @@ internal static class SystemLibraries
     }
 }
 #else
-/// <summary>
-/// Loading of shared libraries where the runtime's own class for it is not known when this assembly is compiled. It is found by
-/// reflection on .NET Core 3 and later. On .NET Framework the system loads the library by its full path, and the declarations of
-/// this assembly find it by its name among the loaded ones; on Mono, the loader of the system does the same.
-/// </summary>
+// Loading of shared libraries where the runtime's own class for it is not known when this assembly is compiled. It is found by
+// reflection on .NET Core 3 and later. On .NET Framework the system loads the library by its full path, and the declarations of
+// this assembly find it by its name among the loaded ones; on Mono, the loader of the system does the same.
 internal static class SystemLibraries
 {
     private static readonly Type? Runtime =
@@ -66,7 +64,7 @@ internal static class SystemLibraries
         else dlclose(library);
     }
 
-    /// <summary>From now on the declarations of this assembly use a library.</summary>
+    // From now on the declarations of this assembly use a library.
     internal static void Bind(IntPtr library)
     {
         bound = library;

@@ -19,7 +19,7 @@ public static unsafe class SurfaceOperationsCLI
     /// <exception cref="Exception">a model is disposed of, or null where it is required; the lower number is negative; the upper
     /// one is; the result would leave the index space; the frames differ</exception>
     public static VoxelModelCLI ExpandAlongX(VoxelModelCLI voxelModelCLI, int lowerOffset, int upperOffset,
-        VoxelModelCLI? guideVoxelsCLI, bool autoAdjustExtents) =>
+        VoxelModelCLI? guideVoxelsCLI = null, bool autoAdjustExtents = true) =>
         Apply(NativeMethods.brix_expand_along_x, voxelModelCLI, lowerOffset, upperOffset, guideVoxelsCLI, autoAdjustExtents);
 
     /// <summary>Grows every filled region along Y, first its lower faces and then its upper ones.</summary>
@@ -33,7 +33,7 @@ public static unsafe class SurfaceOperationsCLI
     /// <exception cref="Exception">a model is disposed of, or null where it is required; the lower number is negative; the upper
     /// one is; the result would leave the index space; the frames differ</exception>
     public static VoxelModelCLI ExpandAlongY(VoxelModelCLI voxelModelCLI, int lowerOffset, int upperOffset,
-        VoxelModelCLI? guideVoxelsCLI, bool autoAdjustExtents) =>
+        VoxelModelCLI? guideVoxelsCLI = null, bool autoAdjustExtents = true) =>
         Apply(NativeMethods.brix_expand_along_y, voxelModelCLI, lowerOffset, upperOffset, guideVoxelsCLI, autoAdjustExtents);
 
     /// <summary>Grows every filled region along Z, first its lower faces and then its upper ones.</summary>
@@ -47,7 +47,7 @@ public static unsafe class SurfaceOperationsCLI
     /// <exception cref="Exception">a model is disposed of, or null where it is required; the lower number is negative; the upper
     /// one is; the result would leave the index space; the frames differ</exception>
     public static VoxelModelCLI ExpandAlongZ(VoxelModelCLI voxelModelCLI, int lowerOffset, int upperOffset,
-        VoxelModelCLI? guideVoxelsCLI, bool autoAdjustExtents) =>
+        VoxelModelCLI? guideVoxelsCLI = null, bool autoAdjustExtents = true) =>
         Apply(NativeMethods.brix_expand_along_z, voxelModelCLI, lowerOffset, upperOffset, guideVoxelsCLI, autoAdjustExtents);
 
     /// <summary>Takes voxels off every filled region along X, first off its lower faces and then off its upper ones.</summary>
@@ -60,7 +60,7 @@ public static unsafe class SurfaceOperationsCLI
     /// <exception cref="Exception">a model is disposed of, or null where it is required; the lower number is negative; the upper
     /// one is; the result would leave the index space; the frames differ</exception>
     public static VoxelModelCLI ReduceAlongX(VoxelModelCLI voxelModelCLI, int lowerOffset, int upperOffset,
-        VoxelModelCLI? guideVoxelsCLI, bool autoAdjustExtents) =>
+        VoxelModelCLI? guideVoxelsCLI = null, bool autoAdjustExtents = true) =>
         Apply(NativeMethods.brix_reduce_along_x, voxelModelCLI, lowerOffset, upperOffset, guideVoxelsCLI, autoAdjustExtents);
 
     /// <summary>Takes voxels off every filled region along Y, first off its lower faces and then off its upper ones.</summary>
@@ -73,7 +73,7 @@ public static unsafe class SurfaceOperationsCLI
     /// <exception cref="Exception">a model is disposed of, or null where it is required; the lower number is negative; the upper
     /// one is; the result would leave the index space; the frames differ</exception>
     public static VoxelModelCLI ReduceAlongY(VoxelModelCLI voxelModelCLI, int lowerOffset, int upperOffset,
-        VoxelModelCLI? guideVoxelsCLI, bool autoAdjustExtents) =>
+        VoxelModelCLI? guideVoxelsCLI = null, bool autoAdjustExtents = true) =>
         Apply(NativeMethods.brix_reduce_along_y, voxelModelCLI, lowerOffset, upperOffset, guideVoxelsCLI, autoAdjustExtents);
 
     /// <summary>Takes voxels off every filled region along Z, first off its lower faces and then off its upper ones.</summary>
@@ -86,7 +86,7 @@ public static unsafe class SurfaceOperationsCLI
     /// <exception cref="Exception">a model is disposed of, or null where it is required; the lower number is negative; the upper
     /// one is; the result would leave the index space; the frames differ</exception>
     public static VoxelModelCLI ReduceAlongZ(VoxelModelCLI voxelModelCLI, int lowerOffset, int upperOffset,
-        VoxelModelCLI? guideVoxelsCLI, bool autoAdjustExtents) =>
+        VoxelModelCLI? guideVoxelsCLI = null, bool autoAdjustExtents = true) =>
         Apply(NativeMethods.brix_reduce_along_z, voxelModelCLI, lowerOffset, upperOffset, guideVoxelsCLI, autoAdjustExtents);
 
     /// <summary>Fills each empty voxel that has enough filled neighbours.</summary>
@@ -101,7 +101,7 @@ public static unsafe class SurfaceOperationsCLI
     /// <exception cref="Exception">a model is disposed of, or null where it is required; the horizontal number is negative; the
     /// vertical one is; both are zero; the result would leave the index space; the frames differ</exception>
     public static VoxelModelCLI ExpandByOneVoxel(VoxelModelCLI voxelModelCLI, int horizontalAdjacency, int verticalAdjacency,
-        VoxelModelCLI? guideVoxelsCLI, bool autoAdjustExtents) => Apply(NativeMethods.brix_expand_by_one_voxel,
+        VoxelModelCLI? guideVoxelsCLI = null, bool autoAdjustExtents = true) => Apply(NativeMethods.brix_expand_by_one_voxel,
             voxelModelCLI, horizontalAdjacency, verticalAdjacency, guideVoxelsCLI, autoAdjustExtents);
 
     /// <summary>Empties each filled voxel that has enough empty neighbours.</summary>
@@ -115,7 +115,7 @@ public static unsafe class SurfaceOperationsCLI
     /// <exception cref="Exception">a model is disposed of, or null where it is required; the horizontal number is negative; the
     /// vertical one is; both are zero; the result would leave the index space; the frames differ</exception>
     public static VoxelModelCLI ReduceByOneVoxel(VoxelModelCLI voxelModelCLI, int horizontalAdjacency, int verticalAdjacency,
-        VoxelModelCLI? guideVoxelsCLI, bool autoAdjustExtents) => Apply(NativeMethods.brix_reduce_by_one_voxel,
+        VoxelModelCLI? guideVoxelsCLI = null, bool autoAdjustExtents = true) => Apply(NativeMethods.brix_reduce_by_one_voxel,
             voxelModelCLI, horizontalAdjacency, verticalAdjacency, guideVoxelsCLI, autoAdjustExtents);
 
     /// <summary>Grows every filled region in its own layer, as if by a disc; its outline is an octagon.</summary>
@@ -127,8 +127,8 @@ public static unsafe class SurfaceOperationsCLI
     /// extents stay</param>
     /// <exception cref="Exception">a model is disposed of, or null where it is required; the diameter is less than 1; the result
     /// would leave the index space; the frames differ</exception>
-    public static VoxelModelCLI ExpandHorizontally(VoxelModelCLI voxelModelCLI, int diameterOffset, VoxelModelCLI? guideVoxelsCLI,
-        bool autoAdjustExtents) => new VoxelModelCLI((result, error) => NativeMethods.brix_expand_horizontally(
+    public static VoxelModelCLI ExpandHorizontally(VoxelModelCLI voxelModelCLI, int diameterOffset, VoxelModelCLI? guideVoxelsCLI = null,
+        bool autoAdjustExtents = true) => new VoxelModelCLI((result, error) => NativeMethods.brix_expand_horizontally(
             voxelModelCLI.Required(), diameterOffset,
             guideVoxelsCLI.Optional(), Engine.Flag(autoAdjustExtents), result, error));
 
@@ -140,15 +140,15 @@ public static unsafe class SurfaceOperationsCLI
     /// <param name="autoAdjustExtents">true: the result is bounded by its filled voxels; false: the extents stay</param>
     /// <exception cref="Exception">a model is disposed of, or null where it is required; the diameter is less than 1; the result
     /// would leave the index space; the frames differ</exception>
-    public static VoxelModelCLI ReduceHorizontally(VoxelModelCLI voxelModelCLI, int diameterOffset, VoxelModelCLI? guideVoxelsCLI,
-        bool autoAdjustExtents) => new VoxelModelCLI((result, error) => NativeMethods.brix_reduce_horizontally(
+    public static VoxelModelCLI ReduceHorizontally(VoxelModelCLI voxelModelCLI, int diameterOffset, VoxelModelCLI? guideVoxelsCLI = null,
+        bool autoAdjustExtents = true) => new VoxelModelCLI((result, error) => NativeMethods.brix_reduce_horizontally(
             voxelModelCLI.Required(), diameterOffset,
             guideVoxelsCLI.Optional(), Engine.Flag(autoAdjustExtents), result, error));
 
     private delegate int NativeChange(IntPtr model, int first, int second, IntPtr guide, int autoAdjustExtents, IntPtr* result,
         NativeError* error);
 
-    /// <summary>What the operations with two numbers share.</summary>
+    // What the operations with two numbers share.
     private static VoxelModelCLI Apply(NativeChange change, VoxelModelCLI voxelModelCLI, int first, int second,
         VoxelModelCLI? guideVoxelsCLI, bool autoAdjustExtents) => new VoxelModelCLI((result, error) => change(
             voxelModelCLI.Required(), first, second,

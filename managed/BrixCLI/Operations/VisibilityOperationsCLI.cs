@@ -37,8 +37,9 @@ public static unsafe class VisibilityOperationsCLI
     /// <param name="autoAdjustExtents">true: the surroundings of the point within the radius are looked at, and the result is
     /// bounded by what is visible; false: the extents stay</param>
     /// <exception cref="Exception">the model is null or disposed of; there are fewer than three coordinates; the level is
-    /// negative; it is beyond the model's finest one; the radius is negative; the point is outside the index space where the
-    /// extents are adjusted</exception>
+    /// negative; it is beyond the model's finest one; the radius is negative; the point is outside the index space, the
+    /// extents are adjusted, and there is no limit. With a limit, nothing is visible from such a point: the result is an empty
+    /// model of one voxel.</exception>
     public static VoxelModelCLI VisibilityFromPoint(VoxelModelCLI voxelModelCLI, List<double> pointCoords, int voxelLOD,
         double maxRadius, double threshold, bool autoAdjustExtents)
     {
