@@ -2,6 +2,8 @@
 #ifdef BRIX_PROGRAM
 #include <brix.h>
 
+#include <scenes/Building.h>
+
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -334,6 +336,59 @@ TEST_F(Program, DrawsWhereAPersonCanWalk)
     // nowhere.
     EXPECT_GT(reachable, 15000);
     EXPECT_LT(Reported(Run(arguments + " --diameter 1.1"), "reachable +(\\d+)"), 10000) << "too wide for the doors";
+}
+
+// A person on a floor of one storey, at heights from within the floor's own voxel to a head above it, with voxels of several sizes.
+TEST_F(Program, TakesAPointOnInOrAboveTheFloorAsOnIt)
+{
+    SaveTrianglesToBinarySTL(folder_ / "plane.stl",
+                             {{{{0, 0, 0}, {10, 0, 0}, {0, 10, 0}}}, {{{10, 10, 0}, {10, 0, 0}, {0, 10, 0}}}}, false);
+    for (const std::string grid : {"-w 0.8 --lod 3", "-w 1.6 --lod 3 --vertical-lod 4", "-w 1.6 --origin 0.3 0.03 0.07"}) {
+        const std::string arguments = " plane.stl --unit m " + grid + " --from 5 5 ";
+        const std::int64_t all = Reported(Run("walkable plane.stl -o w.png " + grid), "walkable +(\\d+)");
+        EXPECT_GT(all, 1000) << grid;
+        for (const std::string z : {"0", "0.01", "0.3", "1.5"}) {
+            for (const std::string command : {"walkable", "travel"}) {
+                const Outcome outcome = Run(command + arguments + z + " -o w.svg");
+                ASSERT_EQ(outcome.exitCode, 0) << command << arguments << z << outcome.error;
+                EXPECT_EQ(Reported(outcome, "reachable +(\\d+)"), all) << command << arguments << z;
+            }
+        }
+        EXPECT_EQ(Run("walkable" + arguments + "9 -o w.png").exitCode, 1) << "far above";
+    }
+    EXPECT_EQ(Run("walkable plane.stl -w 1.6 --floor 7 -o w.png").exitCode, 1) << "a blank picture";
+    EXPECT_EQ(Run("walkable plane.stl -w 1.6 --unit ft --height 0.1 --floor 7 -o w.png").exitCode, 1);
+}
+
+TEST_F(Program, DrawsTerrainByHeight)
+{
+    SaveTrianglesToBinarySTL(folder_ / "slope.stl",
+                             {{{{0, 0, 0}, {30, 0, 9}, {0, 30, 9}}}, {{{30, 30, 0}, {30, 0, 9}, {0, 30, 9}}}}, false);
+    ASSERT_EQ(Run("walkable slope.stl -w 4 --lod 3 --unit m -o w.svg").exitCode, 0);
+    const std::string svg = ContentOf(folder_ / "w.svg");
+    for (const std::string label : {"Terrain", "Height of the ground that can be walked on, in m", "5 m", "8 m"})
+        EXPECT_NE(svg.find(label), std::string::npos) << label;
+    EXPECT_EQ(svg.find("Storey"), std::string::npos);
+}
+
+TEST_F(Program, LabelsPicturesInTheUnitOfTheFile)
+{
+    std::vector<WorldTriangle> house = scenes::MakeBuilding({});
+    for (WorldTriangle& triangle : house)
+        for (auto& corner : triangle)
+            for (double& coordinate : corner) coordinate *= 1000;
+    SaveTrianglesToBinarySTL(folder_ / "mm.stl", house, false);
+    const std::string arguments = " mm.stl -w 3200 --lod 5 --vertical-lod 4 --unit mm --from -1000 5000 100 -o t.";
+    ASSERT_EQ(Run("travel" + arguments + "svg").exitCode, 0);
+    const std::string svg = ContentOf(folder_ / "t.svg");
+    for (const std::string label :
+         {"Storey 1", "Storey 2", "5000 mm", "25000 mm", "a person 500 mm wide and 1800 mm high", "walls"})
+        EXPECT_NE(svg.find(label), std::string::npos) << label;
+    EXPECT_EQ(svg.find("Storey 3"), std::string::npos) << "the roof is out of reach";
+    ASSERT_EQ(Run("walkable" + arguments + "pdf").exitCode, 0);
+    EXPECT_EQ(ContentOf(folder_ / "t.pdf").substr(0, 4), "%PDF");
+    EXPECT_EQ(Run("walkable" + arguments + "jpg").exitCode, 2);
+    EXPECT_EQ(Run("slice mm.stl -w 1600 --at z=2000 --at z=-9000 -o s.png").exitCode, 1);
 }
 
 } // namespace

@@ -1,37 +1,50 @@
-// Distances as colours: a scale that is evenly spaced to the eye, lightest near by, with contour lines, and its legend.
+// Numbers as colours: a scale that is evenly spaced to the eye, with contours at round numbers. Lightness alone tells the order, so it
+// reads in black and white and to people who see red and green alike.
 #pragma once
 
-#include "SlicePicture.h"
+#include "Canvas.h"
+
+#include <string>
+#include <vector>
 
 namespace brix::tools {
+
+/// 1, 2 or 5 times a power of ten, the smallest that is not below a positive number.
+double RoundStep(double least);
+
+/// Which end of the scale is light.
+enum class Light
+{
+    Low,
+    High
+};
 
 class ColourScale
 {
 public:
-    /// For values from 0 to `largest`; contours at 1, 2 or 5 times a power of ten, ten or fewer of them.
-    explicit ColourScale(double largest);
+    /// For values from `least` to `largest`; ten contours or fewer.
+    ColourScale(double least, double largest, Light light);
 
-    /// The colour of a value.
     Colour At(double value) const;
 
+    double Least() const { return least_; }
+    double Largest() const { return largest_; }
     double ContourStep() const { return step_; }
+
+    /// The multiples of the step that lie on the scale.
+    std::vector<double> Contours() const;
 
     /// The number of the contour band that a value lies in.
     std::int64_t Band(double value) const;
 
-    /// A bar of that width with the values at its contours below it.
-    Picture Legend(std::int64_t width) const;
-
 private:
+    double least_;
     double largest_;
     double step_;
+    Light light_;
 };
 
 /// A colour mixed from two: `share` (0..1) of the second.
 Colour Mixed(Colour a, Colour b, double share);
-
-/// Draws digits, '.' and 'm', each 3 x 5 squares of `scale` pixels, the upper left corner of the text at (x, y). Returns its width.
-std::int64_t DrawText(Picture& picture, const std::string& text, std::int64_t x, std::int64_t y, std::int64_t scale,
-                      Colour colour);
 
 } // namespace brix::tools

@@ -1,7 +1,9 @@
 #include "Pipeline.h"
 
 #include "OutputFiles.h"
+#include "Places.h"
 #include "Report.h"
+#include "SlicePage.h"
 
 #include <brix/operations/AutoSplit.h>
 #include <brix/operations/BasicOperations.h>
@@ -144,9 +146,10 @@ Voxels LargestRegion(const Voxels& model)
 void DrawModel(Pipeline& pipeline, Arguments& arguments)
 {
     const Voxels& model = pipeline.model;
-    const Slice slice = FindSlice(model, model.FinestLOD(), ParseSlicePosition(arguments.Word()), pipeline.grid);
-    const std::int64_t scale = ScaleForSize(model.ExtentsRef(model.FinestLOD()), 800);
-    DrawSlice({{model, Ink}}, model.FinestLOD(), slice, scale).SavePng(arguments.Word());
+    const SlicePosition position = ParseSlicePosition(arguments.Word());
+    const Slice slice = FindSlice(model, model.FinestLOD(), position, pipeline.grid);
+    const std::string title = "Slice of " + pipeline.grid.input.filename().string();
+    SaveSlices(arguments.Word(), model, {{position, slice}}, title, {.lod = model.FinestLOD()});
 }
 
 Voxels Combine(const Pipeline& pipeline, const std::string& file,
@@ -207,13 +210,13 @@ std::vector<Step> MakeSteps()
          })},
         {"visible-from", "X Y Z RADIUS THRESHOLD", "what is seen from a point, up to a distance",
          Replace([](const Pipeline& p, Arguments& a) {
-             const Triple point = Point(p, a);
+             const Triple point = EyePoint(p.model, a.Point());
              const std::int64_t radius = p.model.AxesRef().FromWorldDistance(a.Number());
              return VisibilityFromPoint(p.model, point, p.model.FinestLOD(), radius, a.Number(), p.autoAdjust);
          })},
         {"visible-in-cone", "X Y Z DX DY DZ ANGLE RADIUS THRESHOLD", "what is seen in a cone along a direction of the grid",
          Replace([](const Pipeline& p, Arguments& a) {
-             const Triple point = Point(p, a);
+             const Triple point = EyePoint(p.model, a.Point());
              const Triple direction = a.Direction();
              const double angle = a.Number();
              const std::int64_t radius = p.model.AxesRef().FromWorldDistance(a.Number());
@@ -221,7 +224,7 @@ std::vector<Step> MakeSteps()
          })},
         {"visible-in-pyramid", "X Y Z DX DY DZ WIDTH HEIGHT RADIUS THRESHOLD", "what a camera sees; angles in degrees",
          Replace([](const Pipeline& p, Arguments& a) {
-             const Triple point = Point(p, a);
+             const Triple point = EyePoint(p.model, a.Point());
              const Triple direction = a.Direction();
              const double width = a.Number();
              const double height = a.Number();
@@ -232,7 +235,7 @@ std::vector<Step> MakeSteps()
         {"write", "[LEVEL=]FILE", "write the voxels as STL", Write(SaveVoxels)},
         {"write-surface", "[LEVEL=]FILE", "write the surface of the voxels as STL, in as few rectangles as it takes",
          Write(SaveSurface)},
-        {"slice", "AXIS=POSITION FILE", "draw a slice as PNG", DrawModel},
+        {"slice", "AXIS=POSITION FILE", "draw a slice as PNG, SVG or PDF", DrawModel},
     };
 }
 

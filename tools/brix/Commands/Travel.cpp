@@ -1,20 +1,22 @@
 // brix travel: how far people walk from a point, where they end up farthest away, and what they see from where they start.
 #include "Commands.h"
 
-#include "../ColourScale.h"
+#include "../Places.h"
 #include "../Report.h"
+#include "../SlicePage.h"
 #include "../Storeys.h"
 #include "../TriangleFiles.h"
+#include "../Units.h"
 
 #include <brix/model/VoxelIterator.h>
 #include <brix/operations/BasicOperations.h>
-#include <brix/operations/FillOperations.h>
 #include <brix/travel/Path.h>
 #include <brix/visibility/Visibility.h>
 
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <optional>
 #include <utility>
 
 namespace brix::tools {
@@ -22,15 +24,15 @@ namespace {
 
 using Voxels = VoxelModel<bool>;
 
-constexpr Colour Things{176, 180, 190};
-constexpr Colour NoWay{222, 218, 208};
-constexpr Colour Seen{250, 204, 92};
-constexpr Colour Unseen{150, 160, 178};
-constexpr Colour Way{220, 30, 60};
+constexpr Colour Seen{244, 190, 66};
+constexpr Colour Unseen{140, 152, 174};
+constexpr Colour Way{213, 64, 0};
 
 struct Options : StoreyOptions
 {
-    double eye = 1.6;
+    std::optional<double> eye;
+
+    double Eye() const { return eye.value_or(FromMetres(1.6, unit)); }
 };
 
 // Everything that a plan shows.
@@ -38,8 +40,11 @@ struct Travel
 {
     Voxels solid;
     DistanceField field;
+    std::vector<Storey> storeys;
     std::vector<Path> ways; // to the farthest place of every storey
     Voxels seen;
+    Box box;
+    std::int64_t scale;
 };
 
 // A place on a storey's floor plan: the lowest reached voxel of its column.
@@ -60,151 +65,171 @@ Places PlacesOf(const DistanceField& field, const Storey& storey)
     return places;
 }
 
-// A plan of a storey in pixels; voxels are squares.
-class Plan
+// Draws on the plan of a storey, whose upper left corner is given.
+class Marks
 {
 public:
-    Plan(const Travel& travel, const Storey& storey, std::int64_t scale)
-        : travel_(travel), storey_(storey), scale_(scale), extents_(travel.field.ExtentsRef()), picture_(Background())
+    Marks(Canvas& canvas, Spot corner, const Travel& travel, const Storey& storey)
+        : canvas_(canvas),
+          corner_(corner),
+          travel_(travel),
+          storey_(storey),
+          pixel_(LengthOfPixel(travel.solid.AxesRef(), travel.solid.FinestLOD(), travel.scale))
     {}
 
-    const Picture& PictureRef() const { return picture_; }
-
-    void Paint(std::int64_t x, std::int64_t y, Colour colour) { picture_.Fill(Left(x), Top(y), scale_, scale_, colour); }
-
-    /// A way as a line three pixels wide, where it is on this storey.
-    void DrawWay(const std::vector<Triple>& points)
+    /// A way, where it is on this storey: white on both sides, to be seen on every colour.
+    void DrawWay(const std::vector<Triple>& points) const
     {
-        for (std::size_t i = 1; i < points.size(); ++i) {
-            const Triple piece = Minus(points[i], points[i - 1]);
+        std::vector<Spot> line;
+        for (std::size_t i = 0; i < points.size(); ++i) {
+            const Triple piece = Minus(points[i], points[i == 0 ? 0 : i - 1]);
             const std::int64_t count =
-                1 + std::max(std::abs(piece[0]), std::abs(piece[1])) * scale_ / VoxelSpacing(extents_.VoxelLOD());
-            for (std::int64_t step = 0; step <= count; ++step) {
-                Triple point = points[i - 1];
+                1 + std::max(std::abs(piece[0]), std::abs(piece[1])) / VoxelSpacing(travel_.field.VoxelLOD());
+            for (std::int64_t step = 1; step <= count; ++step) {
+                Triple point = points[i == 0 ? 0 : i - 1];
                 for (std::size_t k = 0; k < 3; ++k) point[k] += piece[k] * step / count;
-                if (IsOnStorey(point)) DrawDisc(point, 1, Way);
+                if (IsOnStorey(point))
+                    line.push_back(SpotOf(point));
+                else
+                    DrawLine(line);
             }
         }
+        DrawLine(line);
     }
 
-    /// A mark of two colours at a point, where it is on this storey.
-    void DrawMark(const Triple& point, Colour inside)
+    /// A mark at a point, where it is on this storey.
+    void DrawMark(const Triple& point, Colour inside) const
     {
         if (!IsOnStorey(point)) return;
-        DrawDisc(point, 9, White);
-        DrawDisc(point, 7, Ink);
-        DrawDisc(point, 5, inside);
+        canvas_.Disc(SpotOf(point), 8, White);
+        canvas_.Disc(SpotOf(point), 6.5, Ink);
+        canvas_.Disc(SpotOf(point), 4.5, inside);
     }
 
 private:
-    Picture Background() const
-    {
-        const Voxels floor = SeenInLayer(travel_.solid, {storey_.layer, storey_.layer}, storey_.layer);
-        const Voxels things = SeenInLayer(travel_.solid, {storey_.base + 1, storey_.cut}, storey_.layer);
-        const Voxels walls = SeenInLayer(travel_.solid, {storey_.cut, storey_.cut}, storey_.layer);
-        return DrawSlice({{floor, NoWay}, {things, Things}, {walls, Ink}}, extents_.VoxelLOD(), {Axis::Z, storey_.layer}, scale_);
-    }
-
-    std::int64_t Left(std::int64_t x) const { return (x - extents_.LowerIndices()[0]) * scale_; }
-    std::int64_t Top(std::int64_t y) const { return (extents_.UpperIndices()[1] - y) * scale_; }
-
     bool IsOnStorey(const Triple& point) const
     {
-        const std::int64_t z = extents_.AxesRef().ContainingVoxel(point, extents_.VoxelLOD())[2];
+        const std::int64_t z = travel_.solid.AxesRef().ContainingVoxel(point, travel_.field.VoxelLOD())[2];
         return storey_.layer <= z && z <= storey_.top;
     }
 
-    void DrawDisc(const Triple& point, std::int64_t radius, Colour colour)
+    Spot SpotOf(const Triple& point) const
     {
-        const Triple corner = extents_.AxesRef().VoxelCorner(extents_.LowerIndices(), extents_.VoxelLOD());
-        const std::int64_t spacing = VoxelSpacing(extents_.VoxelLOD());
-        const std::int64_t x = (point[0] - corner[0]) * scale_ / spacing;
-        const std::int64_t y = picture_.Height() - 1 - (point[1] - corner[1]) * scale_ / spacing;
-        for (std::int64_t row = -radius; row <= radius; ++row) {
-            const auto half = static_cast<std::int64_t>(std::sqrt(radius * (radius + 1) - row * row));
-            const std::int64_t from = std::max<std::int64_t>(0, x - half);
-            const std::int64_t to = std::min(picture_.Width() - 1, x + half);
-            if (0 <= y + row && y + row < picture_.Height() && from <= to) picture_.Fill(from, y + row, to - from + 1, 1, colour);
-        }
+        const Axes& axes = travel_.solid.AxesRef();
+        const std::int64_t lod = travel_.field.VoxelLOD();
+        const Triple left = axes.VoxelCorner(travel_.box.lower, lod);
+        const Triple top = axes.VoxelCorner(Plus(travel_.box.upper, {1, 1, 1}), lod);
+        return {corner_.x + axes.ToWorldDistance(point[0] - left[0]) / pixel_,
+                corner_.y + axes.ToWorldDistance(top[1] - point[1]) / pixel_};
     }
 
+    void DrawLine(std::vector<Spot>& line) const
+    {
+        canvas_.Line(line, 6, White);
+        canvas_.Line(line, 3, Way);
+        line.clear();
+    }
+
+    Canvas& canvas_;
+    Spot corner_;
     const Travel& travel_;
-    Storey storey_;
-    std::int64_t scale_;
-    Extents extents_;
-    Picture picture_;
+    const Storey& storey_;
+    double pixel_;
 };
 
-// Contours where the next place east or north lies in another band.
-Picture DrawDistances(const Travel& travel, const Storey& storey, const ColourScale& colours, std::int64_t scale)
+Panel MakePanel(const Travel& travel, const Storey& storey, Raster raster, const std::string& note)
 {
-    Plan plan(travel, storey, scale);
+    Panel panel = MakePanel(travel.solid.AxesRef(), travel.field.VoxelLOD(), Axis::Z, std::move(raster), travel.scale);
+    panel.title = storey.title;
+    panel.note = note;
+    return panel;
+}
+
+double Farthest(const Places& places)
+{
+    double farthest = 0;
+    for (const auto& [xy, place] : places) farthest = std::max(farthest, place.distance);
+    return farthest;
+}
+
+void Paint(Raster& raster, const Box& box, const std::array<std::int64_t, 2>& xy, Colour colour)
+{
+    raster.Set(xy[0] - box.lower[0], box.upper[1] - xy[1], colour);
+}
+
+// Contours where the next place east or north lies in another band.
+Panel DrawDistances(const Travel& travel, const Storey& storey, const ColourScale& colours, const Options& options)
+{
     const Places places = PlacesOf(travel.field, storey);
     const auto isOtherBand = [&](std::int64_t x, std::int64_t y, double distance) {
         const auto place = places.find({x, y});
         return place != places.end() && colours.Band(place->second.distance) != colours.Band(distance);
     };
+    Raster raster = DrawBackground(travel.solid, storey, travel.box);
     for (const auto& [xy, place] : places) {
         const Colour colour = colours.At(place.distance);
         const bool isContour = isOtherBand(xy[0] + 1, xy[1], place.distance) || isOtherBand(xy[0], xy[1] + 1, place.distance);
-        plan.Paint(xy[0], xy[1], isContour ? Mixed(colour, White, 0.55) : colour);
+        Paint(raster, travel.box, xy, isContour ? Mixed(colour, White, 0.55) : colour);
     }
-    for (const Path& way : travel.ways) plan.DrawWay(way.Points());
-    for (const Path& way : travel.ways) {
-        plan.DrawMark(way.Points().front(), Way);
-        plan.DrawMark(way.Points().back(), White);
-    }
-    return plan.PictureRef();
+    const double voxel = travel.solid.AxesRef().WorldVoxelWidth(travel.field.VoxelLOD());
+    Panel panel =
+        MakePanel(travel, storey, std::move(raster), "up to " + LengthText(Farthest(places), voxel, options.unit) + " away");
+    panel.draw = [&travel, &storey](Canvas& canvas, Spot corner) {
+        const Marks marks(canvas, corner, travel, storey);
+        for (const Path& way : travel.ways) marks.DrawWay(way.Points());
+        for (const Path& way : travel.ways) marks.DrawMark(way.Points().front(), Way);
+        for (const Path& way : travel.ways) marks.DrawMark(way.Points().back(), White);
+    };
+    return panel;
 }
 
-// A place is seen where any part of a body that stands there is.
-Picture DrawSeen(const Travel& travel, const Storey& storey, std::int64_t bodyVoxels, std::int64_t scale)
+// A place is seen where any part of a body that stands there is. Nothing when no place is.
+std::optional<Panel> DrawSeen(const Travel& travel, const Storey& storey, std::int64_t bodyVoxels)
 {
-    Plan plan(travel, storey, scale);
-    const std::int64_t lod = travel.field.VoxelLOD();
-    for (const auto& [xy, place] : PlacesOf(travel.field, storey)) {
+    Raster raster = DrawBackground(travel.solid, storey, travel.box);
+    const Places places = PlacesOf(travel.field, storey);
+    std::size_t count = 0;
+    for (const auto& [xy, place] : places) {
         bool isSeen = false;
         for (std::int64_t z = place.z; z < place.z + bodyVoxels && !isSeen; ++z) {
-            const ConstVoxelIterator voxel = travel.seen.FindVoxel({xy[0], xy[1], z}, lod);
+            const ConstVoxelIterator voxel = travel.seen.FindVoxel({xy[0], xy[1], z}, travel.field.VoxelLOD());
             isSeen = voxel.IsValid() && voxel.Value();
         }
-        plan.Paint(xy[0], xy[1], isSeen ? Seen : Unseen);
+        count += isSeen ? 1 : 0;
+        Paint(raster, travel.box, xy, isSeen ? Seen : Unseen);
     }
-    for (const Path& way : travel.ways) plan.DrawMark(way.Points().back(), White);
-    return plan.PictureRef();
+    if (count == 0) return std::nullopt;
+    Panel panel =
+        MakePanel(travel, storey, std::move(raster),
+                  Text(std::round(100.0 * static_cast<double>(count) / static_cast<double>(places.size()))) + " % of it");
+    panel.draw = [&travel, &storey](Canvas& canvas, Spot corner) {
+        for (const Path& way : travel.ways) Marks(canvas, corner, travel, storey).DrawMark(way.Points().back(), White);
+    };
+    return panel;
 }
 
-Picture Stacked(const std::vector<Picture>& pictures)
+Page DrawTravel(const Travel& travel, const Options& options, std::int64_t bodyVoxels)
 {
-    std::int64_t width = 0;
-    std::int64_t height = 0;
-    for (const Picture& picture : pictures) {
-        width = std::max(width, picture.Width());
-        height += picture.Height();
-    }
-    Picture stack(width, height, White);
-    std::int64_t y = 0;
-    for (const Picture& picture : pictures) {
-        stack.Place(picture, 0, y);
-        y += picture.Height();
-    }
-    return stack;
-}
-
-Picture DrawTravel(const Travel& travel, const Options& options, std::int64_t bodyVoxels)
-{
-    constexpr std::int64_t margin = 24;
     const Axes& axes = travel.field.AxesRef();
-    const ColourScale colours(axes.ToWorldDistance(travel.field.FarthestDistance()));
-    std::vector<Picture> distances;
-    std::vector<Picture> seen;
-    for (const double floor : options.floors) {
-        const Storey storey = StoreyAbove(axes, floor, options.person.height);
-        distances.push_back(DrawDistances(travel, storey, colours, options.scale));
-        seen.push_back(DrawSeen(travel, storey, bodyVoxels, options.scale));
+    const ColourScale colours(0, axes.ToWorldDistance(travel.field.FarthestDistance()), Light::Low);
+    Section distances{"How far it is to walk",
+                      {},
+                      {{White, "start"},
+                       {Way, "the way to the farthest place of a storey"},
+                       {NoWay, "no room to stand"},
+                       {Things, "things, low walls"},
+                       {Ink, "walls"}}};
+    Section seen{"What is seen from the start", {}, {{Seen, "places seen"}, {Unseen, "places hidden"}}};
+    for (const Storey& storey : travel.storeys) {
+        distances.panels.push_back(DrawDistances(travel, storey, colours, options));
+        if (std::optional<Panel> panel = DrawSeen(travel, storey, bodyVoxels)) seen.panels.push_back(std::move(*panel));
     }
-    const Picture upper = SideBySide(distances, margin);
-    return Stacked({upper, colours.Legend(upper.Width()), SideBySide(seen, margin)});
+    distances.scale = {colours,
+                       "Walking distance from the start; a contour every " + WithUnit(colours.ContourStep(), options.unit)};
+    Page page = MakePage("Walking distances", axes, options, travel.scale);
+    page.sections.push_back(std::move(distances));
+    if (!seen.panels.empty()) page.sections.push_back(std::move(seen));
+    return page;
 }
 
 void AddFarthestWay(const DistanceField& field, const Storey& storey, std::vector<Path>& ways)
@@ -218,42 +243,41 @@ void AddFarthestWay(const DistanceField& field, const Storey& storey, std::vecto
                          std::to_string(CountFilled(way.Voxels(), field.VoxelLOD())) + " voxels");
 }
 
-Travel MakeTravel(Voxels solid, const Options& options, const std::array<std::int64_t, 2>& body)
+Travel MakeTravel(Voxels solid, const Options& options, const Body& body)
 {
     const Axes axes = solid.AxesRef();
+    const std::int64_t lod = options.grid.lod;
     const Stopwatch watch;
-    const PathModel path(solid, options.grid.lod, body[0], body[1], false);
-    PrintStep("walkable", std::to_string(CountFilled(path.TraversableVoxels(), options.grid.lod)) + " voxels for a person of " +
-                              std::to_string(body[0]) + " x " + std::to_string(body[1]) + " voxels " + watch.Text());
+    const PathModel path(solid, lod, body.diameter, body.height, false);
+    PrintStep("walkable", std::to_string(CountFilled(path.TraversableVoxels(), lod)) + " voxels for a person of " +
+                              std::to_string(body.diameter) + " x " + std::to_string(body.height) + " voxels " + watch.Text());
     const Stopwatch fieldWatch;
-    const Triple start = axes.FromWorldCoordinates({options.start[0], options.start[1], options.start[2]});
+    const std::array point{options.start[0], options.start[1], options.start[2]};
+    const Triple start = axes.VoxelCenter(StandingVoxel(solid, path.TraversableVoxels(), point, body.height), lod);
     DistanceField field(path, {start}, std::int64_t{1} << 62);
-    PrintStep("reachable", std::to_string(CountFilled(field.ReachableVoxels(), options.grid.lod)) + " of them, the farthest " +
+    const Voxels reachable = field.ReachableVoxels();
+    PrintStep("reachable", std::to_string(CountFilled(reachable, lod)) + " of them, the farthest " +
                                Text(axes.ToWorldDistance(field.FarthestDistance())) + " away " + fieldWatch.Text());
+    std::vector<Storey> storeys = StoreysOf(reachable, body, options);
     std::vector<Path> ways;
-    for (const double floor : options.floors) AddFarthestWay(field, StoreyAbove(axes, floor, options.person.height), ways);
+    for (const Storey& storey : storeys) AddFarthestWay(field, storey, ways);
     const Stopwatch sightWatch;
-    const Triple eye = axes.FromWorldCoordinates({options.start[0], options.start[1], options.start[2] + options.eye});
-    Voxels seen = VisibilityFromPoint(solid, eye, options.grid.lod, std::int64_t{1} << 62, 0.5, false);
-    PrintStep("seen", std::to_string(CountFilled(seen, options.grid.lod)) + " voxels from the start " + sightWatch.Text());
-    return {std::move(solid), std::move(field), std::move(ways), std::move(seen)};
+    Triple eye = axes.FromWorldCoordinates(point);
+    eye[2] = start[2] - axes.VoxelSize(lod)[2] / 2 + axes.FromWorldDistance(options.Eye());
+    Voxels seen = VisibilityFromPoint(solid, eye, lod, std::int64_t{1} << 62, 0.5, false);
+    PrintStep("seen", std::to_string(CountFilled(seen, lod)) + " voxels from the start " + sightWatch.Text());
+    const Box box = FilledBox(solid, lod);
+    const std::int64_t scale = options.scale > 0 ? options.scale : ScaleForSize(axes, lod, box, 600);
+    return {std::move(solid), std::move(field), std::move(storeys), std::move(ways), std::move(seen), box, scale};
 }
 
 void RunTravel(const Options& options)
 {
-    const Axes axes = MakeAxes(options.grid);
-    const std::array body{ToVoxels(options.person.diameter, axes.WorldVoxelWidth(options.grid.lod), "diameter"),
-                          ToVoxels(options.person.height, axes.WorldVoxelHeight(), "height")};
+    const Body body = BodyOf(options, MakeAxes(options.grid));
+    FormatOf(options.output);
     RequireOutputFolder(options.output);
-    // Triangles are skins: what they enclose, the inside of walls, is solid, too.
-    const Travel travel = MakeTravel(FillEnclosedRegions(VoxelizeInput(options.grid)), options, body);
-    const Picture picture = DrawTravel(travel, options, body[1]);
-    picture.SavePng(options.output);
-    PrintStep(
-        "picture",
-        options.output.string() + ": " + std::to_string(picture.Width()) + " x " + std::to_string(picture.Height()) +
-            " pixels; above: distance by colour, the ways to every storey's farthest place in red; below: what is seen from " +
-            "the start in yellow");
+    const Travel travel = MakeTravel(SolidWithHeadroom(VoxelizeInput(options.grid), body), options, body);
+    SavePage(options.output, DrawTravel(travel, options, body.height));
 }
 
 } // namespace
@@ -263,11 +287,10 @@ void AddTravelCommand(CLI::App& program)
     const auto options = std::make_shared<Options>();
     CLI::App& command =
         *program.add_subcommand("travel", "Draw how far people walk from a point in an STL file, and what they see");
-    AddStoreyOptions(command, *options, "Where the ways start, on the ground", true);
-    command.add_option("--eye", options->eye, "Height of the eye above the start")->capture_default_str()->type_name("LENGTH");
-    command.footer(
-        "A person climbs steps of one voxel: choose voxels as high as a step, with --vertical-lod.\n"
-        "Example: brix travel house.stl -w 3.2 --lod 5 --vertical-lod 4 --from -1 5 0.1 --floor 0 --floor 3 -o travel.png");
+    AddStoreyOptions(command, *options, "Where the ways start", true);
+    command.add_option("--eye", options->eye, "Height of the eye above the floor [1.6 metres]")->type_name("LENGTH");
+    command.footer("A person climbs steps of one voxel: choose voxels as high as a step, with --vertical-lod.\n"
+                   "Example: brix travel house.stl -w 3.2 --lod 5 --vertical-lod 4 --from -1 5 0.1 --unit m -o travel.png");
     command.callback([options] { RunTravel(*options); });
 }
 

@@ -1,11 +1,13 @@
 // brix walkable: where a person can stand and walk, drawn storey by storey.
 #include "Commands.h"
 
+#include "../Places.h"
 #include "../Report.h"
-#include "../SlicePicture.h"
+#include "../SlicePage.h"
 #include "../Storeys.h"
 #include "../TriangleFiles.h"
 
+#include <brix/model/VoxelIterator.h>
 #include <brix/operations/BasicOperations.h>
 #include <brix/operations/FillOperations.h>
 #include <brix/operations/SolidOperations.h>
@@ -19,10 +21,10 @@ namespace {
 
 using Voxels = VoxelModel<bool>;
 
-constexpr Colour Floor{122, 184, 122};
-constexpr Colour Raised{240, 165, 75};
-constexpr Colour Tight{214, 120, 120};
-constexpr Colour Things{176, 180, 190};
+// Blue, orange and yellow of different lightness: to be told apart without red and green.
+constexpr Colour Floor{146, 197, 226};
+constexpr Colour Raised{230, 140, 30};
+constexpr Colour Tight{248, 232, 164};
 
 using Options = StoreyOptions; // without a start, everything is shown where one can stand
 
@@ -35,57 +37,108 @@ struct Walk
 };
 
 // Walls are what reaches the height of the cut, things all that is lower. Stairs are seen up to just below the next storey.
-Picture DrawStorey(const Walk& walk, double floor, const Options& options)
+Raster DrawStorey(const Walk& walk, const Storey& storey, const Box& box)
 {
     const std::int64_t lod = walk.solid.FinestLOD();
-    const auto [base, layer, cut, top] = StoreyAbove(walk.solid.AxesRef(), floor, options.person.height);
-    const Voxels tight = SeenInLayer(walk.ground, {layer, base + 1}, layer);
-    const Voxels things = SeenInLayer(walk.solid, {base + 1, cut}, layer);
-    const Voxels walls = SeenInLayer(walk.solid, {cut, cut}, layer);
-    const Voxels raised = SeenInLayer(walk.traversable, {layer, top}, layer);
-    const Voxels level = SeenInLayer(walk.traversable, {layer, base + 1}, layer);
+    const std::int64_t layer = storey.layer;
+    const Voxels tight = SeenInLayer(walk.ground, {layer, storey.base + 1}, layer);
+    const Voxels things = SeenInLayer(walk.solid, {storey.base + 1, storey.cut}, layer);
+    const Voxels walls = SeenInLayer(walk.solid, {storey.cut, storey.cut}, layer);
+    const Voxels raised = SeenInLayer(walk.traversable, {layer, storey.top}, layer);
+    const Voxels level = SeenInLayer(walk.traversable, {layer, storey.base + 1}, layer);
     return DrawSlice({{tight, Tight}, {things, Things}, {walls, Ink}, {raised, Raised}, {level, Floor}}, lod, {Axis::Z, layer},
-                     options.scale);
+                     box);
 }
 
-// What can be reached from a point: a step leads to an adjacent column, at most one voxel up or down, so the places where one can
+// The highest place of a column where the person can stand; below the storey when there is none.
+std::int64_t TopOf(const Voxels& traversable, const Storey& storey, std::int64_t x, std::int64_t y)
+{
+    std::int64_t z = storey.top;
+    for (; z >= storey.base; --z) {
+        const ConstVoxelIterator voxel = traversable.FindVoxel({x, y, z}, traversable.FinestLOD());
+        if (voxel.IsValid() && voxel.Value()) break;
+    }
+    return z;
+}
+
+double HeightOf(const Axes& axes, std::int64_t z) { return axes.ToWorldCoordinates(axes.VoxelCorner({0, 0, z}, 0))[2]; }
+
+Raster DrawTerrain(const Walk& walk, const Storey& storey, const Box& box, const ColourScale& heights)
+{
+    Raster raster = DrawBackground(walk.solid, storey, box);
+    for (std::int64_t row = 0; row < raster.Height(); ++row)
+        for (std::int64_t column = 0; column < raster.Width(); ++column) {
+            const std::int64_t z = TopOf(walk.traversable, storey, box.lower[0] + column, box.upper[1] - row);
+            if (z >= storey.base) raster.Set(column, row, heights.At(HeightOf(walk.solid.AxesRef(), z)));
+        }
+    return raster;
+}
+
+std::string Unit(const Options& options) { return options.unit.empty() ? "" : ", in " + options.unit; }
+
+Section DrawSection(const Walk& walk, const std::vector<Storey>& storeys, const Box& box, std::int64_t scale,
+                    const Options& options)
+{
+    const Axes& axes = walk.solid.AxesRef();
+    const std::int64_t lod = walk.solid.FinestLOD();
+    Section section{"", {}, {}};
+    const ColourScale heights(HeightOf(axes, storeys[0].base), HeightOf(axes, storeys[0].top), Light::High);
+    for (const Storey& storey : storeys) {
+        Raster raster = storey.isTerrain ? DrawTerrain(walk, storey, box, heights) : DrawStorey(walk, storey, box);
+        Panel& panel = section.panels.emplace_back(MakePanel(axes, lod, Axis::Z, std::move(raster), scale));
+        panel.title = storey.title;
+        panel.note = storey.note;
+    }
+    if (storeys[0].isTerrain) {
+        section.key = {{NoWay, "no room to stand, or out of reach"}};
+        section.scale = {heights, "Height of the ground that can be walked on" + Unit(options)};
+    } else {
+        section.key = {{Floor, "floor to walk on"},
+                       {Raised, "stairs and other heights"},
+                       {Tight, "no room to stand"},
+                       {Things, "things, low walls"},
+                       {Ink, "walls"}};
+    }
+    return section;
+}
+
+// What can be reached from a voxel: a step leads to an adjacent column, at most one voxel up or down, so the places where one can
 // stand, made a voxel thicker below and above, hang together wherever one can walk.
-Voxels Reachable(const Voxels& traversable, const std::array<double, 3>& start)
+Voxels Reachable(const Voxels& traversable, const Triple& start)
 {
     const std::int64_t lod = traversable.FinestLOD();
     const Voxels barriers = Invert(ExpandAlongZ(traversable, 1, 1, std::nullopt, false));
-    const Voxels filled = FillFromPoint(barriers, traversable.AxesRef().FromWorldCoordinates(start));
+    const Voxels filled = FillFromPoint(barriers, traversable.AxesRef().VoxelCenter(start, lod));
     const Voxels reached = Subtract(filled, barriers, lod, false);
-    if (IsEmpty(reached, lod)) throw std::runtime_error("Nobody can stand at the point that --from gives.");
     return Intersect({&traversable, &reached}, lod, false);
 }
 
 void RunWalkable(const Options& options)
 {
+    const std::int64_t lod = options.grid.lod;
     const Axes axes = MakeAxes(options.grid);
-    const std::int64_t diameter = ToVoxels(options.person.diameter, axes.WorldVoxelWidth(options.grid.lod), "diameter");
-    const std::int64_t height = ToVoxels(options.person.height, axes.WorldVoxelHeight(), "height");
+    const Body body = BodyOf(options, axes);
+    FormatOf(options.output);
     RequireOutputFolder(options.output);
 
-    // Triangles are skins: what they enclose, the inside of walls, is solid, too.
-    Voxels solid = FillEnclosedRegions(VoxelizeInput(options.grid));
+    Voxels solid = SolidWithHeadroom(VoxelizeInput(options.grid), body);
     const Stopwatch watch;
-    Voxels traversable = PathModel(solid, options.grid.lod, diameter, height, false).TraversableVoxels();
-    PrintStep("walkable", std::to_string(CountFilled(traversable, options.grid.lod)) + " voxels for a person of " +
-                              std::to_string(diameter) + " x " + std::to_string(height) + " voxels " + watch.Text());
+    Voxels traversable = PathModel(solid, lod, body.diameter, body.height, false).TraversableVoxels();
+    PrintStep("walkable", std::to_string(CountFilled(traversable, lod)) + " voxels for a person of " +
+                              std::to_string(body.diameter) + " x " + std::to_string(body.height) + " voxels " + watch.Text());
     if (!options.start.empty()) {
-        traversable = Reachable(traversable, {options.start[0], options.start[1], options.start[2]});
-        PrintStep("reachable", std::to_string(CountFilled(traversable, options.grid.lod)) + " of them from the given point");
+        const std::array point{options.start[0], options.start[1], options.start[2]};
+        traversable = Reachable(traversable, StandingVoxel(solid, traversable, point, body.height));
+        PrintStep("reachable", std::to_string(CountFilled(traversable, lod)) + " of them from the given point");
     }
-    Voxels ground = PathModel(solid, options.grid.lod, 1, 2, false).TraversableVoxels();
+    const std::vector<Storey> storeys = StoreysOf(traversable, body, options);
+    const Box box = FilledBox(solid, lod);
+    const std::int64_t scale = options.scale > 0 ? options.scale : ScaleForSize(axes, lod, box, 600);
+    Page page = MakePage("Where a person can walk", axes, options, scale);
+    Voxels ground = PathModel(solid, lod, 1, 2, false).TraversableVoxels();
     const Walk walk{std::move(solid), std::move(traversable), std::move(ground)};
-    std::vector<Picture> pictures;
-    for (const double floor : options.floors) pictures.push_back(DrawStorey(walk, floor, options));
-    const Picture picture = SideBySide(pictures, 24);
-    picture.SavePng(options.output);
-    PrintStep("picture", options.output.string() + ": " + std::to_string(picture.Width()) + " x " +
-                             std::to_string(picture.Height()) + " pixels; green: the floor, orange: stairs and other heights, " +
-                             "red: no room, grey: things, black: walls");
+    page.sections.push_back(DrawSection(walk, storeys, box, scale, options));
+    SavePage(options.output, page);
 }
 
 } // namespace
@@ -94,9 +147,9 @@ void AddWalkableCommand(CLI::App& program)
 {
     const auto options = std::make_shared<Options>();
     CLI::App& command = *program.add_subcommand("walkable", "Draw where a person can stand and walk in an STL file");
-    AddStoreyOptions(command, *options, "Show only what can be reached from this point on the ground [all]", false);
+    AddStoreyOptions(command, *options, "Show only what can be reached from this point [all]", false);
     command.footer("A person climbs steps of one voxel: choose voxels as high as a step, with --vertical-lod.\n"
-                   "Example: brix walkable house.stl -w 3.2 --lod 5 --vertical-lod 4 --floor 0 --floor 3 -o walkable.png");
+                   "Example: brix walkable house.stl -w 3.2 --lod 5 --vertical-lod 4 --from -1 5 0.1 --unit m -o walkable.png");
     command.callback([options] { RunWalkable(*options); });
 }
 
