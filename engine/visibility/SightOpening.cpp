@@ -61,13 +61,6 @@ double NarrowAngle(double degrees) { return degrees > 180 ? 360 - degrees : degr
 
 SineAndCosine OfHalf(double degrees) { return SineAndCosineOfDegrees(degrees / 2); }
 
-// No view is so narrow that the tolerance would reach around it.
-SineAndCosine OfHalfView(double degrees)
-{
-    const auto [sine, cosine] = OfHalf(degrees);
-    return {std::max(sine, 0x1p-38), cosine};
-}
-
 double TangentOf(const SineAndCosine& angle) { return angle.sine / angle.cosine; }
 
 // sin^2 of half an angle of up to 90 degrees. The two fractions that half an angle of whole degrees may have, 1/4 and 1/2, are
@@ -220,10 +213,7 @@ struct SightPyramid::Shape
     SineAndCosine horizontal, vertical;
 
     Shape(const Triple& direction, double horizontalDegrees, double verticalDegrees)
-        : forward(Unit(direction)),
-          right{1, 0, 0},
-          horizontal(OfHalfView(horizontalDegrees)),
-          vertical(OfHalfView(verticalDegrees))
+        : forward(Unit(direction)), right{1, 0, 0}, horizontal(OfHalf(horizontalDegrees)), vertical(OfHalf(verticalDegrees))
     {
         if (direction[0] != 0 || direction[1] != 0) {
             const Vector level = Unit({direction[0], direction[1], 0});

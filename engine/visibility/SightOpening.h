@@ -82,8 +82,8 @@ private:
 
 /// A camera's view: the directions d in front, within half of each angle to the right and left, and above and below. Both angles
 /// are greater than 0 and less than 180 degrees. Up is the frame's Z made perpendicular to the direction; the frame's Y, where
-/// that is vertical. What misses a side by less than 2^-40 of its offset (the sum along the axes) lies within; no view is
-/// narrower than 2^-38 to either side. Normals of the sides have 62 bits, so that 96 hold their products with offsets.
+/// that is vertical. What misses a side by less than 2^-40 of its offset (the sum along the axes) lies within. Normals of the
+/// sides have 62 bits, so that 96 hold their products with offsets.
 class SightPyramid : public SightOpening
 {
 public:
