@@ -15,7 +15,7 @@
 
 namespace brix::tools {
 
-inline constexpr Colour Things{168, 172, 182};
+inline constexpr Colour Things{116, 121, 134};
 inline constexpr Colour NoWay{222, 218, 208};
 
 /// What every command that draws storeys is told. A person's lengths are those of an adult when they are not given.

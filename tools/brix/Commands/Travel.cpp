@@ -25,7 +25,7 @@ namespace {
 using Voxels = VoxelModel<bool>;
 
 constexpr Colour Seen{244, 190, 66};
-constexpr Colour Unseen{140, 152, 174};
+constexpr Colour Unseen{186, 198, 218};
 constexpr Colour Way{213, 64, 0};
 
 struct Options : StoreyOptions
