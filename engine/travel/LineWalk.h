@@ -46,6 +46,7 @@ public:
         const std::int64_t order = (2 * stepsX_ + 1) * sizeY_ - (2 * stepsY_ + 1) * sizeX_;
         stepsX_ += order <= 0;
         stepsY_ += order >= 0;
+        order_ = order;
         if (order != 0) {
             here_ = Beside(here_, order < 0 ? alongX_ : alongY_);
         } else {
@@ -54,6 +55,10 @@ public:
         }
         return here_ != TraversableGraph::None;
     }
+
+    /// Whether the last step led through a corner of squares; else where it led, there or not.
+    bool IsAtCorner() const { return order_ == 0; }
+    TraversableGraph::Direction Heading() const { return order_ < 0 ? alongX_ : alongY_; }
 
     /// Whether the voxel lies at most one above or below the line.
     bool IsNearLine() const { return std::abs((graph_.Z(here_) - fromZ_) * Length() - rise_ * Steps()) <= Length(); }
@@ -92,6 +97,7 @@ private:
     std::int64_t sizeY_;
     std::int64_t stepsX_ = 0;
     std::int64_t stepsY_ = 0;
+    std::int64_t order_ = 0; // of the borders that the last step crossed: negative across x, positive across y
     TraversableGraph::Direction alongX_;
     TraversableGraph::Direction alongY_;
 };

@@ -32,6 +32,15 @@ SightDirection Next(const SightDirection& direction, Step step)
             direction.y + 2 * ((step == TraversableGraph::North) - (step == TraversableGraph::South))};
 }
 
+bool IsMainlyX(const SightDirection& line) { return std::abs(line.x) >= std::abs(line.y); }
+
+Sight LevelSight()
+{
+    Sight sight;
+    sight.isLevel = true;
+    return sight;
+}
+
 SightSide OtherSide(SightSide side) { return side == Left ? Right : Left; }
 
 void Tighten(Sight& sight, SightSide side, const SightDirection& limit, bool isKnown)
@@ -54,61 +63,75 @@ SightDirection Corner(const SightDirection& centre, SightSide side)
 
 } // namespace
 
-bool SightLines::Sees(Index bend, Index voxel, Sight& sight) const
+bool SightLines::Sees(Index bend, Index voxel, Sight& sight)
 {
     if (IsAtHeight(bend, voxel)) {
-        if (IsBetweenSeen(bend, voxel, sight)) return true;
-        const View view = LevelView(bend, voxel, sight);
-        if (view != View::Unknown) return view == View::Clear;
+        const SightDirection line = DirectionOf(bend, voxel);
+        const Pair before = PairBefore(bend, voxel, line);
+        const View view = ViewBetween(line, before);
+        if (view == View::Clear) {
+            sight = LevelSight();
+            TakeLimits(sight, before, bend);
+            LimitBesides(sight, voxel, bend, line);
+            return true;
+        }
+        if (view == View::Hidden) CastShadow(bend, voxel, ShadowBehind(bend, before, line));
+        if (view == View::Hidden || IsInShadow(bend, voxel, line, before)) return false;
+        const View walked = LevelView(bend, voxel, sight);
+        if (walked != View::Unknown) return walked == View::Clear;
     }
     sight = Sight{};
     const LineWalk walk(graph_, voxel, bend);
     return walk.Length() <= UnevenReach && IsStraightPiece(graph_, voxel, bend);
 }
 
-// Whether the line passes between two voxels in sight in the column before (or through one): mostly so, and soonest told. What is
-// not told here, LevelView() finds out.
-bool SightLines::IsBetweenSeen(Index bend, Index voxel, Sight& sight) const
+// The two voxels that the line passes between in the column before, or the one that it passes through: nobody where it runs along
+// a diagonal. Mostly both are in sight, and soonest asked.
+SightLines::Pair SightLines::PairBefore(Index bend, Index voxel, const SightDirection& line) const
 {
-    const SightDirection line = DirectionOf(bend, voxel);
+    constexpr Pair nobody{TraversableGraph::None, TraversableGraph::None, false, false};
     const std::int32_t x = std::abs(line.x);
     const std::int32_t y = std::abs(line.y);
-    if (x == y) return false;
+    if (x == y) return nobody;
     const Step alongX = line.x > 0 ? TraversableGraph::West : TraversableGraph::East; // back to the bend
     const Step alongY = line.y > 0 ? TraversableGraph::South : TraversableGraph::North;
-    const Index one = graph_.Beside(voxel, x > y ? alongX : alongY, graph_.Z(voxel));
-    if (one == TraversableGraph::None || !IsInLevelSight(bend, one)) return false;
-    Index other = one;
-    if (x != 0 && y != 0) {
-        other = graph_.Beside(one, x > y ? alongY : alongX, graph_.Z(voxel));
-        if (other == TraversableGraph::None || !IsInLevelSight(bend, other)) return false;
-    }
+    const std::int32_t z = graph_.Z(voxel);
+    const Index one = graph_.Beside(voxel, x > y ? alongX : alongY, z);
+    if (one == TraversableGraph::None || graph_.Z(one) != z) return nobody;
+    const bool seesOne = IsInLevelSight(bend, one);
+    if (x == 0 || y == 0) return {one, one, seesOne, seesOne};
+    Index other = graph_.Beside(one, x > y ? alongY : alongX, z);
+    if (other != TraversableGraph::None && graph_.Z(other) != z) other = TraversableGraph::None;
+    const bool seesOther = other != TraversableGraph::None && IsInLevelSight(bend, other);
     const bool isOneLeft = ((line.x > 0) == (line.y > 0)) == (x > y); // `other` is nearer to the axis
-    sight = Sight{};
-    sight.isLevel = true;
-    TakeLimits(sight, isOneLeft ? Pair{one, other, true, true} : Pair{other, one, true, true}, bend);
-    LimitBesides(sight, voxel, line);
-    return true;
+    return isOneLeft ? Pair{one, other, seesOne, seesOther} : Pair{other, one, seesOther, seesOne};
 }
 
 // Walks from the voxel towards the bend until it is known whether the rest of the line is free.
-SightLines::View SightLines::LevelView(Index bend, Index voxel, Sight& sight) const
+SightLines::View SightLines::LevelView(Index bend, Index voxel, Sight& sight)
 {
     const SightDirection line = DirectionOf(bend, voxel);
     LineWalk walk(graph_, voxel, bend);
     if (walk.IsInLastColumn()) return View::Unknown; // one above the other
-    sight = Sight{};
-    sight.isLevel = true;
+    sight = LevelSight();
+    const std::array<Step, 2> besides{Beside(line, Left), Beside(line, Right)};
     std::int64_t steps = 0;
     for (;;) {
-        if (!walk.Advance()) return View::Hidden;
+        const Index last = walk.Here();
+        if (!walk.Advance()) {
+            if (!walk.IsAtCorner()) CastShadow(bend, voxel, ShadowOf(Next(DirectionOf(bend, last), walk.Heading()), line));
+            return View::Hidden;
+        }
         if (!IsAtHeight(walk.Here(), bend)) return View::Unknown;
         if (walk.IsInLastColumn()) break;
         if (walk.Steps() != steps) { // not a step across the main axis
             steps = walk.Steps();
             const Pair pair = PairAt(walk, bend, line);
             const View view = ViewBetween(line, pair);
-            if (view == View::Hidden) return view;
+            if (view == View::Hidden) {
+                CastShadow(bend, voxel, ShadowBehind(bend, pair, line));
+                return view;
+            }
             if (view == View::Clear) {
                 TakeLimits(sight, pair, bend);
                 break;
@@ -119,10 +142,9 @@ SightLines::View SightLines::LevelView(Index bend, Index voxel, Sight& sight) co
                 if (known == View::Clear) break;
             }
         }
-        for (const SightSide side : {Left, Right})
-            LimitBeside(sight, side, walk.Here(), DirectionOf(bend, walk.Here()), Beside(line, side));
+        for (const SightSide side : {Left, Right}) LimitBeside(sight, side, walk.Here(), bend, besides[side]);
     }
-    LimitBesides(sight, voxel, line);
+    LimitBesides(sight, voxel, bend, line);
     return View::Clear;
 }
 
@@ -179,6 +201,60 @@ SightDirection SightLines::DirectionOf(Index bend, Index voxel) const
     return {2 * (graph_.X(voxel) - graph_.X(bend)), 2 * (graph_.Y(voxel) - graph_.Y(bend))};
 }
 
+// The shadow of a square without ground at the bend's height or one voxel off it.
+SightLines::Shadow SightLines::ShadowOf(const SightDirection& square, const SightDirection& line)
+{
+    const bool isMainlyX = IsMainlyX(line);
+    return {TraversableGraph::None,
+            TraversableGraph::None,
+            Corner(square, Left),
+            Corner(square, Right),
+            std::abs(isMainlyX ? square.x : square.y),
+            isMainlyX};
+}
+
+// The shadow that hides one of two voxels, as the other one knows it.
+SightLines::Shadow SightLines::ShadowBehind(Index bend, const Pair& pair, const SightDirection& line) const
+{
+    const Index seen = pair.seesLeft ? pair.left : pair.right;
+    const Index hidden = pair.seesLeft ? pair.right : pair.left;
+    const SightDirection& limit = labels_[seen].sight.limits[pair.seesLeft ? Right : Left];
+    const SightDirection end = hidden == TraversableGraph::None ? line : DirectionOf(bend, hidden);
+    const SightDirection at = DirectionOf(bend, seen);
+    const bool isMainlyX = IsMainlyX(line);
+    return {TraversableGraph::None,
+            TraversableGraph::None,
+            pair.seesLeft ? end : limit,
+            pair.seesLeft ? limit : end,
+            std::abs(isMainlyX ? at.x : at.y),
+            isMainlyX};
+}
+
+void SightLines::CastShadow(Index bend, Index voxel, Shadow shadow)
+{
+    shadow.bend = bend;
+    shadow.voxel = voxel;
+    ShadowAt(voxel) = shadow;
+}
+
+// Whether the voxel is known to be hidden: from an earlier question, or because a voxel before it is and so is the line.
+bool SightLines::IsInShadow(Index bend, Index voxel, const SightDirection& line, const Pair& before)
+{
+    const Shadow& own = ShadowAt(voxel);
+    if (own.voxel == voxel && own.bend == bend) return true;
+    const bool isMainlyX = IsMainlyX(line);
+    const std::int32_t depth = std::abs(isMainlyX ? line.x : line.y);
+    for (const Index other : {before.left, before.right}) {
+        if (other == TraversableGraph::None) continue;
+        const Shadow shadow = ShadowAt(other);
+        if (shadow.voxel != other || shadow.bend != bend || shadow.isMainlyX != isMainlyX || depth <= shadow.depth) continue;
+        if (!IsBeyond(line, Left, shadow.right) || !IsBeyond(line, Right, shadow.left)) continue;
+        CastShadow(bend, voxel, shadow);
+        return true;
+    }
+    return false;
+}
+
 // What limits sight on a side behind two voxels, at least one of them in sight.
 void SightLines::TakeLimits(Sight& sight, const Pair& pair, Index bend) const
 {
@@ -192,11 +268,11 @@ void SightLines::TakeLimits(Sight& sight, const Pair& pair, Index bend) const
 }
 
 // A limit counts as far as the next voxels to both sides.
-void SightLines::LimitBesides(Sight& sight, Index voxel, const SightDirection& line) const
+void SightLines::LimitBesides(Sight& sight, Index voxel, Index bend, const SightDirection& line) const
 {
     for (const SightSide side : {Left, Right}) {
         const Step beside = Beside(line, side);
-        LimitBeside(sight, side, voxel, line, beside);
+        LimitBeside(sight, side, voxel, bend, beside);
         if (IsBeyond(Next(line, beside), side, sight.limits[side])) continue;
         sight.limits[side] = {};
         sight.isKnown[side] = true;
@@ -204,11 +280,11 @@ void SightLines::LimitBesides(Sight& sight, Index voxel, const SightDirection& l
 }
 
 // Where the next voxel to a side is no level ground, it limits sight.
-void SightLines::LimitBeside(Sight& sight, SightSide side, Index voxel, const SightDirection& line, Step beside) const
+void SightLines::LimitBeside(Sight& sight, SightSide side, Index voxel, Index bend, Step beside) const
 {
     const Index next = graph_.Beside(voxel, beside, graph_.Z(voxel));
     if (next != TraversableGraph::None && IsAtHeight(next, voxel)) return;
-    Tighten(sight, side, Corner(Next(line, beside), side), next == TraversableGraph::None);
+    Tighten(sight, side, Corner(Next(DirectionOf(bend, voxel), beside), side), next == TraversableGraph::None);
 }
 
 } // namespace brix

@@ -52,11 +52,13 @@ public:
     using Index = TraversableGraph::Index;
 
     /// Both must outlive it. Labels change meanwhile: what they tell of sight must be true whenever a question is asked.
-    SightLines(const TraversableGraph& graph, const std::vector<TravelLabel>& labels) : graph_(graph), labels_(labels) {}
+    SightLines(const TraversableGraph& graph, const std::vector<TravelLabel>& labels)
+        : graph_(graph), labels_(labels), shadows_(ShadowCount)
+    {}
 
     /// Whether a bend sees a voxel, and if so what is known of the sight. It may miss what it sees: over uneven ground at
     /// distances of more than UnevenReach columns, and behind an obstacle that level ground ends at.
-    bool Sees(Index bend, Index voxel, Sight& sight) const;
+    bool Sees(Index bend, Index voxel, Sight& sight);
 
     /// Lines over uneven ground are walked to the end. To leave out the longer ones bounds the cost, and adds nothing worth
     /// mentioning to a way, which may go straight on after a bend: half a voxel aside in 64 are 0.003 %.
@@ -76,8 +78,20 @@ private:
         bool seesLeft, seesRight;
     };
 
-    bool IsBetweenSeen(Index bend, Index voxel, Sight& sight) const;
-    View LevelView(Index bend, Index voxel, Sight& sight) const;
+    // Why a voxel is hidden from a bend: level lines of the bend between two directions end at an obstacle before they have come
+    // that far along the main axis. This hides more of the voxels behind, and needs no walk to be told again.
+    struct Shadow
+    {
+        Index voxel = TraversableGraph::None;
+        Index bend = TraversableGraph::None;
+        SightDirection right, left; // which do not belong to it
+        std::int32_t depth = 0;     // in half voxels
+        bool isMainlyX = false;
+    };
+    static constexpr std::size_t ShadowCount = 1 << 14; // the latest ones, as the front of the search moves on
+
+    Pair PairBefore(Index bend, Index voxel, const SightDirection& line) const;
+    View LevelView(Index bend, Index voxel, Sight& sight);
     View ViewBetween(const SightDirection& line, const Pair& pair) const;
     View ViewBeside(const SightDirection& line, Index seen, SightSide side) const;
     View ViewFromBeside(Index bend, Index voxel, const SightDirection& line, Sight& sight) const;
@@ -85,13 +99,18 @@ private:
     bool IsInLevelSight(Index bend, Index voxel) const;
     bool IsAtHeight(Index voxel, Index other) const { return graph_.Z(voxel) == graph_.Z(other); }
     SightDirection DirectionOf(Index bend, Index voxel) const;
-    void LimitBesides(Sight& sight, Index voxel, const SightDirection& line) const;
+    static Shadow ShadowOf(const SightDirection& square, const SightDirection& line);
+    Shadow ShadowBehind(Index bend, const Pair& pair, const SightDirection& line) const;
+    Shadow& ShadowAt(Index voxel) { return shadows_[voxel * 2654435761U >> 18]; } // multiplied by 2^32 / 1.618...
+    void CastShadow(Index bend, Index voxel, Shadow shadow);
+    bool IsInShadow(Index bend, Index voxel, const SightDirection& line, const Pair& before);
+    void LimitBesides(Sight& sight, Index voxel, Index bend, const SightDirection& line) const;
     void TakeLimits(Sight& sight, const Pair& pair, Index bend) const;
-    void LimitBeside(Sight& sight, SightSide side, Index voxel, const SightDirection& line,
-                     TraversableGraph::Direction beside) const;
+    void LimitBeside(Sight& sight, SightSide side, Index voxel, Index bend, TraversableGraph::Direction beside) const;
 
     const TraversableGraph& graph_;
     const std::vector<TravelLabel>& labels_;
+    std::vector<Shadow> shadows_;
 };
 
 } // namespace brix
