@@ -51,20 +51,24 @@ DistanceField::DistanceField(const PathModel& pathModel, const std::vector<std::
     search.Run(grounds, static_cast<double>(maxDistance));
     TakeLabels(search.Labels(), maxDistance);
     farthest_ = *std::min_element(grounds.begin(), grounds.end());
+    std::int64_t farthest = Rounded(farthest_);
     for (Index voxel = 0; voxel < graph_.Size(); ++voxel) {
-        if (IsReached(voxel) && Rounded(voxel) > Rounded(farthest_)) farthest_ = voxel;
+        if (!IsReached(voxel) || Rounded(voxel) <= farthest) continue;
+        farthest_ = voxel;
+        farthest = Rounded(voxel);
     }
 }
 
 // A limit cuts distances as they are told.
 void DistanceField::TakeLabels(const std::vector<TravelLabel>& labels, std::int64_t maxDistance)
 {
-    distances_.resize(labels.size());
-    bends_.resize(labels.size(), TraversableGraph::None);
-    for (Index voxel = 0; voxel < graph_.Size(); ++voxel) {
-        if (labels[voxel].bend == TraversableGraph::None) continue;
-        distances_[voxel] = labels[voxel].distance;
-        if (Rounded(voxel) <= maxDistance) bends_[voxel] = labels[voxel].bend;
+    distances_.reserve(labels.size());
+    bends_.reserve(labels.size());
+    for (const TravelLabel& label : labels) {
+        const bool isReached = label.bend != TraversableGraph::None;
+        distances_.push_back(isReached ? label.distance : 0);
+        bends_.push_back(isReached && Rounded(static_cast<Index>(bends_.size())) <= maxDistance ? label.bend
+                                                                                                : TraversableGraph::None);
     }
 }
 

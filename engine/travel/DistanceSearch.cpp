@@ -1,5 +1,6 @@
 #include "DistanceSearch.h"
 
+#include <bit>
 #include <cmath>
 #include <limits>
 
@@ -21,12 +22,12 @@ DistanceSearch::DistanceSearch(const TraversableGraph& graph)
       squareWidth_(Square(VoxelSpacing(graph.ExtentsRef().VoxelLOD()))),
       squareHeight_(Square(VoxelSpacing(graph.ExtentsRef().AxesRef().VerticalLOD()))),
       bucketWidth_(std::sqrt(squareWidth_) / 2),
+      bucketsPerUnit_(1 / bucketWidth_),
       margin_(2 * std::sqrt(2 * squareWidth_ + squareHeight_)),
       labels_(graph.Size(), TravelLabel{std::numeric_limits<double>::infinity(), TraversableGraph::None, {}}),
       sightLines_(graph, labels_),
-      families_(graph.Size()),
       isExpanded_(graph.Size(), 0),
-      buckets_(static_cast<std::size_t>(margin_ / 2 / bucketWidth_) + 3)
+      buckets_(std::bit_ceil(static_cast<std::size_t>(margin_ / 2 / bucketWidth_) + 3))
 {}
 
 // After the margin above the limit nothing within it changes any more: Settle() sees to that.
@@ -38,7 +39,7 @@ void DistanceSearch::Run(const std::vector<Index>& sources, double maxDistance)
     }
     std::size_t emptyInARow = 0;
     for (current_ = 0; emptyInARow < buckets_.size() && Front() <= maxDistance + 1 + margin_; ++current_) {
-        std::vector<Index>& bucket = buckets_[static_cast<std::size_t>(current_) % buckets_.size()];
+        std::vector<Index>& bucket = BucketAt(current_);
         emptyInARow = bucket.empty() ? emptyInARow + 1 : 0;
         for (std::size_t i = 0; i < bucket.size(); ++i) {
             const Index voxel = bucket[i];
@@ -52,8 +53,9 @@ void DistanceSearch::Expand(Index voxel)
 {
     Straighten(voxel);
     isExpanded_[voxel] = 1;
+    const Index bend = labels_[voxel].bend;
     graph_.ForEachStep(voxel, [&](Index to) {
-        if (labels_[to].bend != labels_[voxel].bend) Offer(voxel, to);
+        if (labels_[to].bend != bend) Offer(voxel, to);
     });
 }
 
@@ -103,18 +105,19 @@ void DistanceSearch::Offer(Index from, Index to)
 bool DistanceSearch::Settle(Index voxel, double distance, Index bend, const Sight& sight)
 {
     if (distance < Front() - margin_) return false;
-    Release(voxel);
+    const bool isNew = labels_[voxel].bend == TraversableGraph::None;
+    if (!isNew) Release(voxel);
     labels_[voxel] = {distance, bend, sight};
     Adopt(bend, voxel);
     Wait(voxel);
-    ShortenChildren(voxel);
+    if (!isNew) ShortenChildren(voxel);
     return true;
 }
 
 // Carries a shorter distance on to all whose ways bend at a voxel.
 void DistanceSearch::ShortenChildren(Index voxel)
 {
-    if (families_[voxel].first == TraversableGraph::None) return;
+    if (families_.empty() || families_[voxel].first == TraversableGraph::None) return;
     std::vector<Index> waiting{voxel};
     while (!waiting.empty()) {
         const Index bend = waiting.back();
@@ -130,6 +133,7 @@ void DistanceSearch::ShortenChildren(Index voxel)
 void DistanceSearch::Adopt(Index bend, Index child)
 {
     if (IsSource(bend)) return;
+    if (families_.empty()) families_.resize(graph_.Size()); // open floor does without
     const Index next = families_[bend].first;
     families_[child].next = next;
     families_[child].previous = bend;
@@ -139,6 +143,7 @@ void DistanceSearch::Adopt(Index bend, Index child)
 
 void DistanceSearch::Release(Index child)
 {
+    if (families_.empty()) return;
     const auto [first, next, previous] = families_[child];
     if (previous == TraversableGraph::None) return;
     const bool isFirst = families_[previous].first == child;
@@ -151,8 +156,7 @@ void DistanceSearch::Release(Index child)
 void DistanceSearch::Wait(Index voxel)
 {
     isExpanded_[voxel] = 0;
-    const auto number = std::max(current_, static_cast<std::int64_t>(labels_[voxel].distance / bucketWidth_));
-    buckets_[static_cast<std::size_t>(number) % buckets_.size()].push_back(voxel);
+    BucketAt(std::max(current_, static_cast<std::int64_t>(labels_[voxel].distance * bucketsPerUnit_))).push_back(voxel);
 }
 
 double DistanceSearch::Length(Index a, Index b) const

@@ -42,18 +42,23 @@ private:
     void Release(Index child);
     void Wait(Index voxel);
     bool IsSource(Index voxel) const { return labels_[voxel].bend == voxel; }
+    std::vector<Index>& BucketAt(std::int64_t number)
+    {
+        return buckets_[static_cast<std::size_t>(number) & (buckets_.size() - 1)];
+    }
     double Front() const { return static_cast<double>(current_) * bucketWidth_; }
     double Length(Index a, Index b) const;
 
     const TraversableGraph& graph_;
     double squareWidth_, squareHeight_; // of a voxel
     double bucketWidth_;
+    double bucketsPerUnit_;
     double margin_;
     std::vector<TravelLabel> labels_;
     SightLines sightLines_;
-    std::vector<Family> families_;
+    std::vector<Family> families_; // none as long as all ways bend at sources
     std::vector<std::uint8_t> isExpanded_;
-    std::vector<std::vector<Index>> buckets_; // a ring: no step is longer than the ring
+    std::vector<std::vector<Index>> buckets_; // a ring, a power of two long: no step is longer than the ring
     std::int64_t current_ = 0;                // number of the bucket at work, counted without the ring
 };
 

@@ -14,15 +14,18 @@ bool IsDirection(const SightDirection& direction) { return direction.x != 0 || d
 
 using Step = TraversableGraph::Direction;
 
-// The way to the next voxel to a side of a line from the bend: across the main axis, from a diagonal towards the nearer axis.
-Step Beside(const SightDirection& line, SightSide turn)
+Step Towards(std::int32_t x, Step positive) { return x > 0 ? positive : TraversableGraph::Opposite(positive); }
+
+// The ways to the next voxels to both sides of a line from the bend: across the main axis, from a diagonal towards the nearer axis.
+std::array<Step, 2> Besides(const SightDirection& line)
 {
-    const SightDirection side = turn == Left ? SightDirection{-line.y, line.x} : SightDirection{line.y, -line.x};
     const std::int32_t x = std::abs(line.x);
     const std::int32_t y = std::abs(line.y);
-    const bool isAlongX = x < y || (x == y && (side.x < 0) == (line.x > 0));
-    if (isAlongX) return side.x > 0 ? TraversableGraph::East : TraversableGraph::West;
-    return side.y > 0 ? TraversableGraph::North : TraversableGraph::South;
+    const Step leftAlongX = Towards(-line.y, TraversableGraph::East);
+    const Step leftAlongY = Towards(line.x, TraversableGraph::North);
+    const bool isLeftAlongX = x < y || (x == y && leftAlongX != Towards(line.x, TraversableGraph::East));
+    const bool isRightAlongX = x < y || (x == y && !isLeftAlongX);
+    return {isLeftAlongX ? leftAlongX : leftAlongY, TraversableGraph::Opposite(isRightAlongX ? leftAlongX : leftAlongY)};
 }
 
 // One step on, in half voxels.
@@ -114,7 +117,7 @@ SightLines::View SightLines::LevelView(Index bend, Index voxel, Sight& sight)
     LineWalk walk(graph_, voxel, bend);
     if (walk.IsInLastColumn()) return View::Unknown; // one above the other
     sight = LevelSight();
-    const std::array<Step, 2> besides{Beside(line, Left), Beside(line, Right)};
+    const std::array<Step, 2> besides = Besides(line);
     std::int64_t steps = 0;
     for (;;) {
         const Index last = walk.Here();
@@ -167,11 +170,12 @@ SightLines::View SightLines::ViewBeside(const SightDirection& line, Index seen, 
 // What the next voxels to both sides know of the line.
 SightLines::View SightLines::ViewFromBeside(Index bend, Index voxel, const SightDirection& line, Sight& sight) const
 {
+    const std::array<Step, 2> besides = Besides(line);
     for (const SightSide side : {Left, Right}) {
-        const Step beside = Beside(line, side);
+        const Step beside = besides[side];
         const Index next = graph_.Beside(voxel, beside, graph_.Z(voxel));
         if (next == TraversableGraph::None || !IsInLevelSight(bend, next)) continue;
-        if (Beside(Next(line, beside), OtherSide(side)) != TraversableGraph::Opposite(beside)) continue;
+        if (Besides(Next(line, beside))[OtherSide(side)] != TraversableGraph::Opposite(beside)) continue;
         const View view = ViewBeside(line, next, OtherSide(side));
         if (view == View::Clear) Tighten(sight, OtherSide(side), line, false); // nothing is known there
         if (view != View::Unknown) return view;
@@ -270,10 +274,10 @@ void SightLines::TakeLimits(Sight& sight, const Pair& pair, Index bend) const
 // A limit counts as far as the next voxels to both sides.
 void SightLines::LimitBesides(Sight& sight, Index voxel, Index bend, const SightDirection& line) const
 {
+    const std::array<Step, 2> besides = Besides(line);
     for (const SightSide side : {Left, Right}) {
-        const Step beside = Beside(line, side);
-        LimitBeside(sight, side, voxel, bend, beside);
-        if (IsBeyond(Next(line, beside), side, sight.limits[side])) continue;
+        LimitBeside(sight, side, voxel, bend, besides[side]);
+        if (!IsDirection(sight.limits[side]) || IsBeyond(Next(line, besides[side]), side, sight.limits[side])) continue;
         sight.limits[side] = {};
         sight.isKnown[side] = true;
     }
