@@ -178,11 +178,12 @@ void AddFiles(Lines& lines, const Subject& subject)
     const WorldTriangles some(subject.triangles.begin(), subject.triangles.begin() + 500);
     for (const StlVariant variant : {StlVariant::Ascii, StlVariant::Binary}) {
         SaveTrianglesToSTL(path, some.data(), some.size(), variant, true);
-        std::ifstream file(path, std::ios::binary);
+        const bool isText = variant == StlVariant::Ascii; // whose lines end as the system's do
+        std::ifstream file(path, isText ? std::ios::in : std::ios::in | std::ios::binary);
         const std::string bytes{std::istreambuf_iterator<char>(file), {}};
         ContentHash hash;
         for (const char byte : bytes) hash.Add(std::uint64_t{static_cast<unsigned char>(byte)});
-        lines.Add(variant == StlVariant::Ascii ? "stl-ascii" : "stl-binary", hash.Value(), LoadTrianglesFromSTL(path, false));
+        lines.Add(isText ? "stl-ascii" : "stl-binary", hash.Value(), LoadTrianglesFromSTL(path, false));
     }
     fs::remove(path);
 }
@@ -345,10 +346,9 @@ int Compare(const Lines& lines, std::map<std::string, std::string> table, const 
         std::cout << name << ": " << Hexadecimal(hash) << " instead of " << (expected.empty() ? "nothing" : expected) << '\n';
     }
     for (const auto& [name, hash] : table) {
-        const auto isOf = [&](const std::string& mesh) {
-            return name.starts_with(mesh + ' ') || name.starts_with(mesh + "-turned ");
-        };
-        if (std::any_of(missing.begin(), missing.end(), isOf)) continue;
+        const std::string scene = name.substr(0, name.find(' '));
+        const std::string mesh = scene.substr(0, scene.find("-turned"));
+        if (std::find(missing.begin(), missing.end(), mesh) != missing.end()) continue;
         ++findings;
         std::cout << name << ": nothing instead of " << hash << '\n';
     }
