@@ -14,18 +14,41 @@ bool IsDirection(const SightDirection& direction) { return direction.x != 0 || d
 
 using Step = TraversableGraph::Direction;
 
-Step Towards(std::int32_t x, Step positive) { return x > 0 ? positive : TraversableGraph::Opposite(positive); }
+// What depends only on the eighth of the circle in which a line from a bend runs, or on its diagonal.
+struct Octant
+{
+    Step along, across; // back to the bend: along the main axis, and along the other one
+    bool isNearerLeft;  // of two voxels beside each other across the main axis, whether the one farther from the axis is left
+    std::array<Step, 2> besides; // the ways to the next voxels to both sides: from a diagonal towards the nearer axis
+};
 
-// The ways to the next voxels to both sides of a line from the bend: across the main axis, from a diagonal towards the nearer axis.
-std::array<Step, 2> Besides(const SightDirection& line)
+constexpr Octant MakeOctant(bool isLeftwards, bool isDownwards, std::size_t relation) // of |x| to |y|: greater, less, equal
+{
+    const Step alongX = isLeftwards ? TraversableGraph::East : TraversableGraph::West;
+    const Step alongY = isDownwards ? TraversableGraph::North : TraversableGraph::South;
+    const Step leftAlongX = isDownwards ? TraversableGraph::East : TraversableGraph::West;
+    const Step leftAlongY = isLeftwards ? TraversableGraph::South : TraversableGraph::North;
+    const bool isLeftAlongX = relation == 1 || (relation == 2 && leftAlongX == alongX);
+    const bool isRightAlongX = relation == 1 || (relation == 2 && !isLeftAlongX);
+    return {relation == 0 ? alongX : alongY,
+            relation == 0 ? alongY : alongX,
+            (isLeftwards == isDownwards) == (relation == 0),
+            {isLeftAlongX ? leftAlongX : leftAlongY, TraversableGraph::Opposite(isRightAlongX ? leftAlongX : leftAlongY)}};
+}
+
+constexpr std::array<Octant, 12> Octants = [] {
+    std::array<Octant, 12> octants{};
+    for (std::size_t i = 0; i < octants.size(); ++i) octants[i] = MakeOctant((i & 1) != 0, (i & 2) != 0, i >> 2);
+    return octants;
+}();
+
+// By a table: the front of a search runs in all directions at once, and no branch could be foreseen.
+const Octant& OctantOf(const SightDirection& line)
 {
     const std::int32_t x = std::abs(line.x);
     const std::int32_t y = std::abs(line.y);
-    const Step leftAlongX = Towards(-line.y, TraversableGraph::East);
-    const Step leftAlongY = Towards(line.x, TraversableGraph::North);
-    const bool isLeftAlongX = x < y || (x == y && leftAlongX != Towards(line.x, TraversableGraph::East));
-    const bool isRightAlongX = x < y || (x == y && !isLeftAlongX);
-    return {isLeftAlongX ? leftAlongX : leftAlongY, TraversableGraph::Opposite(isRightAlongX ? leftAlongX : leftAlongY)};
+    const std::size_t relation = static_cast<std::size_t>(x < y) + 2 * static_cast<std::size_t>(x == y);
+    return Octants[4 * relation + 2 * static_cast<std::size_t>(line.y < 0) + static_cast<std::size_t>(line.x < 0)];
 }
 
 // One step on, in half voxels.
@@ -66,6 +89,65 @@ SightDirection Corner(const SightDirection& centre, SightSide side)
 
 } // namespace
 
+inline bool SightLines::IsInLevelSight(Index bend, Index voxel) const
+{
+    return labels_[voxel].bend == bend && labels_[voxel].sight.isLevel;
+}
+
+inline SightDirection SightLines::DirectionOf(Index bend, Index voxel) const
+{
+    return {2 * (graph_.X(voxel) - graph_.X(bend)), 2 * (graph_.Y(voxel) - graph_.Y(bend))};
+}
+
+// Where the next voxel to a side is no level ground, it limits sight.
+inline void SightLines::LimitBeside(Sight& sight, SightSide side, Index voxel, Index bend, Step beside) const
+{
+    const Index next = graph_.Beside(voxel, beside, graph_.Z(voxel));
+    if (next != TraversableGraph::None && IsAtHeight(next, voxel)) return;
+    Tighten(sight, side, Corner(Next(DirectionOf(bend, voxel), beside), side), next == TraversableGraph::None);
+}
+
+// What limits sight on a side behind two voxels, at least one of them in sight.
+inline void SightLines::TakeLimits(Sight& sight, const Pair& pair, Index bend) const
+{
+    for (const SightSide side : {Left, Right}) {
+        const bool seesSide = side == Left ? pair.seesLeft : pair.seesRight;
+        const Index beside = side == Left ? pair.left : pair.right;
+        const Sight& seen = labels_[seesSide ? beside : (side == Left ? pair.right : pair.left)].sight;
+        if (IsDirection(seen.limits[side])) Tighten(sight, side, seen.limits[side], seen.isKnown[side]);
+        if (!seesSide && beside != TraversableGraph::None) Tighten(sight, side, DirectionOf(bend, beside), false);
+    }
+}
+
+// A limit counts as far as the next voxels to both sides.
+inline void SightLines::LimitBesides(Sight& sight, Index voxel, Index bend, const SightDirection& line) const
+{
+    const std::array<Step, 2> besides = OctantOf(line).besides;
+    for (const SightSide side : {Left, Right}) {
+        LimitBeside(sight, side, voxel, bend, besides[side]);
+        if (!IsDirection(sight.limits[side]) || IsBeyond(Next(line, besides[side]), side, sight.limits[side])) continue;
+        sight.limits[side] = {};
+        sight.isKnown[side] = true;
+    }
+}
+
+// The two voxels that the line passes between in the column before, or the one that it passes through: nobody where it runs along
+// a diagonal. Mostly both are in sight, and soonest asked.
+inline SightLines::Pair SightLines::PairBefore(Index bend, Index voxel, const SightDirection& line) const
+{
+    constexpr Pair nobody{TraversableGraph::None, TraversableGraph::None, false, false};
+    const Octant& octant = OctantOf(line);
+    const std::int32_t z = graph_.Z(voxel);
+    const Index one = graph_.Beside(voxel, octant.along, z);
+    if (one == TraversableGraph::None || graph_.Z(one) != z || std::abs(line.x) == std::abs(line.y)) return nobody;
+    const bool seesOne = IsInLevelSight(bend, one);
+    if (line.x == 0 || line.y == 0) return {one, one, seesOne, seesOne};
+    Index other = graph_.Beside(one, octant.across, z);
+    if (other != TraversableGraph::None && graph_.Z(other) != z) other = TraversableGraph::None;
+    const bool seesOther = other != TraversableGraph::None && IsInLevelSight(bend, other);
+    return octant.isNearerLeft ? Pair{one, other, seesOne, seesOther} : Pair{other, one, seesOther, seesOne};
+}
+
 bool SightLines::Sees(Index bend, Index voxel, Sight& sight)
 {
     if (IsAtHeight(bend, voxel)) {
@@ -88,28 +170,6 @@ bool SightLines::Sees(Index bend, Index voxel, Sight& sight)
     return walk.Length() <= UnevenReach && IsStraightPiece(graph_, voxel, bend);
 }
 
-// The two voxels that the line passes between in the column before, or the one that it passes through: nobody where it runs along
-// a diagonal. Mostly both are in sight, and soonest asked.
-SightLines::Pair SightLines::PairBefore(Index bend, Index voxel, const SightDirection& line) const
-{
-    constexpr Pair nobody{TraversableGraph::None, TraversableGraph::None, false, false};
-    const std::int32_t x = std::abs(line.x);
-    const std::int32_t y = std::abs(line.y);
-    if (x == y) return nobody;
-    const Step alongX = line.x > 0 ? TraversableGraph::West : TraversableGraph::East; // back to the bend
-    const Step alongY = line.y > 0 ? TraversableGraph::South : TraversableGraph::North;
-    const std::int32_t z = graph_.Z(voxel);
-    const Index one = graph_.Beside(voxel, x > y ? alongX : alongY, z);
-    if (one == TraversableGraph::None || graph_.Z(one) != z) return nobody;
-    const bool seesOne = IsInLevelSight(bend, one);
-    if (x == 0 || y == 0) return {one, one, seesOne, seesOne};
-    Index other = graph_.Beside(one, x > y ? alongY : alongX, z);
-    if (other != TraversableGraph::None && graph_.Z(other) != z) other = TraversableGraph::None;
-    const bool seesOther = other != TraversableGraph::None && IsInLevelSight(bend, other);
-    const bool isOneLeft = ((line.x > 0) == (line.y > 0)) == (x > y); // `other` is nearer to the axis
-    return isOneLeft ? Pair{one, other, seesOne, seesOther} : Pair{other, one, seesOther, seesOne};
-}
-
 // Walks from the voxel towards the bend until it is known whether the rest of the line is free.
 SightLines::View SightLines::LevelView(Index bend, Index voxel, Sight& sight)
 {
@@ -117,7 +177,7 @@ SightLines::View SightLines::LevelView(Index bend, Index voxel, Sight& sight)
     LineWalk walk(graph_, voxel, bend);
     if (walk.IsInLastColumn()) return View::Unknown; // one above the other
     sight = LevelSight();
-    const std::array<Step, 2> besides = Besides(line);
+    const std::array<Step, 2> besides = OctantOf(line).besides;
     std::int64_t steps = 0;
     for (;;) {
         const Index last = walk.Here();
@@ -170,12 +230,12 @@ SightLines::View SightLines::ViewBeside(const SightDirection& line, Index seen, 
 // What the next voxels to both sides know of the line.
 SightLines::View SightLines::ViewFromBeside(Index bend, Index voxel, const SightDirection& line, Sight& sight) const
 {
-    const std::array<Step, 2> besides = Besides(line);
+    const std::array<Step, 2> besides = OctantOf(line).besides;
     for (const SightSide side : {Left, Right}) {
         const Step beside = besides[side];
         const Index next = graph_.Beside(voxel, beside, graph_.Z(voxel));
         if (next == TraversableGraph::None || !IsInLevelSight(bend, next)) continue;
-        if (Besides(Next(line, beside))[OtherSide(side)] != TraversableGraph::Opposite(beside)) continue;
+        if (OctantOf(Next(line, beside)).besides[OtherSide(side)] != TraversableGraph::Opposite(beside)) continue;
         const View view = ViewBeside(line, next, OtherSide(side));
         if (view == View::Clear) Tighten(sight, OtherSide(side), line, false); // nothing is known there
         if (view != View::Unknown) return view;
@@ -193,16 +253,6 @@ SightLines::Pair SightLines::PairAt(const LineWalk& walk, Index bend, const Sigh
     const bool seesOther = other != TraversableGraph::None && IsInLevelSight(bend, other);
     if (IsBeyond(DirectionOf(bend, here), Left, line)) return {here, other, seesHere, seesOther};
     return {other, here, seesOther, seesHere};
-}
-
-bool SightLines::IsInLevelSight(Index bend, Index voxel) const
-{
-    return labels_[voxel].bend == bend && labels_[voxel].sight.isLevel;
-}
-
-SightDirection SightLines::DirectionOf(Index bend, Index voxel) const
-{
-    return {2 * (graph_.X(voxel) - graph_.X(bend)), 2 * (graph_.Y(voxel) - graph_.Y(bend))};
 }
 
 // The shadow of a square without ground at the bend's height or one voxel off it.
@@ -257,38 +307,6 @@ bool SightLines::IsInShadow(Index bend, Index voxel, const SightDirection& line,
         return true;
     }
     return false;
-}
-
-// What limits sight on a side behind two voxels, at least one of them in sight.
-void SightLines::TakeLimits(Sight& sight, const Pair& pair, Index bend) const
-{
-    for (const SightSide side : {Left, Right}) {
-        const bool seesSide = side == Left ? pair.seesLeft : pair.seesRight;
-        const Index beside = side == Left ? pair.left : pair.right;
-        const Sight& seen = labels_[seesSide ? beside : (side == Left ? pair.right : pair.left)].sight;
-        if (IsDirection(seen.limits[side])) Tighten(sight, side, seen.limits[side], seen.isKnown[side]);
-        if (!seesSide && beside != TraversableGraph::None) Tighten(sight, side, DirectionOf(bend, beside), false);
-    }
-}
-
-// A limit counts as far as the next voxels to both sides.
-void SightLines::LimitBesides(Sight& sight, Index voxel, Index bend, const SightDirection& line) const
-{
-    const std::array<Step, 2> besides = Besides(line);
-    for (const SightSide side : {Left, Right}) {
-        LimitBeside(sight, side, voxel, bend, besides[side]);
-        if (!IsDirection(sight.limits[side]) || IsBeyond(Next(line, besides[side]), side, sight.limits[side])) continue;
-        sight.limits[side] = {};
-        sight.isKnown[side] = true;
-    }
-}
-
-// Where the next voxel to a side is no level ground, it limits sight.
-void SightLines::LimitBeside(Sight& sight, SightSide side, Index voxel, Index bend, Step beside) const
-{
-    const Index next = graph_.Beside(voxel, beside, graph_.Z(voxel));
-    if (next != TraversableGraph::None && IsAtHeight(next, voxel)) return;
-    Tighten(sight, side, Corner(Next(DirectionOf(bend, voxel), beside), side), next == TraversableGraph::None);
 }
 
 } // namespace brix
