@@ -278,7 +278,7 @@ internal static unsafe class NativeMethods
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
     internal static extern int brix_invert(IntPtr model, IntPtr* result, NativeError* error);
 
-    // ---- Regions and densities (brix/operations/SpecialOperations.h) ----
+    // ---- Regions and densities (brix/operations/AutoSplit.h, DensityMap.h) ----
 
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
     internal static extern void brix_models_free(IntPtr models);
