@@ -120,6 +120,10 @@ TEST(DistanceField, CostsBendsAtCentresLessThanAWidth)
     EXPECT_GE(most, 0.8);
 }
 
+// More seeds than a test has time for, to measure what the header states.
+bool IsMeasuring() { return std::getenv("BRIX_TRAVEL_SEEDS") != nullptr; }
+std::uint64_t SeedsOf(std::uint64_t test) { return IsMeasuring() ? std::stoul(std::getenv("BRIX_TRAVEL_SEEDS")) : test; }
+
 TEST(DistanceField, IsNeverBelowTheShortestWayOfStraightPiecesAndSeldomAbove)
 {
     const struct
@@ -128,12 +132,11 @@ TEST(DistanceField, IsNeverBelowTheShortestWayOfStraightPiecesAndSeldomAbove)
         const char* name;
         double worst, mean; // of voxels at most twice as high as wide; others may jump over what costs them a long climb
     } cases[]{{Terrain::Flat, "flat", 0.02, 0.0002},
-              {Terrain::Flights, "flights", 0.04, 0.0005},
-              {Terrain::Slopes, "slopes", 0.1, 0.0005},
+              {Terrain::Flights, "flights", 0.09, 0.0005},
+              {Terrain::Slopes, "slopes", 0.15, 0.0005},
               {Terrain::Hills, "hills", 0.25, 0.003},
               {Terrain::Kerbs, "kerbs", 0.25, 0.001}};
-    const char* variable = std::getenv("BRIX_TRAVEL_SEEDS"); // more than a test has time for, to measure what the header states
-    const std::uint64_t seeds = variable != nullptr ? std::stoul(variable) : 60;
+    const std::uint64_t seeds = SeedsOf(60);
     for (const auto& [terrain, name, worst, mean] : cases) {
         Excess excess;
         Excess ofTallVoxels;
@@ -148,7 +151,7 @@ TEST(DistanceField, IsNeverBelowTheShortestWayOfStraightPiecesAndSeldomAbove)
         EXPECT_LE(excess.worst, worst) << name;
         EXPECT_LE(excess.Mean(), mean) << name;
         EXPECT_GT(excess.count, 1000) << name;
-        if (variable == nullptr) continue;
+        if (!IsMeasuring()) continue;
         for (const Excess& shape : {excess, ofTallVoxels})
             std::printf("%-8s worst %7.3f %%, mean %.4f %% of %lld\n", name, 100 * shape.worst, 100 * shape.Mean(), shape.count);
     }
@@ -279,35 +282,63 @@ VoxelModel<bool> Turned(const VoxelModel<bool>& model)
     return MakeModel(turned);
 }
 
-TEST(DistanceField, IsMostlyTheSameInTurnedScenesAndForSwappedEnds)
+// By how much distances differ, as shares: in turned scenes, and for swapped ends. Without voxels more than twice as high as wide.
+struct TurnsAndReturns
 {
-    std::vector<double> differences; // as a share
-    for (std::uint64_t seed = 200; seed < 300; ++seed) {
-        const RandomGround ground = MakeRandomGround(AllTerrains[seed % AllTerrains.size()], seed);
-        const VoxelModel<bool> turned = Turned(ground.environment);
-        const PathModel path(ground.environment, turned.FinestLOD(), 1, ground.agentHeight, true);
-        const PathModel turnedPath(turned, turned.FinestLOD(), 1, ground.agentHeight, true);
-        const std::vector<Triple> voxels = Ground(path).voxels;
-        if (voxels.empty()) continue;
-        const Triple source = AnyVoxel(path, seed);
-        const DistanceField field = FieldFrom(path, source);
+    std::vector<double> turned, back;
+
+    void Add(const RandomGround& ground)
+    {
+        const bool followsGround = ground.terrain != Terrain::Flat;
+        const VoxelModel<bool> environment = Turned(ground.environment);
+        const std::int64_t lod = environment.FinestLOD();
+        const PathModel path(ground.environment, lod, 1, ground.agentHeight, followsGround);
+        const PathModel turnedPath(environment, lod, 1, ground.agentHeight, followsGround);
+        const Triple size = ground.environment.AxesRef().VoxelSize(lod);
+        if (Ground(path).voxels.empty() || (followsGround && size[2] > 2 * size[0])) return;
+        const Triple source = AnyVoxel(path, ground.seed);
         const DistanceField turnedField = FieldFrom(turnedPath, Turned(source));
-        field.ForEachReachable([&](const Triple& voxel, std::int64_t told) {
-            const auto distance = static_cast<double>(told);
-            const std::int64_t turnedDistance = DistanceOf(turnedField, Turned(voxel));
-            const std::int64_t back = DistanceOf(FieldFrom(path, voxel), source);
-            differences.push_back(std::abs(static_cast<double>(turnedDistance) / std::max(1., distance) - 1) * (told > 0));
-            differences.push_back(std::abs(static_cast<double>(back) / std::max(1., distance) - 1) * (told > 0));
+        FieldFrom(path, source).ForEachReachable([&](const Triple& voxel, std::int64_t distance) {
+            const auto share = [&](std::int64_t other) {
+                return std::abs(static_cast<double>(other - distance)) / static_cast<double>(std::max<std::int64_t>(1, distance));
+            };
+            turned.push_back(share(DistanceOf(turnedField, Turned(voxel))));
+            back.push_back(share(DistanceOf(FieldFrom(path, voxel), source)));
         });
     }
-    std::sort(differences.begin(), differences.end());
-    const auto share = [&](double part) {
-        return differences[static_cast<std::size_t>(part * static_cast<double>(differences.size()))];
-    };
-    EXPECT_EQ(share(0.9), 0);
-    EXPECT_LE(share(0.99), 0.01);
-    EXPECT_LE(share(0.999), 0.05);
-    EXPECT_LE(differences.back(), 0.2);
+
+    static double Quantile(std::vector<double> shares, double part)
+    {
+        std::sort(shares.begin(), shares.end());
+        return shares[static_cast<std::size_t>(part * static_cast<double>(shares.size() - 1))];
+    }
+};
+
+TEST(DistanceField, IsMostlyTheSameInTurnedScenesAndForSwappedEnds)
+{
+    const struct
+    {
+        Terrain terrain;
+        const char* name;
+        double turned, back, oneInHundred; // the first two at worst
+    } cases[]{{Terrain::Flat, "flat", 0, 0.02, 0.01},
+              {Terrain::Flights, "flights", 0.01, 0.07, 0.02},
+              {Terrain::Slopes, "slopes", 0.04, 0.16, 0.01},
+              {Terrain::Hills, "hills", 0.01, 0.2, 0.04},
+              {Terrain::Kerbs, "kerbs", 0.1, 0.2, 0.03}};
+    const std::uint64_t seeds = SeedsOf(20);
+    for (const auto& [terrain, name, worstTurned, worstBack, oneInHundred] : cases) {
+        TurnsAndReturns differences;
+        for (std::uint64_t seed = 200; seed < 200 + seeds; ++seed) differences.Add(MakeRandomGround(terrain, seed));
+        EXPECT_LE(TurnsAndReturns::Quantile(differences.turned, 1), worstTurned) << name;
+        EXPECT_LE(TurnsAndReturns::Quantile(differences.back, 1), worstBack) << name;
+        for (const std::vector<double>& shares : {differences.turned, differences.back}) {
+            EXPECT_LE(TurnsAndReturns::Quantile(shares, 0.99), oneInHundred) << name;
+            if (!IsMeasuring()) continue;
+            std::printf("%-8s differ at worst %7.3f %%, one in a hundred %.3f %%, of %zu\n", name,
+                        100 * TurnsAndReturns::Quantile(shares, 1), 100 * TurnsAndReturns::Quantile(shares, 0.99), shares.size());
+        }
+    }
 }
 
 TEST(DistanceField, TakesTheGroundBelowASource)
