@@ -1,5 +1,6 @@
 #include "Canvas.h"
 
+#include "OutputFile.h"
 #include "Report.h"
 
 #include <cairo-pdf.h>
@@ -7,7 +8,6 @@
 #include <cairo.h>
 
 #include <cmath>
-#include <fstream>
 #include <numbers>
 
 namespace brix::tools {
@@ -226,9 +226,10 @@ std::string Canvas::Finish()
 
 void SavePicture(const std::filesystem::path& filePath, const std::string& content)
 {
-    std::ofstream file(filePath, std::ios::binary);
-    if (!file.write(content.data(), static_cast<std::streamsize>(content.size())).flush())
-        throw std::runtime_error("Failed to write the picture \"" + filePath.string() + "\".");
+    OutputFile file(filePath, static_cast<double>(content.size()));
+    file.Write(content);
+    file.Commit();
+    ReportFile(filePath, {{"format", std::string("picture")}, {"bytes", content.size()}});
 }
 
 } // namespace brix::tools

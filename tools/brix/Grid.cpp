@@ -1,5 +1,6 @@
 #include "Grid.h"
 
+#include "Memory.h"
 #include "Progress.h"
 #include "Report.h"
 #include "TriangleFiles.h"
@@ -14,17 +15,6 @@
 namespace brix::tools {
 namespace {
 
-// The engine judges the levels, on one voxel; its sentences become those of the program.
-void RequireLevels(const GridOptions& options)
-{
-    try {
-        VoxelModel<bool>(Extents(Axes(options.width, {}, 0, 0), {}, {}, 0), options.lod);
-        Axes(options.width, {}, 0, options.verticalLOD.value_or(options.lod));
-    } catch (const std::domain_error& error) {
-        throw UsageError(error.what());
-    }
-}
-
 std::int64_t ChunkCount(const Extents& extentsAtLevel0)
 {
     const Triple lower = ChunkOfVoxel(extentsAtLevel0.LowerIndices(), 0);
@@ -32,64 +22,64 @@ std::int64_t ChunkCount(const Extents& extentsAtLevel0)
     return (upper[0] - lower[0] + 1) * (upper[1] - lower[1] + 1) * (upper[2] - lower[2] + 1);
 }
 
-// One stack at level 0, four at level 1, and so on.
-std::int64_t StacksPerChunk(std::int64_t finestLOD) { return ((std::int64_t{4} << 2 * finestLOD) - 1) / 3; }
-
-// Triangles longer than half a chunk are quartered until they are not.
-double PieceCount(const std::vector<WorldTriangle>& triangles, double halfChunk)
+// Few voxels show nothing, and very many are seldom meant: then the file's unit may be another one than its user thinks.
+void WarnOfStrangeSize(double longestSide, double voxel)
 {
-    double pieces = 0;
-    for (const WorldTriangle& triangle : triangles) {
-        double span = 0;
-        for (std::size_t axis = 0; axis < 3; ++axis) {
-            const auto [least, greatest] = std::minmax({triangle[0][axis], triangle[1][axis], triangle[2][axis]});
-            span = std::max(span, greatest - least);
-        }
-        pieces += span > halfChunk ? std::pow(4, std::ceil(std::log2(span / halfChunk))) : 1;
-    }
-    return pieces;
+    const double count = longestSide / voxel;
+    if (count >= 16 && count <= 16384) return;
+    Warn("The model is " + Text(std::ceil(count)) +
+         " voxels long: " + (count < 16 ? "did you mean millimetres?" : "does the file hold millimetres?") +
+         " Its longest side is " + Text(longestSide) + " in the units of the file, the voxels' edge " + Text(voxel) + ".");
 }
 
-// Estimated before anything is built, so that a slip in the width is answered with numbers and not with a dead machine. What the
-// filled voxels need comes on top: it is known only afterwards, and seldom much more.
-void RequireReasonableSize(const GridOptions& options, const Extents& extents, const std::vector<WorldTriangle>& triangles)
+void PrintVoxel(const Axes& axes, const GridOptions& options, double longestSide)
 {
-    const auto chunks = static_cast<double>(ChunkCount(extents));
-    const double stacks = chunks * static_cast<double>(StacksPerChunk(options.lod));
-    const double pieces = PieceCount(triangles, 8 * options.width);
-    const double bytes = stacks * sizeof(VoxelStack<bool>) +
-                         chunks * static_cast<double>(sizeof(VoxelStore<bool>) * static_cast<std::size_t>(options.lod + 1) +
-                                                      sizeof(VoxelChunk<bool>) + sizeof(TriangleChunk)) +
-                         pieces * sizeof(LatticeTriangle);
-    if (!(bytes <= options.memoryLimit * 1e9))
-        throw std::runtime_error("The grid would need " + Text(stacks) + " stacks of 16 x 16 x 64 voxels in " + Text(chunks) +
-                                 " chunks and " + Text(pieces) + " triangle pieces, " + BytesText(bytes) +
-                                 " while still empty; the limit is " + BytesText(options.memoryLimit * 1e9) +
-                                 ". Choose a larger --width or a lower --lod, or raise --memory-limit.");
+    const double width = axes.WorldVoxelWidth(options.lod);
+    const std::array voxel{width, width, axes.WorldVoxelHeight()};
+    PrintStep("voxel",
+              Text(voxel, " x ") + " at the finest level, " + std::to_string(options.lod) + "; the model is " +
+                  Text(std::ceil(longestSide / width)) + " voxels long",
+              {{"size", voxel}, {"level", options.lod}, {"longestSide", longestSide}});
+    WarnOfStrangeSize(longestSide, width);
 }
 
 void PrintExtents(const Extents& extents)
 {
     const Triple size = Plus(Minus(extents.UpperIndices(), extents.LowerIndices()), {1, 1, 1});
-    PrintStep("extents", "(" + Text(extents.LowerIndices(), ", ") + ") to (" + Text(extents.UpperIndices(), ", ") +
-                             ") at level 0, " + Text(size, " x ") + " voxels in " + Text(ChunkCount(extents)) + " chunks");
+    PrintStep("extents",
+              "(" + Text(extents.LowerIndices(), ", ") + ") to (" + Text(extents.UpperIndices(), ", ") + ") at level 0, " +
+                  Text(size, " x ") + " voxels in " + Text(ChunkCount(extents)) + " chunks",
+              {{"lower", extents.LowerIndices()}, {"upper", extents.UpperIndices()}, {"chunks", ChunkCount(extents)}});
 }
 
 void PrintLevels(const VoxelModel<bool>& model)
 {
     const Axes& axes = model.AxesRef();
     for (std::int64_t lod = 0; lod <= model.FinestLOD(); ++lod) {
-        const std::array<double, 3> voxel{axes.WorldVoxelWidth(lod), axes.WorldVoxelWidth(lod), axes.WorldVoxelHeight()};
-        PrintStep("level " + std::to_string(lod),
-                  std::to_string(CountFilled(model, lod)) + " voxels filled, each " + Text(voxel, " x "));
+        const std::array voxel{axes.WorldVoxelWidth(lod), axes.WorldVoxelWidth(lod), axes.WorldVoxelHeight()};
+        const std::int64_t filled = CountFilled(model, lod);
+        PrintStep("level " + std::to_string(lod), std::to_string(filled) + " voxels filled, each " + Text(voxel, " x "),
+                  {{"level", lod}, {"filled", filled}, {"size", voxel}});
     }
 }
 
-VoxelModel<bool> Voxelize(const Extents& extents, std::int64_t finestLOD, const std::vector<WorldTriangle>& triangles)
+std::vector<WorldTriangle> ReadTriangles(const std::filesystem::path& filePath, bool swapYZ)
 {
-    const Progress progress("voxelizing " + std::to_string(triangles.size()) + " triangles");
+    const Stopwatch watch;
+    std::vector<WorldTriangle> triangles = LoadUsableTriangles(filePath, swapYZ);
+    PrintStep("read", filePath.string() + ": " + std::to_string(triangles.size()) + " triangles " + watch.Text(),
+              {{"file", filePath.string()}, {"triangles", triangles.size()}, {"seconds", watch.Seconds()}});
+    return triangles;
+}
+
+VoxelModel<bool> FilledModel(const Extents& extents, std::int64_t finestLOD, const std::vector<WorldTriangle>& triangles)
+{
+    Progress progress("voxelizing " + std::to_string(triangles.size()) + " triangles");
     TriangleModel triangleModel(extents);
-    triangleModel.AddWorldTriangles(triangles);
+    for (std::size_t first = 0; first < triangles.size(); first += 10'000) {
+        triangleModel.AddWorldTriangles(triangles.data() + first, std::min<std::size_t>(10'000, triangles.size() - first));
+        progress.Update(static_cast<double>(first), 2 * static_cast<double>(triangles.size())); // the other half is the filling
+    }
     VoxelModel<bool> model(extents, finestLOD);
     VoxelizeTriangleModel(model, triangleModel);
     return model;
@@ -97,49 +87,33 @@ VoxelModel<bool> Voxelize(const Extents& extents, std::int64_t finestLOD, const 
 
 } // namespace
 
-void AddGridOptions(CLI::App& command, GridOptions& options)
+Input ReadInput(const GridOptions& options)
 {
-    command.add_option("input", options.input, "STL file, ASCII or binary")->required()->type_name("IN.stl");
-    command.add_option("-w,--width", options.width, "Width of a voxel at level 0, in the units of the file")
-        ->required()
-        ->type_name("LENGTH");
-    command.add_option("--lod", options.lod, "Finest level of detail, 0..5; each halves the voxels' width")
-        ->capture_default_str();
-    command.add_option("--vertical-lod", options.verticalLOD,
-                       "Level whose voxel width is the height of all voxels, 0..5 [as --lod: finest voxels are cubes]");
-    command.add_option("--origin", options.origin, "Point that a corner of the grid lies on [0 0 0]")->type_name("X Y Z");
-    command.add_option("--rotation", options.rotation, "Turn of the grid about the Z axis, degrees counter-clockwise [0]");
-    command.add_flag("--swap-yz", options.swapYZ, "The file has its Y axis up; STL files that are written get it too");
-    command.add_option("--memory-limit", options.memoryLimit, "Refuse grids that need more than this while empty, in GB")
-        ->capture_default_str();
+    RequireGrid(options);
+    HoldMemoryLimit(options);
+    std::vector<WorldTriangle> triangles = ReadTriangles(options.input, options.swapYZ);
+    const Axes axes = MakeAxes(options, triangles);
+    PrintVoxel(axes, options, LongestSide(options, triangles));
+    return {std::move(triangles), axes};
 }
 
-Axes MakeAxes(const GridOptions& options)
+Input ReadInput(const std::filesystem::path& filePath, const Axes& axes, const GridOptions& options)
 {
-    if (!(options.width > 0) || !std::isfinite(options.width))
-        throw UsageError("The width of a voxel must be a positive number. The value encountered was " + Text(options.width) +
-                         ".");
-    for (const double number : {options.origin[0], options.origin[1], options.origin[2], options.rotation})
-        if (!std::isfinite(number)) throw UsageError("The origin and the rotation of the grid must be finite numbers.");
-    RequireLevels(options);
-    return {options.width, options.origin, options.rotation, options.verticalLOD.value_or(options.lod)};
+    return {ReadTriangles(filePath, options.swapYZ), axes};
 }
 
-VoxelModel<bool> VoxelizeInput(const GridOptions& options)
+VoxelModel<bool> Voxelize(Input input, const GridOptions& options, const std::vector<std::string>& steps)
 {
-    const Axes axes = MakeAxes(options);
-    const Stopwatch reading;
-    const std::vector<WorldTriangle> triangles = LoadUsableTriangles(options.input, options.swapYZ);
-    PrintStep("read", options.input.string() + ": " + std::to_string(triangles.size()) + " triangles " + reading.Text());
-
-    const Extents extents = DetectTriangleExtents(axes, triangles);
+    const Extents extents = DetectTriangleExtents(input.axes, input.triangles);
     PrintExtents(extents);
-    RequireReasonableSize(options, extents, triangles);
+    RequireMemoryForModel(input, extents, options, steps);
 
-    const Stopwatch filling;
-    VoxelModel<bool> model = Voxelize(extents, options.lod, triangles);
-    PrintStep("voxelize", BytesText(static_cast<double>(model.AllocatedBytes())) + " for levels 0.." +
-                              std::to_string(model.FinestLOD()) + " " + filling.Text());
+    const Stopwatch watch;
+    VoxelModel<bool> model = FilledModel(extents, options.lod, input.triangles);
+    PrintStep("voxelize",
+              BytesText(static_cast<double>(model.AllocatedBytes())) + " for levels 0.." + std::to_string(model.FinestLOD()) +
+                  " " + watch.Text(),
+              {{"bytes", model.AllocatedBytes()}, {"seconds", watch.Seconds()}});
     PrintLevels(model);
     return model;
 }

@@ -1,36 +1,28 @@
-// The common first half of commands that work on voxels: options that describe a grid, and triangles of a file filled into it.
+// The common first half of commands that work on voxels: the triangles of a file, the frame for them, and a model filled with them.
 #pragma once
 
+#include "GridOptions.h"
+
 #include <brix/model/VoxelModel.h>
-#include <brix/triangles/Triangle.h>
-
-#include <CLI/CLI.hpp>
-
-#include <optional>
 
 namespace brix::tools {
 
-struct GridOptions
+/// What a model is made of.
+struct Input
 {
-    std::filesystem::path input;
-    double width = 0;                        // of a voxel at level 0, in the file's units
-    std::int64_t lod = 4;                    // finest level
-    std::optional<std::int64_t> verticalLOD; // the finest level when not given
-    std::array<double, 3> origin{0, 0, 0};
-    double rotation = 0;    // degrees
-    double memoryLimit = 4; // GB (10^9 bytes)
-    bool swapYZ = false;
+    std::vector<WorldTriangle> triangles;
+    Axes axes;
 };
 
-/// Adds the input file and the grid's options to a command. `options` must live as long as the command.
-void AddGridOptions(CLI::App& command, GridOptions& options);
+/// Reads the input file and tells what it holds and which voxels it gets; warns when these are strangely large or small. Throws as
+/// RequireGrid, and std::runtime_error when the file cannot be read or holds nothing to fill.
+Input ReadInput(const GridOptions& options);
 
-/// The frame that the options describe. Throws UsageError for a width that is not a positive number or for levels outside 0..5.
-Axes MakeAxes(const GridOptions& options);
+/// Reads another file for a frame that is known.
+Input ReadInput(const std::filesystem::path& filePath, const Axes& axes, const GridOptions& options);
 
-/// Reads the input file, prints what it holds, fills a model with it and prints every level's count of filled voxels.
-/// Throws UsageError as MakeAxes does; std::runtime_error when the file cannot be read or holds nothing to fill, or when the grid
-/// would take more memory than the limit even while it is empty; and what the engine throws.
-VoxelModel<bool> VoxelizeInput(const GridOptions& options);
+/// Fills a model with the triangles and tells every level's count of filled voxels. Throws std::runtime_error when that, or one of the
+/// steps (names of `brix run`) that follow, would take more memory than the limit, and what the engine throws.
+VoxelModel<bool> Voxelize(Input input, const GridOptions& options, const std::vector<std::string>& steps = {});
 
 } // namespace brix::tools

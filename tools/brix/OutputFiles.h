@@ -18,8 +18,8 @@ struct SlicePosition
 /// Reads "z=0.7". Throws UsageError for anything else.
 SlicePosition ParseSlicePosition(const std::string& text);
 
-/// The slice of a level at a place. Throws std::runtime_error when the place lies outside the model.
-Slice FindSlice(const VoxelModel<bool>& model, std::int64_t lod, const SlicePosition& position, const GridOptions& grid);
+/// The slice at a place, in voxels of the extents' level. Throws std::runtime_error when the place lies outside the extents.
+Slice FindSlice(const Extents& extents, const SlicePosition& position);
 
 /// A level and the file for its voxels.
 struct LevelFile
@@ -31,8 +31,9 @@ struct LevelFile
 /// Reads "voxels.stl", which stands for the finest level, or "2=coarse.stl". Throws UsageError for a level that there is not.
 LevelFile ParseLevelFile(const std::string& text, std::int64_t finestLOD);
 
-/// Writes the voxels of a level as STL and prints what was written: boxes, or the rectangles of the surface alone.
-void SaveVoxels(const VoxelModel<bool>& model, const LevelFile& output, bool ascii, bool swapYZ);
-void SaveSurface(const VoxelModel<bool>& model, const LevelFile& output, bool ascii, bool swapYZ);
+/// Writes the voxels of a level as STL and tells what was written: boxes, or the rectangles of the surface alone. Throws
+/// std::runtime_error when that would take more memory or a larger file than the limits.
+void SaveVoxels(const VoxelModel<bool>& model, const LevelFile& output, const GridOptions& options, bool ascii);
+void SaveSurface(const VoxelModel<bool>& model, const LevelFile& output, const GridOptions& options, bool ascii);
 
 } // namespace brix::tools

@@ -1,36 +1,48 @@
 #include "Progress.h"
 
+#include "Report.h"
+
 #include <cstdio>
 
-#ifdef _WIN32
-#include <io.h>
-#else
 #include <unistd.h>
-#endif
 
 namespace brix::tools {
 namespace {
 
-bool IsErrorTerminal()
-{
-#ifdef _WIN32
-    static const bool isTerminal = _isatty(_fileno(stderr)) != 0;
-#else
-    static const bool isTerminal = isatty(STDERR_FILENO) != 0;
-#endif
-    return isTerminal;
-}
+Progress* innermost = nullptr;
 
-// Back to the line's start, and clear to its end.
-void RewriteLine(const std::string& text)
+bool IsShown()
 {
-    if (IsErrorTerminal()) std::fprintf(stderr, "\r\033[K%s", text.c_str());
+    static const bool isTerminal = isatty(STDERR_FILENO) != 0;
+    return isTerminal && !IsQuiet();
 }
 
 } // namespace
 
-Progress::Progress(const std::string& step) { RewriteLine(step + " ..."); }
+Progress::Progress(std::string step) : step_(Printable(step)), outer_(innermost)
+{
+    innermost = this;
+    Show(step_ + " ...");
+}
 
-Progress::~Progress() { RewriteLine(""); }
+Progress::~Progress()
+{
+    innermost = outer_;
+    Show(outer_ == nullptr ? "" : outer_->step_ + " ...");
+}
+
+void Progress::Update(double done, double all)
+{
+    const auto now = std::chrono::steady_clock::now();
+    if (!(all > 0) || now - shown_ < std::chrono::milliseconds(100)) return;
+    shown_ = now;
+    Show(step_ + " " + std::to_string(static_cast<int>(100 * std::min(1.0, done / all))) + " %");
+}
+
+// Back to the line's start, and clear to its end.
+void Progress::Show(const std::string& text) const
+{
+    if (IsShown()) std::fprintf(stderr, "\r\033[K%s", text.c_str());
+}
 
 } // namespace brix::tools

@@ -1,11 +1,23 @@
-// What the commands have in common: the two kinds of failure, numbers as text, and the time a step took.
+// How a command tells what it does: lines on standard output for people, or one JSON object for programs; and the two kinds of
+// failure. There is one report in the process, as there is one standard output.
 #pragma once
+
+#include "Text.h"
 
 #include <array>
 #include <chrono>
+#include <concepts>
 #include <cstdint>
+#include <filesystem>
 #include <stdexcept>
 #include <string>
+#include <utility>
+#include <variant>
+#include <vector>
+
+namespace CLI {
+class App;
+}
 
 namespace brix::tools {
 
@@ -23,30 +35,50 @@ enum ExitCode
     ExitUsage = 2
 };
 
-/// A number as text; of a floating-point number seven significant digits, as many as binary STL holds.
-std::string Text(double number);
-inline std::string Text(std::int64_t number) { return std::to_string(number); }
-
-/// Three numbers with a separator, as in "17 x 13 x 6.8".
-template <class Number> std::string Text(const std::array<Number, 3>& numbers, const std::string& separator)
+/// What a program that reads the report may want to know: names and values, in the order in which they are told.
+struct Fact
 {
-    return Text(numbers[0]) + separator + Text(numbers[1]) + separator + Text(numbers[2]);
-}
+    template <std::integral Number> Fact(Number number) : value(static_cast<std::int64_t>(number)) {}
+    template <class Value>
+    requires(!std::integral<Value>) Fact(const Value& given) : value(given) {}
 
-/// A number of bytes in a unit that leaves a readable number, as in "12.3 MB".
-std::string BytesText(double bytes);
+    std::variant<std::int64_t, double, std::string, std::array<std::int64_t, 3>, std::array<double, 3>> value;
+};
+using Facts = std::vector<std::pair<const char*, Fact>>;
 
-/// Seconds since the watch was made, as in "(0.012 s)".
+/// Adds --quiet, --verbose and --json to a command.
+void AddReportOptions(CLI::App& command);
+
+/// Tells a step that is done: a line with the step's name in a column of its own, then what it gave; and its facts.
+void PrintStep(const std::string& step, const std::string& result, const Facts& facts = {});
+
+/// The same for what only people who look closely want: the line is printed with --verbose only.
+void PrintDetail(const std::string& step, const std::string& result, const Facts& facts = {});
+
+/// Tells on standard error what may not have been meant.
+void Warn(const std::string& sentence);
+
+/// Tells a file that was written, with its size.
+void ReportFile(const std::filesystem::path& filePath, const Facts& facts = {});
+
+/// From here on, the report goes to standard error: standard output belongs to a file that is written there.
+void GiveStandardOutputAway();
+
+/// Whether progress is worth showing.
+bool IsQuiet();
+
+/// Ends the report of a command. With an empty `error` it is one that did what it was told.
+void FinishReport(const std::string& command, ExitCode code, const std::string& error);
+
+/// Seconds since the watch was made.
 class Stopwatch
 {
 public:
-    std::string Text() const;
+    double Seconds() const;
+    std::string Text() const; // as in "(0.012 s)"
 
 private:
     std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
 };
-
-/// Prints one line of a command's report to standard output: a step in a column of its own, then what it gave.
-void PrintStep(const std::string& step, const std::string& result);
 
 } // namespace brix::tools

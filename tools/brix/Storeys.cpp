@@ -1,5 +1,6 @@
 #include "Storeys.h"
 
+#include "FilePlan.h"
 #include "Report.h"
 #include "Units.h"
 
@@ -126,6 +127,17 @@ Storey Terrain(const Profile& profile)
 }
 
 } // namespace
+
+Input ReadStoreyInput(const StoreyOptions& options)
+{
+    RequireGrid(options.grid);
+    for (const auto& [length, what] : {std::pair(options.Diameter(), "diameter"), std::pair(options.Height(), "height")})
+        if (!(length > 0)) ToVoxels(0, 1, what); // which says so
+    FilePlan files;
+    files.Read(options.grid.input);
+    files.Write(options.output);
+    return ReadInput(options.grid);
+}
 
 double StoreyOptions::Diameter() const { return diameter.value_or(FromMetres(0.5, unit)); }
 double StoreyOptions::Height() const { return height.value_or(FromMetres(1.8, unit)); }

@@ -36,6 +36,9 @@ struct StoreyOptions
 /// Adds them; `startText` says what the point is for.
 void AddStoreyOptions(CLI::App& command, StoreyOptions& options, const std::string& startText, bool isStartRequired);
 
+/// Looks at the files of the options, and reads the input. Throws as FilePlan and ReadInput do.
+Input ReadStoreyInput(const StoreyOptions& options);
+
 /// A person in voxels.
 struct Body
 {

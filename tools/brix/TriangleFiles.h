@@ -1,26 +1,36 @@
-// STL files as the commands read and write them: with a progress line, and with what makes no sense refused.
+// STL files as the commands read and write them: once from start to end, with progress shown, and with what makes no sense refused.
 #pragma once
 
 #include <brix/triangles/Triangle.h>
 
+#include <cstdint>
 #include <filesystem>
 #include <vector>
 
 namespace brix::tools {
 
-/// Triangles of an STL file. Throws std::runtime_error when there are none, when coordinates are not finite, and as the reader does.
-std::vector<WorldTriangle> LoadUsableTriangles(const std::filesystem::path& input, bool swapYZ);
+/// What an STL file holds.
+struct StlContent
+{
+    std::vector<WorldTriangle> triangles;
+    bool isAscii;
+    std::int64_t bytes; // that were read
+};
 
-/// Triangles of an STL file, whatever it holds. Throws as the reader does.
-std::vector<WorldTriangle> LoadTriangles(const std::filesystem::path& input, bool swapYZ);
+/// Reads a file, a pipe, or standard input for `-`, whatever it holds. Throws std::runtime_error with the system's reason when it
+/// cannot be opened, and as the engine's reader does.
+StlContent LoadStl(const std::filesystem::path& input, bool swapYZ);
+
+/// Triangles of an STL file. Throws std::runtime_error when there are none, when coordinates are not finite, and as LoadStl does.
+std::vector<WorldTriangle> LoadUsableTriangles(const std::filesystem::path& input, bool swapYZ);
 
 /// The number of triangles with a coordinate that is infinite or not a number.
 std::size_t CountNotFinite(const std::vector<WorldTriangle>& triangles);
 
-/// Throws std::runtime_error, before work is done that could not be saved, when the folder of an output file does not exist.
-void RequireOutputFolder(const std::filesystem::path& output);
+/// The size of an STL file with so many triangles; of an ASCII file about.
+double StlBytes(double triangleCount, bool ascii);
 
-/// Writes triangles as binary or ASCII STL. Throws as the writers do.
+/// Writes triangles as binary or ASCII STL, as OutputFile does, and reports the file. Throws as the engine's writers and OutputFile do.
 void SaveTriangles(const std::filesystem::path& output, const std::vector<WorldTriangle>& triangles, bool ascii, bool swapYZ);
 
 } // namespace brix::tools

@@ -1,5 +1,9 @@
 // The command-line program brix.
 #include "Commands/Commands.h"
+#include "Documents.h"
+#include "Hints.h"
+#include "OutputFile.h"
+#include "PlainNumbers.h"
 #include "Report.h"
 
 #include <algorithm>
@@ -8,6 +12,16 @@
 
 namespace brix::tools {
 namespace {
+
+// The commands that have no commands of their own.
+std::vector<CLI::App*> Leaves(CLI::App& command)
+{
+    std::vector<CLI::App*> leaves;
+    for (CLI::App* const child : command.get_subcommands([](const CLI::App*) { return true; }))
+        for (CLI::App* const leaf : Leaves(*child)) leaves.push_back(leaf);
+    if (leaves.empty()) leaves.push_back(&command);
+    return leaves;
+}
 
 void AddCommands(CLI::App& program)
 {
@@ -21,13 +35,33 @@ void AddCommands(CLI::App& program)
     AddWalkableCommand(program);
     AddTravelCommand(program);
     AddSceneCommand(program);
+    for (CLI::App* const command : Leaves(program)) {
+        AddReportOptions(*command);
+        RequirePlainNumbers(*command);
+    }
+    program
+        .add_option_function<std::string>("--document",
+                                          [&program](const std::string& kind) { std::cout << MakeDocument(program, kind); })
+        ->group(""); // for the build
 }
 
-int Fail(std::string message, ExitCode code)
+// The command that was called, as in "scene building".
+std::string NameOf(const CLI::App& program)
+{
+    std::string name;
+    for (const CLI::App* command = &program; !command->get_subcommands().empty();) {
+        command = command->get_subcommands().front();
+        name += (name.empty() ? "" : " ") + command->get_name();
+    }
+    return name;
+}
+
+int Fail(const CLI::App& program, std::string message, ExitCode code)
 {
     std::replace(message.begin(), message.end(), '\n', ' ');
+    FinishReport(NameOf(program), code, message);
     std::cout.flush();
-    std::cerr << "brix: " << message << '\n';
+    std::cerr << "brix: " << Printable(message) << '\n';
     return code;
 }
 
@@ -35,18 +69,23 @@ int Run(CLI::App& program, int argc, char** argv)
 {
     try {
         program.parse(argc, argv);
-        if (program.get_subcommands().empty()) throw UsageError("A command is required: brix --help lists them.");
-        if (!std::cout.flush()) return Fail("Failed to write to standard output.", ExitFailure);
+        if (program.get_subcommands().empty() && program.count("--document") == 0)
+            throw UsageError("A command is required: brix --help lists them.");
+        FinishReport(NameOf(program), ExitDone, "");
+        if (!std::cout.flush()) return Fail(program, "Failed to write to standard output.", ExitFailure);
         return ExitDone;
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() == 0) return program.exit(error); // help or version was asked for
-        return Fail(std::string(error.what()) + " (brix --help tells more)", ExitUsage);
+        return Fail(program, std::string(error.what()) + " (brix --help tells more)", ExitUsage);
     } catch (const UsageError& error) {
-        return Fail(error.what(), ExitUsage);
+        return Fail(program, WithHint(error.what()), ExitUsage);
     } catch (const std::bad_alloc&) {
-        return Fail("There is not enough memory. Choose a larger --width or a lower --lod.", ExitFailure);
+        return Fail(
+            program,
+            "There is not enough memory within the limit. Choose a larger --voxel or a lower --lod, or raise --memory-limit.",
+            ExitFailure);
     } catch (const std::exception& error) {
-        return Fail(error.what(), ExitFailure);
+        return Fail(program, WithHint(error.what()), ExitFailure);
     }
 }
 
@@ -55,6 +94,7 @@ int Run(CLI::App& program, int argc, char** argv)
 
 int main(int argc, char** argv)
 {
+    brix::tools::CleanUpOnSignals();
     CLI::App program("Voxel geometry: fills grids with the triangles of STL files and draws them.", "brix");
     brix::tools::AddCommands(program);
     return brix::tools::Run(program, argc, argv);

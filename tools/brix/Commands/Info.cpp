@@ -1,22 +1,14 @@
 // brix info: what an STL file holds.
 #include "Commands.h"
 
+#include "../FilePlan.h"
 #include "../Report.h"
 #include "../TriangleFiles.h"
 
 #include <algorithm>
-#include <fstream>
 
 namespace brix::tools {
 namespace {
-
-// The reader's own rule, so that the answer tells how the file was read.
-std::string FormatOf(const std::filesystem::path& filePath)
-{
-    std::string start(5, '\0');
-    std::ifstream(filePath, std::ios::binary).read(start.data(), 5);
-    return start == "solid" || start == "SOLID" ? "ASCII STL" : "binary STL";
-}
 
 std::size_t CountDegenerate(const std::vector<WorldTriangle>& triangles)
 {
@@ -35,21 +27,29 @@ void PrintBounds(const std::vector<WorldTriangle>& triangles)
                 lower[axis] = std::min(lower[axis], corner[axis]);
                 upper[axis] = std::max(upper[axis], corner[axis]);
             }
-    PrintStep("lower", Text(lower, " "));
-    PrintStep("upper", Text(upper, " "));
-    PrintStep("size", Text(std::array{upper[0] - lower[0], upper[1] - lower[1], upper[2] - lower[2]}, " x "));
+    const std::array size{upper[0] - lower[0], upper[1] - lower[1], upper[2] - lower[2]};
+    PrintStep("lower", Text(lower, " "), {{"point", lower}});
+    PrintStep("upper", Text(upper, " "), {{"point", upper}});
+    PrintStep("size", Text(size, " x "), {{"size", size}});
 }
 
 void PrintInfo(const std::filesystem::path& input, bool swapYZ)
 {
-    const std::vector<WorldTriangle> triangles = LoadTriangles(input, swapYZ);
+    FilePlan files;
+    files.Read(input);
+    const StlContent content = LoadStl(input, swapYZ);
+    const std::vector<WorldTriangle>& triangles = content.triangles;
+    const std::string format = content.isAscii ? "ASCII STL" : "binary STL";
+    const std::size_t flat = CountDegenerate(triangles);
     const std::size_t notFinite = CountNotFinite(triangles);
-    PrintStep("file", input.string());
-    PrintStep("format", FormatOf(input));
-    if (std::filesystem::is_regular_file(input)) PrintStep("bytes", std::to_string(std::filesystem::file_size(input)));
-    PrintStep("triangles", std::to_string(triangles.size()));
-    PrintStep("flat", std::to_string(CountDegenerate(triangles)) + " triangles without area");
-    if (notFinite > 0) PrintStep("invalid", std::to_string(notFinite) + " triangles with infinite or undefined coordinates");
+    PrintStep("file", input.string(), {{"file", input.string()}});
+    PrintStep("format", format, {{"format", format}});
+    PrintStep("bytes", std::to_string(content.bytes), {{"bytes", content.bytes}});
+    PrintStep("triangles", std::to_string(triangles.size()), {{"triangles", triangles.size()}});
+    PrintStep("flat", std::to_string(flat) + " triangles without area", {{"triangles", flat}});
+    if (notFinite > 0)
+        PrintStep("invalid", std::to_string(notFinite) + " triangles with infinite or undefined coordinates",
+                  {{"triangles", notFinite}});
     if (!triangles.empty() && notFinite == 0) PrintBounds(triangles);
 }
 
@@ -64,7 +64,9 @@ void AddInfoCommand(CLI::App& program)
     };
     const auto options = std::make_shared<Options>();
     CLI::App& command = *program.add_subcommand("info", "Tell what an STL file holds: format, triangles, bounds");
-    command.add_option("input", options->input, "STL file, ASCII or binary")->required()->type_name("IN.stl");
+    command.add_option("input", options->input, "STL file, ASCII or binary; - reads standard input")
+        ->required()
+        ->type_name("IN.stl");
     command.add_flag("--swap-yz", options->swapYZ, "The file has its Y axis up; bounds are told with Z up");
     command.footer("Lengths are in the units of the file, which STL does not name.\nExample: brix info building.stl");
     command.callback([options] { PrintInfo(options->input, options->swapYZ); });

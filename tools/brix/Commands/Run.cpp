@@ -4,6 +4,8 @@
 #include "../Pipeline.h"
 #include "../Report.h"
 
+#include <brix/triangles/Voxelization.h>
+
 #include <utility>
 
 namespace brix::tools {
@@ -18,9 +20,19 @@ struct Options
 
 void RunPipeline(const Options& options)
 {
-    RequireSteps(options.steps);
-    Pipeline pipeline{options.grid, options.ascii, VoxelizeInput(options.grid)};
-    RunSteps(pipeline, options.steps);
+    RequireGrid(options.grid);
+    Plan plan{.files = {}, .lod = options.grid.lod};
+    plan.files.Read(options.grid.input);
+    const std::vector<Action> actions = ReadSteps(options.steps, plan);
+    Rehearse(actions, options.grid);
+
+    Input input = ReadInput(options.grid);
+    const Extents extents = DetectTriangleExtents(input.axes, input.triangles);
+    for (const SlicePosition& slice : plan.slices) FindSlice(extents, slice);
+    std::vector<std::string> names;
+    for (const Action& action : actions) names.push_back(action.name);
+    Pipeline pipeline{options.grid, options.ascii, Voxelize(std::move(input), options.grid, names)};
+    RunSteps(pipeline, actions);
 }
 
 } // namespace
@@ -32,10 +44,10 @@ void AddRunCommand(CLI::App& program)
     AddGridOptions(command, options->grid);
     command.add_flag("--ascii", options->ascii, "Write ASCII (six digits) instead of binary STL");
     command.add_option("steps", options->steps, "Operations, after --")->required()->type_name("-- STEP...");
-    command.footer("Steps (numbers of voxels count at the finest level, points are in the units of the file):\n" +
-                   DescribeSteps() +
-                   "Example, rooms grown by half a metre and drawn:\n"
-                   "  brix run house.stl -w 1.6 -- fill-enclosed expand-horizontally 5 write grown.stl slice z=1.2 plan.png");
+    command.footer(
+        "Steps (numbers of voxels count at the finest level, points are in the units of the file):\n" + DescribeSteps() +
+        "Example, rooms grown by half a metre and drawn:\n"
+        "  brix run house.stl --voxel 0.1 -- fill-enclosed expand-horizontally 5 write grown.stl slice z=1.2 plan.png");
     command.callback([options] { RunPipeline(*options); });
 }
 

@@ -1,6 +1,7 @@
 // brix scene: generated geometry to try things on.
 #include "Commands.h"
 
+#include "../FilePlan.h"
 #include "../Report.h"
 #include "../TriangleFiles.h"
 
@@ -16,6 +17,12 @@ struct OutputOptions
     bool ascii = false;
 };
 
+void RequireOutput(const OutputOptions& options)
+{
+    FilePlan files;
+    files.Write(options.output);
+}
+
 void AddOutputOptions(CLI::App& command, OutputOptions& options)
 {
     command.add_option("-o,--output", options.output, "STL file to write")->required()->type_name("OUT.stl");
@@ -25,7 +32,8 @@ void AddOutputOptions(CLI::App& command, OutputOptions& options)
 void SaveScene(const std::vector<WorldTriangle>& triangles, const OutputOptions& options)
 {
     SaveTriangles(options.output, triangles, options.ascii, false);
-    PrintStep("scene", options.output.string() + ": " + std::to_string(triangles.size()) + " triangles, in metres");
+    PrintStep("scene", options.output.string() + ": " + std::to_string(triangles.size()) + " triangles, in metres",
+              {{"file", options.output.string()}, {"triangles", triangles.size()}, {"unit", std::string("m")}});
 }
 
 void AddBuildingCommand(CLI::App& scene)
@@ -44,6 +52,7 @@ void AddBuildingCommand(CLI::App& scene)
         ->check(CLI::Range(1, 1000));
     command.add_flag("--empty", options->isEmpty, "Without furniture");
     command.callback([options] {
+        RequireOutput(options->output);
         options->building.furnished = !options->isEmpty;
         SaveScene(MakeBuilding(options->building), options->output);
     });
@@ -64,7 +73,10 @@ void AddCityCommand(CLI::App& scene)
         ->capture_default_str()
         ->check(CLI::Range(std::int64_t{1}, std::int64_t{20'000'000}));
     command.add_option("--seed", options->city.seed, "Start of the random numbers")->capture_default_str();
-    command.callback([options] { SaveScene(MakeCity(options->city), options->output); });
+    command.callback([options] {
+        RequireOutput(options->output);
+        SaveScene(MakeCity(options->city), options->output);
+    });
 }
 
 } // namespace

@@ -1,11 +1,13 @@
 // brix slice: pictures of slices through the voxels of an STL file.
 #include "Commands.h"
 
+#include "../FilePlan.h"
 #include "../OutputFiles.h"
 #include "../Report.h"
 #include "../SlicePage.h"
-#include "../TriangleFiles.h"
 #include "../Units.h"
+
+#include <brix/triangles/Voxelization.h>
 
 namespace brix::tools {
 namespace {
@@ -25,15 +27,20 @@ void RunSlice(const Options& options)
 {
     std::vector<SlicePosition> positions;
     for (const std::string& text : options.positions) positions.push_back(ParseSlicePosition(text));
-    MakeAxes(options.grid);
+    RequireGrid(options.grid);
     const std::int64_t lod = options.lod < 0 ? options.grid.lod : options.lod;
     if (lod > options.grid.lod) throw UsageError("The level of the slices is beyond the finest level of the model.");
     FormatOf(options.output);
-    RequireOutputFolder(options.output);
+    FilePlan files;
+    files.Read(options.grid.input);
+    files.Write(options.output);
 
-    const VoxelModel<bool> model = VoxelizeInput(options.grid);
+    Input input = ReadInput(options.grid);
+    const Extents extents = DetectTriangleExtents(input.axes, input.triangles);
+    for (const SlicePosition& position : positions) FindSlice(extents, position);
+    const VoxelModel<bool> model = Voxelize(std::move(input), options.grid);
     std::vector<NamedSlice> slices;
-    for (const SlicePosition& position : positions) slices.push_back({position, FindSlice(model, lod, position, options.grid)});
+    for (const SlicePosition& position : positions) slices.push_back({position, FindSlice(model.ExtentsRef(lod), position)});
     SaveSlices(options.output, model, slices, "Slices of " + options.grid.input.filename().string(),
                {lod, options.scale, options.unit, options.isBare});
 }
@@ -59,7 +66,7 @@ void AddSliceCommand(CLI::App& program)
     AddUnitOption(command, options->unit);
     command.add_flag("--bare", options->isBare, "Draw the voxels alone, without title, labels and scale bar");
     command.footer("Slices stand side by side in the order given: plans (z) seen from above, sections (x, y) with Z up.\n"
-                   "Example: brix slice house.stl -w 1.6 --at z=0.7 --at y=5.9 -o slices.png");
+                   "Example: brix slice house.stl --voxel 0.1 --at z=0.7 --at y=5.9 -o slices.png");
     command.callback([options] { RunSlice(*options); });
 }
 

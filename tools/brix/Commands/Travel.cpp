@@ -5,7 +5,6 @@
 #include "../Report.h"
 #include "../SlicePage.h"
 #include "../Storeys.h"
-#include "../TriangleFiles.h"
 #include "../Units.h"
 
 #include <brix/model/VoxelIterator.h>
@@ -273,10 +272,11 @@ Travel MakeTravel(Voxels solid, const Options& options, const Body& body)
 
 void RunTravel(const Options& options)
 {
-    const Body body = BodyOf(options, MakeAxes(options.grid));
     FormatOf(options.output);
-    RequireOutputFolder(options.output);
-    const Travel travel = MakeTravel(SolidWithHeadroom(VoxelizeInput(options.grid), body), options, body);
+    Input input = ReadStoreyInput(options);
+    const Body body = BodyOf(options, input.axes);
+    Voxels solid = SolidWithHeadroom(Voxelize(std::move(input), options.grid, {"fill-enclosed", "travel"}), body);
+    const Travel travel = MakeTravel(std::move(solid), options, body);
     SavePage(options.output, DrawTravel(travel, options, body.height));
 }
 
@@ -290,7 +290,7 @@ void AddTravelCommand(CLI::App& program)
     AddStoreyOptions(command, *options, "Where the ways start", true);
     command.add_option("--eye", options->eye, "Height of the eye above the floor [1.6 metres]")->type_name("LENGTH");
     command.footer("A person climbs steps of one voxel: choose voxels as high as a step, with --vertical-lod.\n"
-                   "Example: brix travel house.stl -w 3.2 --lod 5 --vertical-lod 4 --from -1 5 0.1 --unit m -o travel.png");
+                   "Example: brix travel house.stl --voxel 0.1 --lod 5 --vertical-lod 4 --from -1 5 0.1 --unit m -o travel.png");
     command.callback([options] { RunTravel(*options); });
 }
 

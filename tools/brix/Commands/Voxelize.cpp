@@ -1,8 +1,8 @@
 // brix voxelize: triangles to voxels, and the voxels as triangles again.
 #include "Commands.h"
 
+#include "../FilePlan.h"
 #include "../OutputFiles.h"
-#include "../TriangleFiles.h"
 
 namespace brix::tools {
 namespace {
@@ -16,11 +16,13 @@ struct Options
 
 std::vector<LevelFile> ParseOutputs(const Options& options)
 {
-    MakeAxes(options.grid); // a wrong finest level is told first
+    RequireGrid(options.grid); // a wrong finest level is told first
+    FilePlan files;
+    files.Read(options.grid.input);
     std::vector<LevelFile> outputs;
     for (const std::string& text : options.outputs) {
         outputs.push_back(ParseLevelFile(text, options.grid.lod));
-        RequireOutputFolder(outputs.back().filePath);
+        files.Write(outputs.back().filePath);
     }
     return outputs;
 }
@@ -28,8 +30,8 @@ std::vector<LevelFile> ParseOutputs(const Options& options)
 void RunVoxelize(const Options& options)
 {
     const std::vector<LevelFile> outputs = ParseOutputs(options);
-    const VoxelModel<bool> model = VoxelizeInput(options.grid);
-    for (const LevelFile& output : outputs) SaveVoxels(model, output, options.ascii, options.grid.swapYZ);
+    const VoxelModel<bool> model = Voxelize(ReadInput(options.grid), options.grid);
+    for (const LevelFile& output : outputs) SaveVoxels(model, output, options.grid, options.ascii);
 }
 
 } // namespace
@@ -47,11 +49,12 @@ void AddVoxelizeCommand(CLI::App& program)
         ->allow_extra_args(false)
         ->type_name("[LEVEL=]OUT.stl");
     command.add_flag("--ascii", options->ascii, "Write ASCII (six digits) instead of binary STL");
-    command.footer("Voxels at level L are LENGTH / 2^L wide; all are LENGTH / 2^(vertical level) high.\n"
+    command.footer("A level L has voxels of half the width of level L - 1; all have the width of the vertical level as height.\n"
                    "Examples, for a file in metres:\n"
-                   "  brix voxelize house.stl -o voxels.stl --width 1.6            voxels of 0.1 m (level 4)\n"
-                   "  brix voxelize house.stl -o fine.stl -o 2=coarse.stl -w 1.6   two levels of one model\n"
-                   "  brix voxelize house.stl -o flat.stl -w 0.8 --lod 3 --vertical-lod 2   0.1 m wide, 0.2 m high");
+                   "  brix voxelize house.stl --voxel 0.1 -o voxels.stl                  voxels of 0.1 m\n"
+                   "  brix voxelize house.stl --voxels 200 -o voxels.stl                 200 along the house\n"
+                   "  brix voxelize house.stl --voxel 0.1 -o fine.stl -o 2=coarse.stl    and voxels of 0.4 m\n"
+                   "  brix voxelize house.stl --voxel 0.1 --vertical-lod 3 -o flat.stl   0.2 m high");
     command.callback([options] { RunVoxelize(*options); });
 }
 

@@ -5,7 +5,6 @@
 #include "../Report.h"
 #include "../SlicePage.h"
 #include "../Storeys.h"
-#include "../TriangleFiles.h"
 
 #include <brix/model/VoxelIterator.h>
 #include <brix/operations/BasicOperations.h>
@@ -116,12 +115,12 @@ Voxels Reachable(const Voxels& traversable, const Triple& start)
 void RunWalkable(const Options& options)
 {
     const std::int64_t lod = options.grid.lod;
-    const Axes axes = MakeAxes(options.grid);
-    const Body body = BodyOf(options, axes);
     FormatOf(options.output);
-    RequireOutputFolder(options.output);
+    Input input = ReadStoreyInput(options);
+    const Axes axes = input.axes;
+    const Body body = BodyOf(options, axes);
 
-    Voxels solid = SolidWithHeadroom(VoxelizeInput(options.grid), body);
+    Voxels solid = SolidWithHeadroom(Voxelize(std::move(input), options.grid, {"fill-enclosed", "walkable"}), body);
     const Stopwatch watch;
     Voxels traversable = PathModel(solid, lod, body.diameter, body.height, false).TraversableVoxels();
     PrintStep("walkable", std::to_string(CountFilled(traversable, lod)) + " voxels for a person of " +
@@ -148,8 +147,9 @@ void AddWalkableCommand(CLI::App& program)
     const auto options = std::make_shared<Options>();
     CLI::App& command = *program.add_subcommand("walkable", "Draw where a person can stand and walk in an STL file");
     AddStoreyOptions(command, *options, "Show only what can be reached from this point [all]", false);
-    command.footer("A person climbs steps of one voxel: choose voxels as high as a step, with --vertical-lod.\n"
-                   "Example: brix walkable house.stl -w 3.2 --lod 5 --vertical-lod 4 --from -1 5 0.1 --unit m -o walkable.png");
+    command.footer(
+        "A person climbs steps of one voxel: choose voxels as high as a step, with --vertical-lod.\n"
+        "Example: brix walkable house.stl --voxel 0.1 --lod 5 --vertical-lod 4 --from -1 5 0.1 --unit m -o walkable.png");
     command.callback([options] { RunWalkable(*options); });
 }
 

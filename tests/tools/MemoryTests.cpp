@@ -1,0 +1,88 @@
+// The memory limit holds: what is estimated is not below what is taken, and what would take more is refused before the work.
+#ifdef BRIX_PROGRAM
+#include "ProgramFixture.h"
+
+namespace brix {
+namespace {
+
+double Number(const Outcome& outcome, const std::string& pattern)
+{
+    std::smatch match;
+    return std::regex_search(outcome.output, match, std::regex(pattern)) ? std::stod(match[1].str()) : -1;
+}
+
+// The largest estimate: before the work, and before triangles are written.
+double Estimated(const Outcome& outcome)
+{
+    double most = -1;
+    const std::regex pattern("\"estimate\",\\s+\"bytes\": ([0-9.e+]+)");
+    for (std::sregex_iterator match(outcome.output.begin(), outcome.output.end(), pattern), end; match != end; ++match)
+        most = std::max(most, std::stod((*match)[1].str()));
+    return most;
+}
+
+double Peak(const Outcome& outcome) { return Number(outcome, "\"peakBytes\": (\\d+)"); }
+
+// A block that is as empty inside as models are: its skin takes nothing beside the volume.
+void WriteBlock(const fs::path& filePath)
+{
+    std::vector<WorldTriangle> triangles;
+    const VoxelModel<bool> empty(Extents(Axes(1000, {}, 0, 0), {0, 0, 0}, {0, 0, 0}, 0), 0);
+    TessellateVoxelModel(triangles, Invert(empty), 0);
+    SaveTrianglesToBinarySTL(filePath, triangles, false);
+}
+
+#ifndef __SANITIZE_ADDRESS__
+TEST_F(Program, EstimatesNoLessMemoryThanItTakes)
+{
+    ASSERT_EQ(Run("scene building -o house.stl").exitCode, 0);
+    ASSERT_EQ(Run("scene city --triangles 20000 -o city.stl").exitCode, 0);
+    WriteBlock(folder_ / "block.stl");
+    const std::vector<std::string> steps{"invert",
+                                         "fill-enclosed",
+                                         "fill-exposed",
+                                         "expand-x 3 3",
+                                         "expand-z 3 3",
+                                         "reduce-x 1 1",
+                                         "reduce-z 1 1",
+                                         "expand-by-one 1 1",
+                                         "reduce-by-one 1 1",
+                                         "expand-horizontally 5",
+                                         "reduce-horizontally 3",
+                                         "keep-largest",
+                                         "auto-crop",
+                                         "refine 5",
+                                         "walkable 5 18",
+                                         "visible-along 1 2 -3 0.5",
+                                         "write v.stl",
+                                         "write-surface v.stl"};
+    for (const std::string scene : {"house.stl --voxels 1000", "city.stl --voxels 1500", "block.stl --voxels 2000"})
+        for (const std::string& step : steps) {
+            const Outcome outcome = Run("run " + scene + " --json -- " + step);
+            ASSERT_EQ(outcome.exitCode, 0) << outcome.error;
+            EXPECT_GE(Estimated(outcome), Peak(outcome)) << scene << ' ' << step;
+        }
+}
+
+TEST_F(Program, RefusesWhatWouldNotFitAndTellsWhatWould)
+{
+    WriteBlock(folder_ / "block.stl");
+    for (const std::string step : {"fill-enclosed", "walkable 2 3", "expand-x 1 1"})
+        for (const std::string limit : {"--memory-limit 0.2", ""}) {
+            const std::string before = limit.empty() ? "ulimit -v 200000;" : "";
+            const Outcome refused = Run("run block.stl " + limit + " --voxel 0.1 --json -- " + step, before);
+            EXPECT_EQ(refused.exitCode, 1) << step;
+            EXPECT_LT(Peak(refused), 0.1e9) << "before the work";
+            const std::regex advice("would need about .* of memory; the limit is 20\\d MB. It would fit with (--voxel [0-9.]+)");
+            std::smatch match;
+            ASSERT_TRUE(std::regex_search(refused.error, match, advice)) << refused.error;
+            const Outcome done = Run("run block.stl " + limit + " " + match[1].str() + " --json -- " + step, before);
+            EXPECT_EQ(done.exitCode, 0) << done.error;
+            EXPECT_LT(Peak(done), 0.21e9) << step;
+        }
+}
+#endif
+
+} // namespace
+} // namespace brix
+#endif

@@ -1,0 +1,78 @@
+#include "FilePlan.h"
+
+#include "OutputFile.h"
+#include "Report.h"
+
+#include <algorithm>
+#include <cerrno>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace brix::tools {
+namespace {
+
+namespace fs = std::filesystem;
+
+void RequireReadable(const fs::path& filePath)
+{
+    struct stat status
+    {};
+    int error = 0;
+    if (stat(filePath.c_str(), &status) != 0 || access(filePath.c_str(), R_OK) != 0) error = errno;
+    if (error == 0 && S_ISDIR(status.st_mode)) error = EISDIR;
+    if (error != 0) throw std::runtime_error("Failed to open STL file " + Quoted(filePath) + ": " + SystemReason(error) + ".");
+}
+
+// By whatever names. A file that is not there yet is known by its place.
+bool IsSame(const fs::path& a, const fs::path& b)
+{
+    std::error_code error;
+    if (a == b || fs::equivalent(a, b, error)) return true;
+    return !fs::exists(a, error) && !fs::exists(b, error) &&
+           fs::weakly_canonical(fs::absolute(a, error), error) == fs::weakly_canonical(fs::absolute(b, error), error);
+}
+
+bool Holds(const std::vector<fs::path>& files, const fs::path& file)
+{
+    return std::any_of(files.begin(), files.end(), [&](const fs::path& other) { return IsSame(file, other); });
+}
+
+// What may be used as often as one likes: a file that is read, a device that is written.
+bool IsRegular(const fs::path& filePath)
+{
+    std::error_code error;
+    return filePath != "-" && fs::is_regular_file(filePath, error);
+}
+
+bool IsDevice(const fs::path& filePath)
+{
+    std::error_code error;
+    return fs::is_character_file(filePath, error);
+}
+
+} // namespace
+
+void FilePlan::Read(const fs::path& filePath)
+{
+    if (filePath != "-") RequireReadable(filePath);
+    if (!IsRegular(filePath) && Holds(inputs_, filePath))
+        throw UsageError("The input " + Quoted(filePath) + " can be read only once.");
+    if (filePath != "-" && Holds(outputs_, filePath))
+        throw UsageError("The file " + Quoted(filePath) + " is both input and output.");
+    inputs_.push_back(filePath);
+}
+
+void FilePlan::Write(const fs::path& filePath)
+{
+    RequireWritable(filePath);
+    if (IsStandardOutput(filePath)) GiveStandardOutputAway();
+    if (!IsDevice(filePath)) {
+        if (Holds(outputs_, filePath)) throw UsageError("The output " + Quoted(filePath) + " is given twice.");
+        if (filePath != "-" && Holds(inputs_, filePath))
+            throw UsageError("The file " + Quoted(filePath) + " is both input and output.");
+    }
+    outputs_.push_back(filePath);
+}
+
+} // namespace brix::tools

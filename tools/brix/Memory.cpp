@@ -1,0 +1,239 @@
+#include "Memory.h"
+
+#include "Report.h"
+#include "TriangleFiles.h"
+
+#include <brix/triangles/TriangleModel.h>
+
+#include <algorithm>
+#include <cmath>
+#include <fstream>
+#include <limits>
+
+#include <sys/resource.h>
+#include <unistd.h>
+
+namespace brix::tools {
+namespace {
+
+constexpr double ProgramBytes = 16e6; // code, libraries, buffers
+constexpr double NoLimit = std::numeric_limits<double>::infinity();
+
+// A grid of chunks, as the estimates see it.
+struct GridSize
+{
+    double voxel, height, chunks;
+    std::int64_t lod;
+
+    // One stack at level 0, four at level 1, and so on.
+    double Stacks() const { return chunks * static_cast<double>(((std::int64_t{4} << 2 * lod) - 1) / 3); }
+
+    // Nothing but a null pointer for each stack.
+    double EmptyBytes() const
+    {
+        const auto levels = static_cast<double>(lod + 1);
+        return Stacks() * 8 + chunks * (sizeof(VoxelStore<bool>) * levels + sizeof(VoxelChunk<bool>) + 64);
+    }
+
+    // Every stack holds one layer: a block of 48 bytes, and 16 of the allocator's.
+    double FullBytes() const { return EmptyBytes() + Stacks() * 64; }
+};
+
+double ChunkCount(const Extents& extentsAtLevel0)
+{
+    const Triple lower = ChunkOfVoxel(extentsAtLevel0.LowerIndices(), 0);
+    const Triple upper = ChunkOfVoxel(extentsAtLevel0.UpperIndices(), 0);
+    double count = 1;
+    for (std::size_t axis = 0; axis < 3; ++axis) count *= static_cast<double>(upper[axis] - lower[axis] + 1);
+    return count;
+}
+
+GridSize SizeOf(const Extents& extents, std::int64_t lod)
+{
+    const Axes& axes = extents.AxesRef();
+    return {axes.WorldVoxelWidth(lod), axes.WorldVoxelHeight(), ChunkCount(extents), lod};
+}
+
+// The same box in voxels of another size, wherever chunks begin.
+GridSize Scaled(const GridSize& size, double factor)
+{
+    GridSize scaled = size;
+    scaled.voxel *= factor;
+    scaled.height *= factor;
+    scaled.chunks = std::max(1.0, size.chunks / (factor * factor * factor));
+    return scaled;
+}
+
+// The areas of a triangle as seen along x, y and z.
+std::array<double, 3> ProjectedAreas(const WorldTriangle& triangle)
+{
+    std::array<double, 3> u{};
+    std::array<double, 3> v{};
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+        u[axis] = triangle[1][axis] - triangle[0][axis];
+        v[axis] = triangle[2][axis] - triangle[0][axis];
+    }
+    return {std::abs(u[1] * v[2] - u[2] * v[1]) / 2, std::abs(u[2] * v[0] - u[0] * v[2]) / 2,
+            std::abs(u[0] * v[1] - u[1] * v[0]) / 2};
+}
+
+double LongestEdge(const WorldTriangle& triangle)
+{
+    double longest = 0;
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+        const auto [least, greatest] = std::minmax({triangle[0][axis], triangle[1][axis], triangle[2][axis]});
+        longest = std::max(longest, greatest - least);
+    }
+    return longest;
+}
+
+// The layers of the stacks that a triangle crosses at the finest level. A level or upright one leaves most heights of a stack alike;
+// a slanted one makes a plate for each height that it passes within the stack's width.
+double LayerBytes(const WorldTriangle& triangle, const GridSize& size)
+{
+    const double width = 16 * size.voxel;
+    const double height = 64 * size.height;
+    const auto [x, y, z] = ProjectedAreas(triangle);
+    const double upright = std::hypot(x, y);
+    double stacks = z / (width * width) + (x + y) / (width * height);
+    if (const double edge = LongestEdge(triangle); edge > width) stacks += 2 * edge / width + 1; // those that its edges cross
+    const double passed = z < 1e-9 * upright ? 0 : std::min(64.0, width / size.height * upright / z);
+    return stacks * (26 + 33 * (3 + passed));
+}
+
+// Triangles longer than half a chunk are quartered until they are not; a piece takes 36 bytes in each chunk that it touches.
+double FiledBytes(const WorldTriangle& triangle, const GridSize& size)
+{
+    const double halfChunk = 8 * size.voxel * static_cast<double>(std::int64_t{1} << size.lod);
+    const double edge = LongestEdge(triangle);
+    return 36 * 2 * (edge > halfChunk ? std::pow(4, std::ceil(std::log2(edge / halfChunk))) : 1);
+}
+
+struct Estimate
+{
+    double model;  // when it is made
+    double making; // beside it
+};
+
+Estimate EstimateModel(const std::vector<WorldTriangle>& triangles, const GridSize& size)
+{
+    double layers = 0;
+    double making = static_cast<double>(sizeof(WorldTriangle) * triangles.size()) + size.chunks * (sizeof(TriangleChunk) + 64);
+    for (const WorldTriangle& triangle : triangles) {
+        layers += LayerBytes(triangle, size);
+        making += FiledBytes(triangle, size);
+    }
+    // The coarser levels of upright walls halve with each level, those of floors quarter. No stack has more than 64 layers.
+    return {size.EmptyBytes() + std::min(2 * layers, size.Stacks() * 2138), making};
+}
+
+// What a step takes beside the program, with the model that it gets and the one that it makes.
+double StepBytes(const std::string& step, double model, const GridSize& size)
+{
+    if (step == "walkable" || step == "travel") return 2 * model + 4.5 * size.FullBytes();
+    if (step == "refine") return 6 * model;
+    if (step == "invert" || step.starts_with("fill-") || step.starts_with("visible-")) return 2 * model + 2.5 * size.FullBytes();
+    return 4 * model;
+}
+
+// The step that takes most, or the making of the model.
+std::pair<double, std::string> MostBytes(const std::vector<WorldTriangle>& triangles, const GridSize& size,
+                                         const std::vector<std::string>& steps)
+{
+    const Estimate estimate = EstimateModel(triangles, size);
+    std::pair<double, std::string> most{estimate.model + estimate.making, "voxelize"};
+    for (const std::string& step : steps) most = std::max(most, {StepBytes(step, estimate.model, size), step});
+    most.first += ProgramBytes;
+    return most;
+}
+
+std::runtime_error TooMuch(const std::string& what, double bytes, double limit, double fittingVoxel, const GridOptions& options)
+{
+    const double edge = RoundedUp(fittingVoxel);
+    const std::string advice =
+        options.width ? "--width " + Text(edge * static_cast<double>(std::int64_t{1} << options.lod)) : "--voxel " + Text(edge);
+    return std::runtime_error("The step " + what + " would need about " + BytesText(bytes) + " of memory; the limit is " +
+                              BytesText(limit) + ". It would fit with " + advice +
+                              " (or fewer --voxels); or raise --memory-limit.");
+}
+
+double ControlGroupLimit()
+{
+    double bytes = 0;
+    return std::ifstream("/sys/fs/cgroup/memory.max") >> bytes ? bytes : NoLimit;
+}
+
+double AddressSpaceLimit()
+{
+    rlimit limit{};
+    getrlimit(RLIMIT_AS, &limit);
+    return limit.rlim_cur == RLIM_INFINITY ? NoLimit : static_cast<double>(limit.rlim_cur);
+}
+
+} // namespace
+
+double MemoryLimit(const GridOptions& options)
+{
+    // Asked once, before HoldMemoryLimit changes it.
+    static const double granted = AddressSpaceLimit();
+    const auto machine = static_cast<double>(sysconf(_SC_PHYS_PAGES)) * static_cast<double>(sysconf(_SC_PAGE_SIZE));
+    const double wanted = options.memoryLimit ? *options.memoryLimit * 1e9 : std::min(machine, ControlGroupLimit()) / 2;
+    return std::min(wanted, granted);
+}
+
+// The sanitizers reserve far more addresses than they use.
+void HoldMemoryLimit([[maybe_unused]] const GridOptions& options)
+{
+#ifndef __SANITIZE_ADDRESS__
+    constexpr double Reserved = 64e6; // addresses of libraries and stack, of which little is used
+    rlimit limit{};
+    getrlimit(RLIMIT_AS, &limit);
+    const double wanted = MemoryLimit(options) + Reserved;
+    if (wanted < 1e18 && (limit.rlim_cur == RLIM_INFINITY || wanted < static_cast<double>(limit.rlim_cur)))
+        limit.rlim_cur = static_cast<rlim_t>(wanted);
+    setrlimit(RLIMIT_AS, &limit);
+#endif
+}
+
+void RequireMemoryForModel(const Input& input, const Extents& extents, const GridOptions& options,
+                           const std::vector<std::string>& steps)
+{
+    const double limit = MemoryLimit(options);
+    const GridSize size = SizeOf(extents, options.lod);
+    const auto [bytes, step] = MostBytes(input.triangles, size, steps);
+    PrintDetail("estimate", BytesText(bytes) + " of memory at most, in the step " + step + "; the limit is " + BytesText(limit),
+                {{"bytes", bytes}, {"mostIn", step}, {"limit", limit}});
+    if (bytes <= limit) return;
+    double factor = 1.1; // and some room, as chunks come whole
+    while (factor < 1e6 && MostBytes(input.triangles, Scaled(size, factor), steps).first > 0.7 * limit) factor *= 1.1;
+    throw TooMuch(step, bytes, limit, size.voxel * factor, options);
+}
+
+void RequireMemoryForStep(const std::string& step, const VoxelModel<bool>& model, const GridOptions& options)
+{
+    const GridSize size = SizeOf(model.ExtentsRef(0), model.FinestLOD());
+    const double bytes = ProgramBytes + StepBytes(step, static_cast<double>(model.AllocatedBytes()), size);
+    const double limit = MemoryLimit(options);
+    if (bytes > limit) throw TooMuch(step, bytes, limit, size.voxel * std::sqrt(bytes / limit), options);
+}
+
+void RequireSpaceForTriangles(double triangleCount, bool ascii, const VoxelModel<bool>& model, const GridOptions& options)
+{
+    const double voxel = model.AxesRef().WorldVoxelWidth(model.FinestLOD());
+    const double memory =
+        ProgramBytes + static_cast<double>(model.AllocatedBytes()) + triangleCount * (sizeof(WorldTriangle) + 2);
+    PrintDetail("estimate", BytesText(memory) + " of memory for " + Text(triangleCount) + " triangles",
+                {{"bytes", memory}, {"triangles", triangleCount}});
+    if (const double limit = MemoryLimit(options); memory > limit)
+        throw TooMuch("write", memory, limit, voxel * std::sqrt(memory / limit), options);
+
+    const double file = StlBytes(triangleCount, ascii);
+    const double limit = options.outputLimit * 1e9;
+    if (file > limit)
+        throw std::runtime_error("The file would have " + BytesText(file) + " for " + Text(triangleCount) +
+                                 " triangles; the limit is " + BytesText(limit) + ". About --voxel " +
+                                 Text(RoundedUp(voxel * std::sqrt(file / limit))) +
+                                 " would fit, or a coarser level of the model; or raise --output-limit.");
+}
+
+} // namespace brix::tools

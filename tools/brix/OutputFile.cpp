@@ -1,0 +1,275 @@
+#include "OutputFile.h"
+
+#include "Text.h"
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <climits>
+#include <csignal>
+#include <cstring>
+#include <stdexcept>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace brix::tools {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::array EndingSignals{SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE, SIGXCPU};
+
+// The temporary file that is being written, for the handler, which may touch nothing that is not made for it.
+std::array<char, PATH_MAX> unfinished{};
+std::atomic<bool> isUnfinished{false};
+static_assert(std::atomic<bool>::is_always_lock_free);
+
+void RemoveUnfinishedAndEnd(int signal)
+{
+    if (isUnfinished.exchange(false)) unlink(unfinished.data());
+    std::signal(signal, SIG_DFL);
+    raise(signal);
+}
+
+// While one of these lives, signals wait: a file and the note of it come and go as one.
+class SignalsWait
+{
+public:
+    SignalsWait()
+    {
+        sigset_t ending;
+        sigemptyset(&ending);
+        for (const int signal : EndingSignals) sigaddset(&ending, signal);
+        sigprocmask(SIG_BLOCK, &ending, &before_);
+    }
+    ~SignalsWait() { sigprocmask(SIG_SETMASK, &before_, nullptr); }
+
+    SignalsWait(const SignalsWait&) = delete;
+    SignalsWait& operator=(const SignalsWait&) = delete;
+
+private:
+    sigset_t before_{};
+};
+
+std::runtime_error CannotWrite(const fs::path& name, int error)
+{
+    return std::runtime_error("Failed to write the file " + Quoted(name) + ": " + SystemReason(error) + ".");
+}
+
+// The file that a name stands for, whether it exists or not.
+fs::path BehindLinks(fs::path filePath)
+{
+    std::error_code error;
+    for (int links = 0; fs::is_symlink(filePath, error); ++links) {
+        if (links == 40) throw CannotWrite(filePath, ELOOP);
+        filePath = filePath.parent_path() / fs::read_symlink(filePath, error); // an absolute one replaces the folder
+    }
+    return filePath;
+}
+
+// Names of open files, as /dev/stdout is one: who opened them holds them, so that nothing can take their place.
+bool NamesAnOpenFile(const fs::path& filePath)
+{
+    const std::string text = filePath.lexically_normal().string();
+    return text.starts_with("/dev/fd/") || text.starts_with("/dev/std") || text.starts_with("/proc/");
+}
+
+bool IsWrittenStraight(const fs::path& name, const fs::path& target)
+{
+    std::error_code error;
+    const fs::file_status status = fs::status(target, error);
+    return IsStandardOutput(name) || NamesAnOpenFile(name) || (fs::exists(status) && !fs::is_regular_file(status));
+}
+
+fs::path FolderOf(const fs::path& filePath) { return filePath.has_parent_path() ? filePath.parent_path() : fs::path("."); }
+
+} // namespace
+
+bool IsStandardOutput(const fs::path& filePath) { return filePath == "-" || filePath == "/dev/stdout"; }
+
+void RequireWritable(const fs::path& filePath)
+{
+    if (IsStandardOutput(filePath)) return;
+    const fs::path target = BehindLinks(filePath);
+    struct stat status
+    {};
+    if (stat(target.c_str(), &status) == 0) {
+        if (S_ISDIR(status.st_mode)) throw CannotWrite(filePath, EISDIR);
+        if (access(target.c_str(), W_OK) != 0) throw CannotWrite(filePath, errno);
+    } else if (errno != ENOENT) {
+        throw CannotWrite(filePath, errno);
+    }
+    if (IsWrittenStraight(filePath, target)) return;
+    if (access(FolderOf(target).c_str(), W_OK | X_OK) != 0) throw CannotWrite(filePath, errno);
+}
+
+// Passes bytes to the system, and keeps the number of its error, which streams forget.
+class OutputFile::Buffer : public std::streambuf
+{
+public:
+    Buffer(int file, Progress& progress, double expectedBytes) : file_(file), progress_(progress), expectedBytes_(expectedBytes)
+    {
+        setp(block_.data(), block_.data() + block_.size());
+    }
+    ~Buffer() override
+    {
+        if (file_ > STDERR_FILENO) close(file_);
+    }
+
+    Buffer(const Buffer&) = delete;
+    Buffer& operator=(const Buffer&) = delete;
+
+    int File() const { return file_; }
+    int Error() const { return error_; }
+    std::int64_t BytesWritten() const { return written_; }
+
+    void Close()
+    {
+        if (file_ > STDERR_FILENO && close(std::exchange(file_, -1)) != 0 && error_ == 0) error_ = errno;
+    }
+
+protected:
+    int_type overflow(int_type byte) override
+    {
+        if (sync() != 0) return traits_type::eof();
+        if (traits_type::eq_int_type(byte, traits_type::eof())) return traits_type::not_eof(byte);
+        return sputc(traits_type::to_char_type(byte));
+    }
+
+    std::streamsize xsputn(const char* bytes, std::streamsize count) override
+    {
+        if (count < epptr() - pptr()) {
+            std::memcpy(pptr(), bytes, static_cast<std::size_t>(count));
+            pbump(static_cast<int>(count));
+            return count;
+        }
+        return sync() == 0 && PassOn(bytes, count) ? count : 0;
+    }
+
+    int sync() override
+    {
+        const bool isPassedOn = PassOn(pbase(), pptr() - pbase());
+        setp(block_.data(), block_.data() + block_.size());
+        return isPassedOn ? 0 : -1;
+    }
+
+private:
+    bool PassOn(const char* bytes, std::streamsize count)
+    {
+        while (count > 0 && error_ == 0) {
+            const ssize_t taken = write(file_, bytes, static_cast<std::size_t>(count));
+            if (taken < 0 && errno == EINTR) continue;
+            if (taken < 0) error_ = errno;
+            if (taken <= 0) break;
+            bytes += taken;
+            count -= taken;
+            written_ += taken;
+            progress_.Update(static_cast<double>(written_), expectedBytes_);
+        }
+        return count == 0;
+    }
+
+    int file_;
+    Progress& progress_;
+    double expectedBytes_;
+    int error_ = 0;
+    std::int64_t written_ = 0;
+    std::array<char, 1 << 16> block_;
+};
+
+OutputFile::OutputFile(const fs::path& target, double expectedBytes)
+    : name_(target), target_(BehindLinks(target)), progress_("writing " + target.string()), expectedBytes_(expectedBytes)
+{
+    RequireWritable(target);
+    if (IsStandardOutput(name_)) {
+        buffer_ = std::make_unique<Buffer>(STDOUT_FILENO, progress_, expectedBytes_);
+    } else if (IsWrittenStraight(name_, target_)) {
+        const int file = open(name_.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC);
+        if (file < 0) throw CannotWrite(name_, errno);
+        buffer_ = std::make_unique<Buffer>(file, progress_, expectedBytes_);
+    } else {
+        OpenTemporary();
+    }
+    stream_.rdbuf(buffer_.get());
+}
+
+OutputFile::~OutputFile() { Discard(); }
+
+// In the target's folder, because a file can take another one's place only within a file system.
+void OutputFile::OpenTemporary()
+{
+    for (int number = 0;; ++number) {
+        temporary_ = FolderOf(target_) / (".brix-" + std::to_string(getpid()) + "-" + std::to_string(number) + ".part");
+        if (temporary_.native().size() >= unfinished.size()) throw CannotWrite(name_, ENAMETOOLONG);
+        const SignalsWait guard;
+        const int file = open(temporary_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        if (file < 0 && errno == EEXIST) continue;
+        if (file < 0) {
+            temporary_.clear();
+            throw CannotWrite(name_, errno);
+        }
+        std::ranges::copy(temporary_.native() + '\0', unfinished.begin());
+        isUnfinished = true;
+        buffer_ = std::make_unique<Buffer>(file, progress_, expectedBytes_);
+        return;
+    }
+}
+
+void OutputFile::Discard()
+{
+    if (temporary_.empty()) return;
+    const SignalsWait guard;
+    unlink(temporary_.c_str());
+    isUnfinished = false;
+    temporary_.clear();
+}
+
+std::ostream& OutputFile::Stream() { return stream_; }
+
+std::runtime_error OutputFile::Failure() const { return CannotWrite(name_, buffer_->Error() != 0 ? buffer_->Error() : EIO); }
+
+std::int64_t OutputFile::BytesWritten() const { return buffer_->BytesWritten(); }
+
+void OutputFile::Commit()
+{
+    if (!stream_.flush()) throw Failure();
+    if (temporary_.empty()) {
+        buffer_->Close();
+        if (buffer_->Error() != 0) throw Failure();
+        return;
+    }
+    // The owner is kept where the system lets us.
+    struct stat old
+    {};
+    if (stat(target_.c_str(), &old) == 0) {
+        if (fchown(buffer_->File(), old.st_uid, old.st_gid) != 0) errno = 0;
+        if (fchmod(buffer_->File(), old.st_mode & 07777) != 0) throw CannotWrite(name_, errno);
+    }
+    // The content reaches the disk before the name does. Not all file systems offer that.
+    if (fsync(buffer_->File()) != 0 && errno != EINVAL && errno != ENOTSUP) throw CannotWrite(name_, errno);
+    buffer_->Close();
+    if (buffer_->Error() != 0) throw Failure();
+    const SignalsWait guard;
+    if (rename(temporary_.c_str(), target_.c_str()) != 0) throw CannotWrite(name_, errno);
+    isUnfinished = false;
+    temporary_.clear();
+}
+
+void CleanUpOnSignals()
+{
+    for (const int signal : EndingSignals) {
+        struct sigaction action
+        {};
+        sigaction(signal, nullptr, &action);
+        if (action.sa_handler == SIG_IGN) continue; // as under nohup
+        action.sa_handler = RemoveUnfinishedAndEnd;
+        sigaction(signal, &action, nullptr);
+    }
+    std::signal(SIGXFSZ, SIG_IGN);
+}
+
+} // namespace brix::tools
