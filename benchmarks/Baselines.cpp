@@ -173,7 +173,7 @@ void CoarsenEveryVoxel(DenseVoxels& coarse, const DenseVoxels& fine)
 std::int64_t CountFilledVoxels(const VoxelModel<bool>& model, std::int64_t lod)
 {
     std::int64_t count = 0;
-    ForEachStack(model, lod, [&](const VoxelStore<bool>& store, const StackIndices& ij) {
+    ForEachStoredStack(model, lod, [&](const VoxelStore<bool>& store, const StackIndices& ij) {
         const VoxelStack<bool>& stack = store.VoxelStackRef(ij);
         if (stack.IsUnallocated()) return;
         for (std::int32_t layer = 0; layer < stack.LayerCount(); ++layer)
@@ -185,7 +185,7 @@ std::int64_t CountFilledVoxels(const VoxelModel<bool>& model, std::int64_t lod)
 bool HoldsExactly(const VoxelModel<bool>& model, const DenseVoxels& voxels)
 {
     bool isEqual = true;
-    ForEachStack(model, voxels.ExtentsRef().VoxelLOD(), [&](const VoxelStore<bool>& store, const StackIndices& ij) {
+    ForEachStoredStack(model, voxels.ExtentsRef().VoxelLOD(), [&](const VoxelStore<bool>& store, const StackIndices& ij) {
         isEqual = isEqual && StackHoldsExactly(store.VoxelStackRef(ij), store.LowerIndices(ij), voxels);
     });
     return isEqual;

@@ -295,7 +295,7 @@ DenseWords::DenseWords(const Extents& extents)
 
 DenseWords::DenseWords(const VoxelModel<bool>& model) : DenseWords(model.ExtentsRef(model.FinestLOD()))
 {
-    ForEachStack(model, model.FinestLOD(), [&](const VoxelStore<bool>& store, const StackIndices& ij) {
+    ForEachStoredStack(model, model.FinestLOD(), [&](const VoxelStore<bool>& store, const StackIndices& ij) {
         const VoxelStack<bool>& stack = store.VoxelStackRef(ij);
         ForEachPlateRow(store, ij, *this, [&](std::int64_t height, std::size_t row, const PlateRow& place) {
             const Word bits = stack.LayerVoxelPlateRef(stack.LayerID(height)).rows[row];

@@ -85,7 +85,7 @@ std::int64_t CountStacks(const VoxelModel<bool>& model)
 {
     std::int64_t count = 0;
     for (std::int64_t lod = 0; lod <= model.FinestLOD(); ++lod)
-        ForEachStack(model, lod, [&](const VoxelStore<bool>&, const StackIndices&) { ++count; });
+        ForEachStoredStack(model, lod, [&](const VoxelStore<bool>&, const StackIndices&) { ++count; });
     return count;
 }
 

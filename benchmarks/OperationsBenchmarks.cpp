@@ -123,7 +123,7 @@ void MeasureReadPlates(State& state, const Scene& scene)
 {
     for (auto _ : state) {
         std::uint64_t all = 0;
-        ForEachStack(scene.model, scene.Level(), [&](const VoxelStore<bool>& store, const StackIndices& ij) {
+        ForEachStoredStack(scene.model, scene.Level(), [&](const VoxelStore<bool>& store, const StackIndices& ij) {
             const VoxelStack<bool>& stack = store.VoxelStackRef(ij);
             if (stack.IsUnallocated()) return;
             for (const VoxelPlate<bool>& plate : stack.Plates()) {

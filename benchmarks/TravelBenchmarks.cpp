@@ -156,7 +156,7 @@ public:
         strideY_ = size[0];
         strideZ_ = size[0] * size[1];
         distances_.assign(static_cast<std::size_t>(strideZ_ * size[2]), -1);
-        ForEachStack(path.TraversableVoxels(), Level, [&](const VoxelStore<bool>& store, const StackIndices& ij) {
+        ForEachStoredStack(path.TraversableVoxels(), Level, [&](const VoxelStore<bool>& store, const StackIndices& ij) {
             const VoxelStack<bool>& stack = store.VoxelStackRef(ij);
             ForEachTriple(store.LowerOffset(ij), store.UpperOffset(ij), [&](const Triple& offset) {
                 if (stack.LayerVoxelPlateRef(stack.LayerID(offset[2])).Value({offset[0], offset[1]}))

@@ -48,7 +48,7 @@ DenseBytes ToBytes(const VoxelModel<bool>& model)
 {
     const Extents& extents = model.ExtentsRef(Level);
     DenseBytes dense(extents);
-    ForEachStack(model, Level, [&](const VoxelStore<bool>& store, const StackIndices& ij) {
+    ForEachStoredStack(model, Level, [&](const VoxelStore<bool>& store, const StackIndices& ij) {
         const VoxelStack<bool>& stack = store.VoxelStackRef(ij);
         const Triple corner = Minus(store.LowerIndices(ij), dense.lower);
         ForEachTriple(store.LowerOffset(ij), store.UpperOffset(ij), [&](const Triple& offset) {

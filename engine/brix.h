@@ -16,6 +16,9 @@
 #include "brix/model/VoxelStack.h"
 #include "brix/model/VoxelStore.h"
 
+#include "brix/model/ChunkTable.h"
+#include "brix/model/ReaderChunks.h"
+
 #include "brix/model/Model.h"
 #include "brix/model/VoxelChunk.h"
 #include "brix/model/VoxelModel.h"

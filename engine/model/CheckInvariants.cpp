@@ -130,8 +130,8 @@ std::string CheckChunk(const VoxelChunk<bool>& chunk, std::int64_t finestLOD, st
 std::string CheckInvariants(const VoxelModel<bool>& model, std::int64_t writtenLOD)
 {
     std::string reason;
-    ForEachTriple(model.LowerChunkIndices(), model.UpperChunkIndices(), [&](const Triple& chunk) {
-        if (reason.empty()) reason = CheckChunk(model.ChunkRef(chunk), model.FinestLOD(), writtenLOD);
+    model.ForEachChunk([&](const Triple&, const VoxelChunk<bool>& chunk) {
+        if (reason.empty()) reason = CheckChunk(chunk, model.FinestLOD(), writtenLOD);
     });
     return reason;
 }

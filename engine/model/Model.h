@@ -1,18 +1,26 @@
 // The chunk grid: a box of chunks in space, for voxel chunks and triangle chunks alike. Chunk indices are absolute: models in the
-// same frame share one grid.
+// same frame share one grid. The grid is sparse: a chunk is stored from the moment it is first asked for to be written.
 #pragma once
 
+#include "../frame/NotEnoughMemory.h"
+#include "ChunkTable.h"
+#include "ReaderChunks.h"
 #include "StackLattice.h"
 
+#include <memory>
 #include <vector>
 
 namespace brix {
 
+/// The extents of a model by level, 0..5: one object for all chunks of a model and of its copies.
+using LevelExtents = std::vector<Extents>;
+
 template <class Chunk> class Model
 {
 public:
-    /// A grid of the chunks that the extents touch, each made as Chunk(extents, chunkIndices), z outermost, then y, then x.
-    explicit Model(const Extents& extents);
+    /// An empty grid of the chunks that the extents touch. A chunk is made as Chunk(extents by level, chunkIndices), and
+    /// initialized with the finest level where it has levels.
+    explicit Model(const Extents& extents, std::int64_t finestLOD = 0);
 
     Model(const Model&) = default;
     Model(Model&&) = default;
@@ -20,11 +28,11 @@ public:
     Model& operator=(Model&&) = default;
     virtual ~Model() = default;
 
-    const Axes& AxesRef() const { return extents_.front().AxesRef(); }
+    const Axes& AxesRef() const { return extents_->front().AxesRef(); }
 
     /// The lowest and the highest chunk indices of the grid, inclusive.
-    Triple LowerChunkIndices() const { return lowerChunkIndices_; }
-    Triple UpperChunkIndices() const { return upperChunkIndices_; }
+    Triple LowerChunkIndices() const { return chunks_.LowerIndices(); }
+    Triple UpperChunkIndices() const { return chunks_.UpperIndices(); }
 
     /// Indices of the chunk that holds a base-unit point, whether the grid has it or not.
     Triple ContainingChunk(const Triple& coords) const
@@ -34,43 +42,82 @@ public:
         return {FloorDivide(coords[0], width), FloorDivide(coords[1], width), FloorDivide(coords[2], height)};
     }
 
-    bool IsChunkValid(const Triple& chunkIndices) const { return IsWithin(chunkIndices, lowerChunkIndices_, upperChunkIndices_); }
+    bool IsChunkValid(const Triple& chunkIndices) const
+    {
+        return IsWithin(chunkIndices, LowerChunkIndices(), UpperChunkIndices());
+    }
 
-    /// The chunk with these indices, which must be valid.
-    Chunk& ChunkRef(const Triple& chunkIndices) { return chunks_[ChunkNumber(chunkIndices)]; }
-    const Chunk& ChunkRef(const Triple& chunkIndices) const { return chunks_[ChunkNumber(chunkIndices)]; }
+    /// The chunk with these indices, which must be valid; the reference holds until the model is assigned to or destroyed. One
+    /// that is not stored is made empty. Several threads may read; FindChunk is the way to look without making anything.
+    Chunk& ChunkRef(const Triple& chunkIndices)
+    {
+        return chunks_.FindOrMake(chunkIndices, [&] {
+            std::unique_ptr<Chunk> chunk = readerChunks_.Take(chunkIndices);
+            return chunk != nullptr ? std::move(chunk) : MakeChunk(chunkIndices);
+        });
+    }
+    const Chunk& ChunkRef(const Triple& chunkIndices) const
+    {
+        if (const Chunk* const chunk = chunks_.Find(chunkIndices)) return *chunk;
+        return readerChunks_.FindOrMake(chunkIndices, [&] { return MakeChunk(chunkIndices); });
+    }
+
+    /// The chunk with these indices, or null where none is stored. Any indices may be asked for.
+    Chunk* FindChunk(const Triple& chunkIndices) { return chunks_.Find(chunkIndices); }
+    const Chunk* FindChunk(const Triple& chunkIndices) const { return chunks_.Find(chunkIndices); }
+
+    /// The number of chunks that are stored.
+    std::size_t StoredChunkCount() const { return chunks_.Size(); }
+
+    /// Calls visit(chunk indices, chunk) for all chunks that are stored: z outermost, then y, then x.
+    template <class Visit> void ForEachChunk(const Visit& visit) { chunks_.ForEach(visit); }
+    template <class Visit> void ForEachChunk(const Visit& visit) const { chunks_.ForEach(visit); }
+
+    /// The same for the chunks of one height.
+    template <class Visit> void ForEachChunkOfSlab(std::int64_t z, const Visit& visit) const { chunks_.ForEachOfSlab(z, visit); }
 
 protected:
     /// The extents that the grid was made from, at a level.
-    const Extents& ExtentsAtLevel(std::int64_t lod) const { return extents_[static_cast<std::size_t>(lod)]; }
+    const Extents& ExtentsAtLevel(std::int64_t lod) const { return (*extents_)[static_cast<std::size_t>(lod)]; }
+
+    std::int64_t FinestLevel() const { return finestLOD_; }
+
+    /// Gives back the memory of the chunks for which isErased(chunk) is true. References to them end.
+    template <class IsErased> void EraseChunksIf(const IsErased& isErased) { chunks_.EraseIf(isErased); }
+
+    std::size_t TableBytes() const { return chunks_.AllocatedBytes(); }
 
 private:
-    std::size_t ChunkNumber(const Triple& chunkIndices) const
+    static std::shared_ptr<const LevelExtents> AtAllLevels(const Extents& extents)
     {
-        const Triple offset = Minus(chunkIndices, lowerChunkIndices_);
-        return static_cast<std::size_t>(offset[2] * chunksPerLayer_ + offset[1] * chunksPerRow_ + offset[0]);
+        LevelExtents levels;
+        levels.reserve(static_cast<std::size_t>(LevelCount));
+        for (std::int64_t lod = 0; lod < LevelCount; ++lod) levels.push_back(extents.RescaledCopy(lod));
+        return std::make_shared<const LevelExtents>(std::move(levels));
     }
 
-    std::vector<Extents> extents_; // by level
-    Triple lowerChunkIndices_;
-    Triple upperChunkIndices_;
-    std::int64_t chunksPerRow_;
-    std::int64_t chunksPerLayer_;
-    std::vector<Chunk> chunks_;
+    std::unique_ptr<Chunk> MakeChunk(const Triple& chunkIndices) const
+    {
+        try {
+            auto chunk = std::make_unique<Chunk>(*extents_, chunkIndices);
+            if constexpr (requires { chunk->Initialize(finestLOD_); }) chunk->Initialize(finestLOD_);
+            return chunk;
+        } catch (const std::bad_alloc&) {
+            throw NotEnoughMemory(Chunk::ModelName, ExtentsAtLevel(finestLOD_));
+        }
+    }
+
+    std::shared_ptr<const LevelExtents> extents_;
+    std::int64_t finestLOD_;
+    ChunkTable<Chunk> chunks_;
+    mutable ReaderChunks<Chunk> readerChunks_;
 };
 
-template <class Chunk> Model<Chunk>::Model(const Extents& extents)
-{
-    for (std::int64_t lod = 0; lod < LevelCount; ++lod) extents_.push_back(extents.RescaledCopy(lod));
-    lowerChunkIndices_ = ChunkOfVoxel(extents_.front().LowerIndices(), 0);
-    upperChunkIndices_ = ChunkOfVoxel(extents_.front().UpperIndices(), 0);
-
-    const Triple size = Plus(Minus(upperChunkIndices_, lowerChunkIndices_), {1, 1, 1});
-    chunksPerRow_ = size[0];
-    chunksPerLayer_ = size[0] * size[1];
-    chunks_.reserve(static_cast<std::size_t>(chunksPerLayer_ * size[2]));
-    ForEachTriple(lowerChunkIndices_, upperChunkIndices_,
-                  [&](const Triple& chunkIndices) { chunks_.emplace_back(extents, chunkIndices); });
-}
+template <class Chunk>
+Model<Chunk>::Model(const Extents& extents, std::int64_t finestLOD)
+    : extents_(AtAllLevels(extents)),
+      finestLOD_(finestLOD),
+      chunks_(ChunkOfVoxel(extents_->front().LowerIndices(), 0), ChunkOfVoxel(extents_->front().UpperIndices(), 0))
+{}
 
 } // namespace brix

@@ -71,8 +71,8 @@ void PropagateLevel(VoxelModel<bool>& model, std::int64_t lod)
 {
     RequireLevelOf(model.FinestLOD(), "The level of detail for voxel model operations", lod);
     const InstructionSet instructionSet = FastestInstructionSet();
-    ForEachTriple(model.LowerChunkIndices(), model.UpperChunkIndices(),
-                  [&](const Triple& chunk) { PropagateChunk(model.ChunkRef(chunk), lod, model.FinestLOD(), instructionSet); });
+    model.ForEachChunk(
+        [&](const Triple&, VoxelChunk<bool>& chunk) { PropagateChunk(chunk, lod, model.FinestLOD(), instructionSet); });
 }
 
 } // namespace brix

@@ -5,6 +5,7 @@
 #include "VoxelModel.h"
 
 #include <type_traits>
+#include <utility>
 
 namespace brix {
 
@@ -24,14 +25,9 @@ public:
     /// Throws std::domain_error when the level is negative or beyond the model's finest one.
     StackIteratorBase(VoxelModelType& model, const Triple& voxelIndices, std::int64_t lod) : StackIteratorBase(model, lod)
     {
-        const Triple chunkIndices = ChunkOfVoxel(voxelIndices, lod);
-        if (!model.IsChunkValid(chunkIndices)) return;
-        Store& store = model.ChunkRef(chunkIndices).VoxelStoreRef(lod);
-        const StackIndices stackIndices = store.ContainingStack(voxelIndices);
-        if (!store.IsStackValid(stackIndices)) return;
-        store_ = &store;
-        chunkIndices_ = chunkIndices;
-        stackIndices_ = stackIndices;
+        const Extents& extents = model.ExtentsRef(lod);
+        const Triple stack = StackOfVoxel(voxelIndices);
+        if (IsWithin(stack, StackOfVoxel(extents.LowerIndices()), StackOfVoxel(extents.UpperIndices()))) MoveTo(voxelIndices);
     }
 
     /// The stack that holds a voxel, if the model does: the short way for a voxel that mostly is inside the extents. Throws as
@@ -39,11 +35,7 @@ public:
     static StackIteratorBase OfVoxelInside(VoxelModelType& model, const Triple& voxelIndices, std::int64_t lod)
     {
         StackIteratorBase iterator(model, lod);
-        if (model.ContainsVoxel(voxelIndices, lod)) {
-            iterator.chunkIndices_ = ChunkOfVoxel(voxelIndices, lod);
-            iterator.store_ = &model.ChunkRef(iterator.chunkIndices_).VoxelStoreRef(lod);
-            iterator.stackIndices_ = iterator.store_->ContainingStack(voxelIndices);
-        }
+        if (model.ContainsVoxel(voxelIndices, lod)) iterator.MoveTo(voxelIndices);
         return iterator;
     }
 
@@ -59,12 +51,13 @@ public:
         StackIteratorBase(const StackIteratorBase<Other>& other)
         : model_(other.model_),
           lod_(other.lod_),
+          isValid_(other.isValid_),
           store_(other.store_),
           chunkIndices_(other.chunkIndices_),
           stackIndices_(other.stackIndices_)
     {}
 
-    bool IsValid() const { return store_ != nullptr; }
+    bool IsValid() const { return isValid_; }
     VoxelModelType& VoxelModelRef() const { return *model_; }
     std::int64_t VoxelLOD() const { return lod_; }
 
@@ -74,15 +67,34 @@ public:
         if (!IsValid()) ThrowInvalidStackIterator();
     }
 
-    Store& VoxelStoreRef() const { return Validate(), *store_; }
+    /// Where nothing is stored, these make an empty chunk to refer to.
+    Store& VoxelStoreRef() const
+    {
+        Validate();
+        if (store_ == nullptr) store_ = &model_->ChunkRef(chunkIndices_).VoxelStoreRef(lod_);
+        return *store_;
+    }
     Stack& VoxelStackRef() const { return VoxelStoreRef().ValidStackRef(stackIndices_); }
 
+    /// The stack to be read at once: the shared empty one where nothing is stored.
+    const VoxelStack<bool>& StackToRead() const
+    {
+        Validate();
+        if (store_ == nullptr) FindStore();
+        return store_ != nullptr ? std::as_const(*store_).ValidStackRef(stackIndices_) : EmptyStack;
+    }
+
     /// Voxel indices of the stack's lower corner.
-    Triple LowerIndices() const { return VoxelStoreRef().LowerIndices(stackIndices_); }
+    Triple LowerIndices() const
+    {
+        Validate();
+        return Plus(ChunkLowerIndices(chunkIndices_, lod_), {PlateWidth * stackIndices_[0], PlateWidth * stackIndices_[1], 0});
+    }
 
     /// The part of the stack that lies in the extents, as inclusive offsets inside the stack.
-    Triple LowerOffset() const { return VoxelStoreRef().LowerOffset(stackIndices_); }
-    Triple UpperOffset() const { return VoxelStoreRef().UpperOffset(stackIndices_); }
+    OffsetBox Inside() const { return PartInside(model_->ExtentsRef(lod_), LowerIndices()); }
+    Triple LowerOffset() const { return Inside().lower; }
+    Triple UpperOffset() const { return Inside().upper; }
 
     /// Stack order: chunk z, y, x, then stack row, then column. Both iterators must be valid (std::out_of_range) and of one model
     /// (std::domain_error).
@@ -102,9 +114,24 @@ private:
         return {chunkIndices_[2], chunkIndices_[1], chunkIndices_[0], stackIndices_[1], stackIndices_[0]};
     }
 
+    void MoveTo(const Triple& voxelIndices)
+    {
+        isValid_ = true;
+        chunkIndices_ = ChunkOfVoxel(voxelIndices, lod_);
+        const Triple stack = StackOfVoxel(Minus(voxelIndices, ChunkLowerIndices(chunkIndices_, lod_)));
+        stackIndices_ = {stack[0], stack[1]};
+        FindStore();
+    }
+
+    void FindStore() const
+    {
+        if (auto* const chunk = model_->FindChunk(chunkIndices_)) store_ = &chunk->VoxelStoreRef(lod_);
+    }
+
     VoxelModelType* model_;
     std::int64_t lod_;
-    Store* store_ = nullptr; // none: not valid
+    bool isValid_ = false;
+    mutable Store* store_ = nullptr; // looked up again as long as nothing is stored there
     Triple chunkIndices_{};
     StackIndices stackIndices_{};
 };

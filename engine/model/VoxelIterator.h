@@ -62,7 +62,7 @@ public:
     {
         Validate();
         const Triple offset = PlusSaturated({xy_[0], xy_[1], z_}, step);
-        if (!IsWithin(offset, stack_.LowerOffset(), stack_.UpperOffset())) {
+        if (const OffsetBox inExtents = stack_.Inside(); !IsWithin(offset, inExtents.lower, inExtents.upper)) {
             return *this = VoxelIteratorBase(VoxelModelRef(), PlusSaturated(stack_.LowerIndices(), offset), VoxelLOD());
         }
         xy_ = {offset[0], offset[1]};
@@ -75,7 +75,7 @@ public:
 private:
     template <class> friend class VoxelIteratorBase;
 
-    const VoxelStack<bool>& StackRef() const { return stack_.VoxelStackRef(); }
+    const VoxelStack<bool>& StackRef() const { return stack_.StackToRead(); }
 
     // Steps at the limits of 64 bits end outside every model instead of overflowing.
     static Triple PlusSaturated(const Triple& indices, const Triple& step)

@@ -19,8 +19,10 @@ using ConstVoxelIterator = VoxelIteratorBase<const VoxelModel<bool>>;
 template <> class VoxelModel<bool> : public virtual Model<VoxelChunk<bool>>
 {
 public:
-    /// An empty model on these extents (given at any level) that holds the levels 0..finestLOD. Costs 8 bytes and no allocation
-    /// per stack. Throws std::domain_error when the finest level is negative or not less than 6; then NotEnoughMemory.
+    /// An empty model on these extents (given at any level) that holds the levels 0..finestLOD. Takes about a kilobyte, whatever
+    /// the size of the extents: a chunk takes memory from the moment it is asked for to be written, which may throw
+    /// NotEnoughMemory.
+    /// Throws std::domain_error when the finest level is negative or not less than 6.
     VoxelModel(const Extents& extents, std::int64_t finestLOD);
 
     VoxelModel(const VoxelModel&) = default;
@@ -29,7 +31,7 @@ public:
     VoxelModel& operator=(VoxelModel&& other) noexcept; // not defaulted: the virtual base is moved once
     ~VoxelModel() override = default;
 
-    std::int64_t FinestLOD() const { return finestLOD_; }
+    std::int64_t FinestLOD() const { return FinestLevel(); }
 
     /// Whether a voxel of a level, which must be one of 0..FinestLOD(), lies inside the extents.
     bool ContainsVoxel(const Triple& voxelIndices, std::int64_t lod) const
@@ -48,8 +50,8 @@ public:
     /// Bytes of the heap that the model's chunks, stores and stacks own, all levels together.
     std::size_t AllocatedBytes() const;
 
-private:
-    std::int64_t finestLOD_;
+    /// Gives back the memory of the chunks that hold no filled voxel at any level. References to them end.
+    void ReleaseEmptyChunks();
 };
 
 } // namespace brix

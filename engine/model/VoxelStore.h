@@ -3,7 +3,7 @@
 
 #include "VoxelStack.h"
 
-#include <vector>
+#include <memory>
 
 namespace brix {
 
@@ -15,37 +15,42 @@ template <class Value> class VoxelStore;
 template <> class VoxelStore<bool>
 {
 public:
-    /// An empty store. `extents` are the model's at this level; `lowerIndices` the chunk's lower corner in voxels of this level.
+    /// An empty store. `extents` are the model's at this level, which must outlive the store; `lowerIndices` the chunk's lower
+    /// corner in voxels of this level.
     VoxelStore(const Extents& extents, const Triple& lowerIndices);
+    VoxelStore(Extents&& extents, const Triple& lowerIndices) = delete;
 
-    const Extents& ExtentsRef() const { return extents_; }
+    VoxelStore(const VoxelStore& other);
+    VoxelStore(VoxelStore&& other) noexcept = default;
+    VoxelStore& operator=(const VoxelStore& other) { return *this = VoxelStore(other); }
+    VoxelStore& operator=(VoxelStore&& other) noexcept = default;
+    ~VoxelStore() = default;
+
+    const Extents& ExtentsRef() const { return *extents_; }
 
     /// Stacks in a row of the store, 2^L.
-    std::int64_t StacksPerRow() const { return stacksPerRow_; }
+    std::int64_t StacksPerRow() const { return std::int64_t{1} << extents_->VoxelLOD(); }
 
     /// The stacks that the extents touch, inclusive. Only these are ever written by operations, and only these take memory.
-    StackIndices LowerStack() const { return lowerStack_; }
-    StackIndices UpperStack() const { return upperStack_; }
-    bool IsStackValid(const StackIndices& ij) const
-    {
-        return lowerStack_[0] <= ij[0] && ij[0] <= upperStack_[0] && lowerStack_[1] <= ij[1] && ij[1] <= upperStack_[1];
-    }
+    StackIndices LowerStack() const { return valid_.Lower(); }
+    StackIndices UpperStack() const { return valid_.Upper(); }
+    bool IsStackValid(const StackIndices& ij) const { return valid_.Contains(ij); }
 
     /// The stack of column i and row j, each 0 .. StacksPerRow() - 1. One that is not valid is empty; to ask for it to be written
     /// makes the store keep all of its stacks, which moves the others.
     VoxelStack<bool>& VoxelStackRef(const StackIndices& ij)
     {
-        if (!IsKept(ij)) KeepAllStacks();
-        return stacks_[StackNumber(ij)];
+        if (!kept_.Contains(ij)) KeepAllStacks();
+        return stacks_[kept_.Number(ij)];
     }
     const VoxelStack<bool>& VoxelStackRef(const StackIndices& ij) const
     {
-        return IsKept(ij) ? stacks_[StackNumber(ij)] : EmptyStack;
+        return kept_.Contains(ij) ? stacks_[kept_.Number(ij)] : EmptyStack;
     }
 
     /// The same without a check. Precondition: IsStackValid(ij).
-    VoxelStack<bool>& ValidStackRef(const StackIndices& ij) { return stacks_[StackNumber(ij)]; }
-    const VoxelStack<bool>& ValidStackRef(const StackIndices& ij) const { return stacks_[StackNumber(ij)]; }
+    VoxelStack<bool>& ValidStackRef(const StackIndices& ij) { return stacks_[kept_.Number(ij)]; }
+    const VoxelStack<bool>& ValidStackRef(const StackIndices& ij) const { return stacks_[kept_.Number(ij)]; }
 
     /// Voxel indices of the chunk's, and of a stack's, corners.
     Triple LowerIndices() const { return lowerIndices_; }
@@ -53,7 +58,7 @@ public:
     Triple UpperIndices(const StackIndices& ij) const { return Plus(LowerIndices(ij), LastOffset); }
 
     /// The part of a stack that lies in the extents, as inclusive offsets inside the stack.
-    OffsetBox Inside(const StackIndices& ij) const { return PartInside(extents_, LowerIndices(ij)); }
+    OffsetBox Inside(const StackIndices& ij) const { return PartInside(*extents_, LowerIndices(ij)); }
     Triple LowerOffset(const StackIndices& ij) const { return Inside(ij).lower; }
     Triple UpperOffset(const StackIndices& ij) const { return Inside(ij).upper; }
 
@@ -64,28 +69,40 @@ public:
         return {stack[0], stack[1]};
     }
 
+    /// Whether all stacks are stored as wholly empty.
+    bool IsUnallocated() const;
+
     /// Bytes of the heap that the store owns.
     std::size_t AllocatedBytes() const;
 
 private:
-    bool IsKept(const StackIndices& ij) const
+    // A rectangle of stacks, inclusive; a row has 32 at most.
+    struct Range
     {
-        return lowerKept_[0] <= ij[0] && ij[0] <= upperKept_[0] && lowerKept_[1] <= ij[1] && ij[1] <= upperKept_[1];
-    }
-    std::size_t StackNumber(const StackIndices& ij) const
-    {
-        return static_cast<std::size_t>((ij[1] - lowerKept_[1]) * (upperKept_[0] - lowerKept_[0] + 1) + ij[0] - lowerKept_[0]);
-    }
+        std::int8_t lowerI, lowerJ, upperI, upperJ;
+
+        StackIndices Lower() const { return {lowerI, lowerJ}; }
+        StackIndices Upper() const { return {upperI, upperJ}; }
+        std::int64_t Columns() const { return upperI - lowerI + 1; }
+        std::size_t Count() const { return static_cast<std::size_t>(Columns() * (upperJ - lowerJ + 1)); }
+        std::size_t Number(const StackIndices& ij) const
+        {
+            return static_cast<std::size_t>((ij[1] - lowerJ) * Columns() + ij[0] - lowerI);
+        }
+        bool Contains(const StackIndices& ij) const
+        {
+            return lowerI <= ij[0] && ij[0] <= upperI && lowerJ <= ij[1] && ij[1] <= upperJ;
+        }
+    };
+    using Stacks = std::unique_ptr<VoxelStack<bool>[]>;
+
     void KeepAllStacks();
 
-    Extents extents_;
+    const Extents* extents_;
     Triple lowerIndices_;
-    std::int64_t stacksPerRow_;
-    StackIndices lowerStack_;
-    StackIndices upperStack_;
-    StackIndices lowerKept_; // the valid ones, until another one is to be written
-    StackIndices upperKept_;
-    std::vector<VoxelStack<bool>> stacks_; // the kept ones, row by row
+    Range valid_;
+    Range kept_;    // the valid ones, until another one is to be written
+    Stacks stacks_; // the kept ones, row by row
 };
 
 } // namespace brix

@@ -157,8 +157,7 @@ std::vector<VoxelModel<bool>> Splitter::MakeModels(const Axes& axes, std::int64_
         VoxelModel<bool>& model = models.emplace_back(Extents(axes, region.lower, region.upper, lod), lod);
         for (std::uint32_t number = region.parts.first; number != None; number = parts_[number].next) {
             Part& part = parts_[number];
-            Store& store = model.ChunkRef(ChunkOfVoxel(part.corner, lod)).VoxelStoreRef(lod);
-            store.VoxelStackRef(store.ContainingStack(part.corner)) = std::move(part.content);
+            MakeStack(model, StackOfVoxel(part.corner), lod) = std::move(part.content);
         }
         PropagateLevel(model, lod);
     }
@@ -173,7 +172,7 @@ std::vector<VoxelModel<bool>> AutoSplit(const VoxelModel<bool>& model)
     const LevelGrid grid(model, model.ExtentsRef(lod));
     const RegionLabels labels(model, grid);
     Splitter splitter(labels.RegionCount());
-    ForEachStack(model, lod, [&](const Store& store, const StackIndices& ij) {
+    ForEachStoredStack(model, lod, [&](const Store& store, const StackIndices& ij) {
         const Triple corner = store.LowerIndices(ij);
         splitter.AddStack(store.VoxelStackRef(ij), corner, labels.RegionsOf(StackOfVoxel(corner)));
     });

@@ -46,7 +46,7 @@ Extents FilledExtents(const VoxelModel<bool>& model)
     const Extents& extents = model.ExtentsRef(model.FinestLOD());
     Triple lower = extents.UpperIndices();
     Triple upper = extents.LowerIndices();
-    ForEachStack(model, model.FinestLOD(), [&](const Store& store, const StackIndices& ij) {
+    ForEachStoredStack(model, model.FinestLOD(), [&](const Store& store, const StackIndices& ij) {
         WidenByFilled(store.VoxelStackRef(ij), store.LowerIndices(ij), lower, upper);
     });
     if (lower[0] > upper[0] || IsEmpty(model, model.FinestLOD())) {
@@ -72,7 +72,7 @@ std::int64_t CountFilled(const VoxelModel<bool>& model, std::int64_t lod)
     RequireOperationLevel(model, lod);
     std::int64_t count = 0;
     RunWith(FastestInstructionSet(), [&] {
-        ForEachStack(model, lod, [&](const Store& store, const StackIndices& ij) {
+        ForEachStoredStack(model, lod, [&](const Store& store, const StackIndices& ij) {
             const Stack& stack = store.VoxelStackRef(ij);
             if (!stack.IsUnallocated()) count += CountFilled(stack);
         });
@@ -83,7 +83,7 @@ std::int64_t CountFilled(const VoxelModel<bool>& model, std::int64_t lod)
 bool IsEmpty(const VoxelModel<bool>& model, std::int64_t lod)
 {
     RequireOperationLevel(model, lod);
-    return AllStacks(model, lod, [](const Store& store, const StackIndices& ij) {
+    return AllStoredStacks(model, lod, [](const Store& store, const StackIndices& ij) {
         const auto plates = store.VoxelStackRef(ij).Plates();
         return std::all_of(plates.begin(), plates.end(), [](const VoxelPlate<bool>& plate) { return IsEmpty(plate); });
     });
@@ -92,7 +92,9 @@ bool IsEmpty(const VoxelModel<bool>& model, std::int64_t lod)
 bool IsFull(const VoxelModel<bool>& model, std::int64_t lod)
 {
     RequireOperationLevel(model, lod);
-    return AllStacks(model, lod, [](const Store& store, const StackIndices& ij) {
+    const Triple chunks = Plus(Minus(model.UpperChunkIndices(), model.LowerChunkIndices()), {1, 1, 1});
+    if (static_cast<std::int64_t>(model.StoredChunkCount()) != chunks[0] * chunks[1] * chunks[2]) return false;
+    return AllStoredStacks(model, lod, [](const Store& store, const StackIndices& ij) {
         return IsFullInside(store.VoxelStackRef(ij), store.LowerOffset(ij), store.UpperOffset(ij));
     });
 }

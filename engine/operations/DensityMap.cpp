@@ -10,6 +10,7 @@
 
 #include <cmath>
 #include <deque>
+#include <set>
 #include <string>
 
 namespace brix {
@@ -165,8 +166,9 @@ void WriteChunk(std::vector<VoxelModel<bool>>& results, const Triple& chunk, con
     ForEachStackOfStore(results.front().ChunkRef(chunk).VoxelStoreRef(lod), [&](Store& store, const StackIndices& ij) {
         stacks.Clear();
         for (std::size_t i = 0; i < models.size(); ++i) {
-            if (!models[i]->IsChunkValid(chunk)) continue;
-            const Stack& stack = models[i]->ChunkRef(chunk).VoxelStoreRef(lod).VoxelStackRef(ij);
+            const VoxelChunk<bool>* const source = models[i]->FindChunk(chunk);
+            if (source == nullptr) continue;
+            const Stack& stack = source->VoxelStoreRef(lod).VoxelStackRef(ij);
             if (!stack.IsUnallocated()) stacks.Add(stack, weights[i]);
         }
         for (std::size_t i = 0; i < results.size(); ++i) {
@@ -176,6 +178,19 @@ void WriteChunk(std::vector<VoxelModel<bool>>& results, const Triple& chunk, con
         const OffsetBox inExtents = store.Inside(ij);
         for (Stack* const stack : written) stack->FillOutsideBox(inExtents.lower, inExtents.upper, false);
     });
+}
+
+// The chunks in which a threshold may be reached: those that a model stores, or all of the result for a threshold of 0 or below.
+std::set<Triple> ChunksOf(const ModelPointers& models, const VoxelModel<bool>& result, const std::vector<double>& thresholds)
+{
+    std::set<Triple> chunks;
+    const auto add = [&](const Triple& chunk) {
+        if (result.IsChunkValid(chunk)) chunks.insert(chunk);
+    };
+    for (const VoxelModel<bool>* model : models) model->ForEachChunk([&](const Triple& chunk, const auto&) { add(chunk); });
+    if (std::any_of(thresholds.begin(), thresholds.end(), [](double threshold) { return threshold <= 0; }))
+        ForEachTriple(result.LowerChunkIndices(), result.UpperChunkIndices(), add);
+    return chunks;
 }
 
 } // namespace
@@ -190,10 +205,13 @@ std::vector<VoxelModel<bool>> DensityMap(const std::vector<const VoxelModel<bool
     std::deque<VoxelModel<bool>> refined;
     const ModelPointers sources = AtLevel(models, lod, refined);
     WeightedStacks stacks;
-    ForEachTriple(empty.LowerChunkIndices(), empty.UpperChunkIndices(), [&](const Triple& chunk) {
+    for (const Triple& chunk : ChunksOf(sources, empty, thresholds)) {
         RunWith(FastestInstructionSet(), [&] { WriteChunk(results, chunk, sources, weights, thresholds, stacks); });
-    });
-    for (VoxelModel<bool>& result : results) PropagateLevel(result, lod);
+    }
+    for (VoxelModel<bool>& result : results) {
+        result.ReleaseEmptyChunks();
+        PropagateLevel(result, lod);
+    }
     return results;
 }
 

@@ -244,7 +244,7 @@ template <class Visit> void Flood::ForEachRun(const Triple& stack, const Visit& 
 // The level's result, with every layer made of a run by a rule. The grid gives its stacks away.
 template <class Rule> VoxelModel<bool> MakeResult(LevelGrid& grid, const Flood& flood, const Rule& rule)
 {
-    grid.Rewrite([&](const Triple& stack, Stack& result) {
+    grid.RewriteAll([&](const Triple& stack, Stack& result) {
         StackBuilder builder;
         flood.ForEachRun(stack, [&](std::int64_t start, const Run& run) { builder.Append(start, rule(run)); });
         builder.WriteTo(result);

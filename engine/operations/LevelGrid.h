@@ -1,16 +1,30 @@
-// One level of a model as a plain grid of stacks, without the chunks between: what passes over neighbouring stacks read and
-// write.
+// One level of a model as a grid of stacks, without the chunks between: what passes over neighbouring stacks read and write.
 #pragma once
 
 #include "../model/VoxelModel.h"
 
+#include <span>
+
 namespace brix {
 
-/// The stacks that extents touch at their level, by their place among all stacks of the level (StackOfVoxel).
-/// The grid starts by looking at a model's stacks and owns those that a pass has written.
+/// The stacks that extents touch at their level, by their place among all stacks of the level (StackOfVoxel). The grid starts by
+/// looking at a model's stacks and owns those that a pass has written. Like the model it is sparse: it keeps blocks of stacks,
+/// one for each chunk that holds something, and for every block a bit for each stack that is not empty:
+///
+///     occupied[1]   ..##      row 1 of the block's stacks, bit i for column i
+///     occupied[0]   .#..
+///
+/// Where a pass has work to do follows from these bits, moved by the distance that it looks. Not for several threads.
 class LevelGrid
 {
 public:
+    /// What a pass reads: for every stack that it writes, the one `offset` stacks away in a grid.
+    struct Source
+    {
+        const LevelGrid* grid;
+        Triple offset{};
+    };
+
     /// The model's stacks at the level of `extents`, which may reach beyond the model: what it does not have is empty.
     /// The model must outlive the grid.
     LevelGrid(const VoxelModel<bool>& model, const Extents& extents);
@@ -22,29 +36,26 @@ public:
     /// A stack of the grid, or an empty one outside it.
     const VoxelStack<bool>& StackAt(const Triple& stack) const
     {
-        return IsWithin(stack, lower_, upper_) ? *stacks_[Number(stack)] : EmptyStack;
+        const Block* const block = FindBlock(ChunkOf(stack));
+        return block != nullptr ? block->StackAt(InChunk(stack[0]), InChunk(stack[1]), bits_) : EmptyStack;
     }
 
     /// The part of a stack that lies in the extents, as inclusive offsets inside the stack.
     OffsetBox Inside(const Triple& stack) const { return PartInside(extents_, CornerOfStack(stack)); }
 
     /// Replaces every stack: write(stack, result) overwrites `result`, whose content before is arbitrary. StackAt gives the old
-    /// stacks until all are written.
-    template <class Write> void Rewrite(const Write& write)
-    {
-        if (spare_.empty()) spare_.resize(stacks_.size());
-        ForEachTriple(lower_, upper_, [&](const Triple& stack) { write(stack, spare_[Number(stack)]); });
-        std::swap(owned_, spare_);
-        for (std::size_t i = 0; i < stacks_.size(); ++i) stacks_[i] = &owned_[i];
-    }
+    /// stacks until all are written. What all sources leave empty becomes empty without being written.
+    template <class Write> void Rewrite(std::span<const Source> sources, const Write& write);
+
+    /// The same for every stack of the grid, whatever it holds.
+    template <class Write> void RewriteAll(const Write& write);
 
     /// A model on the extents whose finest level holds the grid's stacks, which are gone afterwards; coarser levels are left
     /// empty.
     VoxelModel<bool> TakeModel();
 
-    /// The stacks are numbered from 0 to StackCount() - 1: x innermost, then y, then z.
-    std::size_t StackCount() const { return stacks_.size(); }
-
+    /// All stacks of the extents are numbered from 0 to StackCount() - 1: x innermost, then y, then z.
+    std::size_t StackCount() const { return static_cast<std::size_t>(size_[0] * size_[1] * size_[2]); }
     std::size_t Number(const Triple& stack) const
     {
         const Triple offset = Minus(stack, lower_);
@@ -52,13 +63,82 @@ public:
     }
 
 private:
+    static constexpr std::int64_t MostPerRow = std::int64_t{1} << (LevelCount - 1);
+    using Rows = std::array<std::uint32_t, static_cast<std::size_t>(MostPerRow)>; // row j, bit i: stack (i, j) of a chunk
+    static_assert(MostPerRow == 32);
+
+    struct Block
+    {
+        const VoxelStack<bool>& StackAt(std::int64_t i, std::int64_t j, std::int64_t bits) const
+        {
+            return looksAt != nullptr ? looksAt->VoxelStackRef({i, j}) : stacks[static_cast<std::size_t>(j << bits | i)];
+        }
+
+        Rows occupied{};
+        const VoxelStore<bool>* looksAt = nullptr; // a model's stacks, or else its own:
+        std::unique_ptr<VoxelStack<bool>[]> stacks;
+        bool isWritten = false; // by the pass at work
+    };
+    using Blocks = ChunkTable<Block>;
+
+    Triple ChunkOf(const Triple& stack) const { return {FloorShift(stack[0], bits_), FloorShift(stack[1], bits_), stack[2]}; }
+    std::int64_t PerRow() const { return std::int64_t{1} << bits_; }
+    std::int64_t InChunk(std::int64_t stack) const { return stack & (PerRow() - 1); }
+
+    // Passes mostly read the block that they read last.
+    const Block* FindBlock(const Triple& chunk) const
+    {
+        if (chunk != lastChunk_) {
+            lastChunk_ = chunk;
+            lastBlock_ = blocks_.Find(chunk);
+        }
+        return lastBlock_;
+    }
+
+    std::uint64_t OccupiedFrom(const Triple& stack) const;
+    std::vector<Triple> ChunksToWrite(std::span<const Source> sources) const;
+    Rows StacksToWrite(const Triple& chunk, std::span<const Source> sources) const;
+    Rows StacksOfGrid(const Triple& chunk) const;
+    Block& BlockToWrite(const Triple& chunk, const Rows& written);
+    void ReplaceByWritten();
+
+    template <class Write> void WriteBlock(const Triple& chunk, const Rows& stacks, const Write& write);
+
     Extents extents_;
+    std::int64_t bits_; // a chunk has 2^bits stacks along x and y
     Triple lower_;
     Triple upper_;
     Triple size_;
-    std::vector<const VoxelStack<bool>*> stacks_; // of the model, or of owned_
-    std::vector<VoxelStack<bool>> owned_;
-    std::vector<VoxelStack<bool>> spare_; // what the next pass writes to
+    Blocks blocks_;
+    Blocks spare_; // what the next pass writes to: the stacks of the pass before the last one, whose memory is used again
+    mutable Triple lastChunk_;
+    mutable const Block* lastBlock_ = nullptr;
 };
+
+template <class Write> void LevelGrid::WriteBlock(const Triple& chunk, const Rows& stacks, const Write& write)
+{
+    Block& block = BlockToWrite(chunk, stacks);
+    for (std::int64_t j = 0; j < PerRow(); ++j) {
+        std::uint32_t& occupied = block.occupied[static_cast<std::size_t>(j)];
+        for (std::uint32_t row = stacks[static_cast<std::size_t>(j)]; row != 0; row &= row - 1) {
+            const std::int64_t i = std::countr_zero(row);
+            VoxelStack<bool>& result = block.stacks[static_cast<std::size_t>(j << bits_ | i)];
+            write(Triple{chunk[0] << bits_ | i, chunk[1] << bits_ | j, chunk[2]}, result);
+            if (!result.IsUnallocated()) occupied |= 1U << i;
+        }
+    }
+}
+
+template <class Write> void LevelGrid::Rewrite(std::span<const Source> sources, const Write& write)
+{
+    for (const Triple& chunk : ChunksToWrite(sources)) WriteBlock(chunk, StacksToWrite(chunk, sources), write);
+    ReplaceByWritten();
+}
+
+template <class Write> void LevelGrid::RewriteAll(const Write& write)
+{
+    ForEachTriple(ChunkOf(lower_), ChunkOf(upper_), [&](const Triple& chunk) { WriteBlock(chunk, StacksOfGrid(chunk), write); });
+    ReplaceByWritten();
+}
 
 } // namespace brix

@@ -35,6 +35,9 @@ inline Triple NeighbourOf(Triple stack, Axis axis, Side side, std::int64_t count
     return stack;
 }
 
+/// The stacks beside those of a grid, as what a pass reads.
+inline LevelGrid::Source Beside(const LevelGrid& grid, Axis axis, Side side) { return {&grid, NeighbourOf({}, axis, side)}; }
+
 /// Calls work(constant) with a type whose `value` is the axis.
 template <class Work> bool WithAxis(Axis axis, const Work& work)
 {
@@ -69,35 +72,36 @@ inline bool IsUnallocated(const VoxelStack<bool>& stack) { return stack.IsUnallo
 inline bool IsUnallocated(const ShiftedStack& stack) { return stack.lower.IsUnallocated() && stack.upper.IsUnallocated(); }
 
 /// Rewrites every stack of the grid: stacksOf(stack, combine) calls combine(sources...) with the stacks to be read, and the
-/// result is rule(their plates...), height by height, restrained and clipped at the extents. The rule must make an empty plate of
-/// empty plates, and where all sources are empty, so must the restraint. Returns whether anything has changed.
+/// result is rule(their plates...), height by height, restrained and clipped at the extents. `sources` tells where those stacks
+/// are, the grid's own among them. The rule must make an empty plate of empty plates, and where all sources are empty, so must
+/// the restraint: only what has a source that is not empty is visited. Returns whether anything has changed.
 template <class StacksOf, class Rule, class Restrain>
-bool Pass(LevelGrid& grid, const StacksOf& stacksOf, const Rule& rule, const Restraint<Restrain>& restraint,
-          InstructionSet instructionSet = FastestInstructionSet())
+bool Pass(LevelGrid& grid, std::initializer_list<LevelGrid::Source> sources, const StacksOf& stacksOf, const Rule& rule,
+          const Restraint<Restrain>& restraint, InstructionSet instructionSet = FastestInstructionSet())
 {
     using Plate = VoxelPlate<bool>;
     using Stack = VoxelStack<bool>;
     bool isChanged = false;
     const auto write = [&](const Triple& stack, Stack& result) {
-        stacksOf(stack, [&](const auto&... sources) {
-            if ((IsUnallocated(sources) && ...)) {
+        stacksOf(stack, [&](const auto&... stacks) {
+            if ((IsUnallocated(stacks) && ...)) {
                 result = Stack();
                 return;
             }
             const Stack& guide = restraint.guide != nullptr ? restraint.guide->StackAt(stack) : EmptyStack;
             const OffsetBox inExtents = grid.Inside(stack);
             if (guide.IsUnallocated() && inExtents.IsWholeStack()) {
-                CombineStacks(result, rule, sources...);
+                CombineStacks(result, rule, stacks...);
                 return;
             }
             const auto restrained = [&](const Plate& inside, const Plate& barrier, const auto&... plates) {
                 return inside & restraint.restrain(rule(plates...), barrier);
             };
-            CombineStacks(result, restrained, BoxStack(inExtents), guide, sources...);
+            CombineStacks(result, restrained, BoxStack(inExtents), guide, stacks...);
         });
         isChanged = isChanged || !(result == grid.StackAt(stack));
     };
-    RunWith(instructionSet, [&] { grid.Rewrite(write); });
+    RunWith(instructionSet, [&] { grid.Rewrite({sources.begin(), sources.size()}, write); });
     return isChanged;
 }
 
@@ -117,13 +121,15 @@ bool PassTowards(LevelGrid& grid, std::int64_t distance, const Rule& rule, const
         else
             combine(grid.StackAt(stack), near, far);
     };
+    const LevelGrid::Source nearSource{&grid, NeighbourOf({}, axis, side, skipped)};
+    const LevelGrid::Source farSource{&grid, NeighbourOf({}, axis, side, skipped + 1)};
     if constexpr (axis == Axis::Z) {
-        return Pass(grid, withSeen, rule, restraint, instructionSet);
+        return Pass(grid, {{&grid}, nearSource, farSource}, withSeen, rule, restraint, instructionSet);
     } else {
         const auto ruleTowards = [&](const Plate& here, const Plate& near, const Plate& far) {
             return rule(here, Towards<axis, side>(near, far, steps));
         };
-        return Pass(grid, withSeen, ruleTowards, restraint, instructionSet);
+        return Pass(grid, {{&grid}, nearSource, farSource}, withSeen, ruleTowards, restraint, instructionSet);
     }
 }
 
@@ -163,7 +169,8 @@ bool PassBothWays(LevelGrid& grid, Axis alongAxis, std::int64_t lowerDistance, s
                 return rule(rule(here, Towards<axis.value, Side::Lower>(here, lower, lowerDistance)),
                             Towards<axis.value, Side::Upper>(here, upper, upperDistance));
         };
-        return Pass(grid, withSeen, ruleBothWays, restraint, instructionSet);
+        return Pass(grid, {{&grid}, Beside(grid, axis, Side::Lower), Beside(grid, axis, Side::Upper)}, withSeen, ruleBothWays,
+                    restraint, instructionSet);
     });
 }
 
@@ -181,7 +188,13 @@ bool PassBeside(LevelGrid& grid, const Rule& rule, const Restraint<Restrain>& re
     const auto ruleBeside = [&](const Plate& here, const auto&... beyond) {
         return rule(here, HorizontalNeighbours(here, beyond...));
     };
-    return Pass(grid, withNeighbours, ruleBeside, restraint, instructionSet);
+    return Pass(grid,
+                {{&grid},
+                 Beside(grid, Axis::X, Side::Lower),
+                 Beside(grid, Axis::X, Side::Upper),
+                 Beside(grid, Axis::Y, Side::Lower),
+                 Beside(grid, Axis::Y, Side::Upper)},
+                withNeighbours, ruleBeside, restraint, instructionSet);
 }
 
 /// Rewrites every plate by rule(here, HorizontalNeighbours, plate below, plate above).
@@ -200,7 +213,15 @@ bool PassAround(LevelGrid& grid, const Rule& rule, const Restraint<Restrain>& re
     const auto ruleAround = [&](const Plate& here, const Plate& below, const Plate& above, const auto&... beyond) {
         return rule(here, HorizontalNeighbours(here, beyond...), below, above);
     };
-    return Pass(grid, withNeighbours, ruleAround, restraint, instructionSet);
+    return Pass(grid,
+                {{&grid},
+                 Beside(grid, Axis::X, Side::Lower),
+                 Beside(grid, Axis::X, Side::Upper),
+                 Beside(grid, Axis::Y, Side::Lower),
+                 Beside(grid, Axis::Y, Side::Upper),
+                 Beside(grid, Axis::Z, Side::Lower),
+                 Beside(grid, Axis::Z, Side::Upper)},
+                withNeighbours, ruleAround, restraint, instructionSet);
 }
 
 } // namespace brix

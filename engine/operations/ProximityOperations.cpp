@@ -41,7 +41,7 @@ std::optional<std::int64_t> FirstFilled(const VoxelModel<bool>& model, Triple vo
         if (!stack.IsValid()) break;
         const Triple offset = Minus(voxel, stack.LowerIndices());
         const std::int64_t origin = stack.LowerIndices()[along];
-        std::uint64_t line = LineOfStack<axis>(stack.VoxelStackRef(), offset);
+        std::uint64_t line = LineOfStack<axis>(stack.StackToRead(), offset);
         line &= side == Side::Lower ? HeightsUpTo(offset[along]) : HeightsFrom(offset[along]);
         if (line != 0) {
             const std::int64_t first =

@@ -27,20 +27,21 @@ template <class Source> VoxelModel<bool> TransferOneLevel(Source& source, const 
     VoxelModel<bool> result(newExtents, newFinestLOD);
     const std::int64_t lod = std::min(source.FinestLOD(), newFinestLOD);
     RunWith(FastestInstructionSet(), [&] {
-        ForEachTriple(Highest(source.LowerChunkIndices(), result.LowerChunkIndices()),
-                      Lowest(source.UpperChunkIndices(), result.UpperChunkIndices()), [&](const Triple& chunkIndices) {
-                          auto& from = source.ChunkRef(chunkIndices).VoxelStoreRef(lod);
-                          ForEachStackOfStore(result.ChunkRef(chunkIndices).VoxelStoreRef(lod),
-                                              [&](VoxelStore<bool>& to, const StackIndices& ij) {
-                                                  if (from.IsStackValid(ij)) TransferStack(to, ij, from.VoxelStackRef(ij));
-                                              });
-                      });
+        source.ForEachChunk([&](const Triple& chunkIndices, auto& chunk) {
+            auto& from = chunk.VoxelStoreRef(lod);
+            if (!result.IsChunkValid(chunkIndices) || from.IsUnallocated()) return;
+            ForEachStackOfStore(result.ChunkRef(chunkIndices).VoxelStoreRef(lod),
+                                [&](VoxelStore<bool>& to, const StackIndices& ij) {
+                                    if (from.IsStackValid(ij)) TransferStack(to, ij, from.VoxelStackRef(ij));
+                                });
+        });
     });
     return result;
 }
 
 VoxelModel<bool> Propagated(VoxelModel<bool>&& model, std::int64_t lod)
 {
+    model.ReleaseEmptyChunks();
     PropagateLevel(model, lod);
     return std::move(model);
 }

@@ -22,14 +22,21 @@ constexpr std::size_t RunCount(unsigned row) { return static_cast<std::size_t>(s
 
 } // namespace
 
-RegionLabels::RegionLabels(const VoxelModel<bool>& model, const LevelGrid& grid) : grid_(grid), stacks_(grid.StackCount())
+RegionLabels::RegionLabels(const VoxelModel<bool>& model, const LevelGrid& grid)
+    : grid_(grid), lod_(model.FinestLOD()), runs_(model.LowerChunkIndices(), model.UpperChunkIndices())
 {
     RunWith(FastestInstructionSet(), [&] {
-        ForEachStack(model, model.FinestLOD(), [&](const VoxelStore<bool>& store, const StackIndices& ij) {
+        ForEachStoredStack(model, model.FinestLOD(), [&](const VoxelStore<bool>& store, const StackIndices& ij) {
             if (!store.VoxelStackRef(ij).IsUnallocated()) AddStack(StackOfVoxel(store.LowerIndices(ij)));
         });
         NumberRegions();
     });
+}
+
+RegionLabels::StackRuns& RegionLabels::MakeRunsOf(const Triple& stack)
+{
+    const auto make = [&] { return std::make_unique<RunsOfChunk>(std::size_t{1} << 2 * lod_); };
+    return runs_.FindOrMake(ChunkOf(stack), make)[NumberInChunk(stack)];
 }
 
 // In stack order, the lower neighbours of a stack are labelled already.
@@ -37,7 +44,7 @@ void RegionLabels::AddStack(const Triple& stack)
 {
     const std::size_t first = labels_.size();
     for (const Plate& plate : grid_.StackAt(stack).Plates()) AddPlate(plate);
-    stacks_[grid_.Number(stack)] = {first, labels_.size() - first};
+    MakeRunsOf(stack) = {first, labels_.size() - first};
 
     const auto plates = grid_.StackAt(stack).Plates();
     const Region* below = labels_.data() + first;

@@ -5,7 +5,7 @@
 //   row 1   .####      run 2, of the region of both
 //
 // Cost: proportional to the stored bit runs (with the logarithm that uniting by the lower label allows, which is not seen in
-// practice), and a number for every stack.
+// practice), and 16 bytes for every stack of the chunks that hold something.
 #pragma once
 
 #include "LevelGrid.h"
@@ -42,7 +42,7 @@ public:
     /// The regions of a stack's runs: layers bottom to top, rows by y, runs by x.
     std::span<const Region> RegionsOf(const Triple& stack) const
     {
-        const StackRuns& runs = stacks_[grid_.Number(stack)];
+        const StackRuns runs = RunsOf(stack);
         return {labels_.data() + runs.first, runs.count};
     }
 
@@ -52,6 +52,21 @@ private:
         std::size_t first = 0;
         std::size_t count = 0;
     };
+
+    using RunsOfChunk = std::vector<StackRuns>; // by stack, row by row
+
+    std::size_t NumberInChunk(const Triple& stack) const
+    {
+        const std::int64_t last = (std::int64_t{1} << lod_) - 1;
+        return static_cast<std::size_t>((stack[1] & last) << lod_ | (stack[0] & last));
+    }
+    Triple ChunkOf(const Triple& stack) const { return {FloorShift(stack[0], lod_), FloorShift(stack[1], lod_), stack[2]}; }
+    StackRuns RunsOf(const Triple& stack) const
+    {
+        const RunsOfChunk* const runs = runs_.Find(ChunkOf(stack));
+        return runs != nullptr ? (*runs)[NumberInChunk(stack)] : StackRuns{};
+    }
+    StackRuns& MakeRunsOf(const Triple& stack);
 
     void AddStack(const Triple& stack);
     void AddPlate(const VoxelPlate<bool>& plate);
@@ -66,9 +81,10 @@ private:
     void Unite(Region a, Region b);
 
     const LevelGrid& grid_;
-    std::vector<StackRuns> stacks_; // by number
-    std::vector<Region> labels_;    // of every run; regions in the end
-    std::vector<Region> parents_;   // of every label, never higher than the label itself
+    std::int64_t lod_;
+    ChunkTable<RunsOfChunk> runs_;
+    std::vector<Region> labels_;  // of every run; regions in the end
+    std::vector<Region> parents_; // of every label, never higher than the label itself
     std::size_t regionCount_ = 0;
 };
 

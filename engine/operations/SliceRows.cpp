@@ -63,11 +63,10 @@ Rows RowsAtSlice(const VoxelModel<bool>& model, std::int64_t sliceIndex, std::in
     Triple voxel = extents.LowerIndices();
     voxel[SliceAxis<fixed>] = sliceIndex;
     if (!extents.ContainsVoxel(voxel)) return rows;
-    Triple lowerChunk = model.LowerChunkIndices();
-    Triple upperChunk = model.UpperChunkIndices();
-    lowerChunk[SliceAxis<fixed>] = upperChunk[SliceAxis<fixed>] = ChunkOfVoxel(voxel, lod)[SliceAxis<fixed>];
-    ForEachTriple(lowerChunk, upperChunk, [&](const Triple& chunk) {
-        ForEachStackOfStore(model.ChunkRef(chunk).VoxelStoreRef(lod), [&](const VoxelStore<bool>& store, const StackIndices& ij) {
+    const std::int64_t chunkOfSlice = ChunkOfVoxel(voxel, lod)[SliceAxis<fixed>];
+    model.ForEachChunk([&](const Triple& chunkIndices, const VoxelChunk<bool>& chunk) {
+        if (chunkIndices[SliceAxis<fixed>] != chunkOfSlice) return;
+        ForEachStackOfStore(chunk.VoxelStoreRef(lod), [&](const VoxelStore<bool>& store, const StackIndices& ij) {
             AddStack<fixed>(rows, store, ij, sliceIndex);
         });
     });

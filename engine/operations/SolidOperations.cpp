@@ -9,7 +9,9 @@
 #include "MergedExtents.h"
 #include "RebuildModel.h"
 
+#include <algorithm>
 #include <utility>
+#include <vector>
 
 namespace brix {
 namespace {
@@ -18,15 +20,25 @@ using Plate = VoxelPlate<bool>;
 using Store = VoxelStore<bool>;
 using Stack = VoxelStack<bool>;
 
+// Where the result of a combination may hold something: in chunks that one of the models stores, or the first, or anywhere.
+enum class Where
+{
+    AnyStored,
+    FirstStored,
+    Anywhere
+};
+
 // The combinations of two sets. Same(a, b) gives the stack that is the result without a look at plates, if one is.
 struct InAny
 {
+    static constexpr Where where = Where::AnyStored;
     static const Stack* Same(const Stack& a, const Stack& b) { return b.IsUnallocated() ? &a : a.IsUnallocated() ? &b : nullptr; }
     Plate operator()(const Plate& a, const Plate& b) const { return a | b; }
 };
 
 struct InBoth
 {
+    static constexpr Where where = Where::FirstStored;
     static const Stack* Same(const Stack& a, const Stack& b)
     {
         return a.IsUnallocated() ? &a : b.IsUnallocated() || &a == &b ? &b : nullptr;
@@ -36,12 +48,14 @@ struct InBoth
 
 struct InFirstOnly
 {
+    static constexpr Where where = Where::FirstStored;
     static const Stack* Same(const Stack& a, const Stack& b) { return a.IsUnallocated() || b.IsUnallocated() ? &a : nullptr; }
     Plate operator()(const Plate& a, const Plate& b) const { return AndNot(a, b); }
 };
 
 struct NotInFirst
 {
+    static constexpr Where where = Where::Anywhere;
     static const Stack* Same(const Stack&, const Stack&) { return nullptr; }
     Plate operator()(const Plate& a, const Plate&) const { return ~a; }
 };
@@ -56,10 +70,32 @@ template <class Rule> void CombineInsideBox(Stack& result, const Rule& rule, con
             result, [&](const Plate& x, const Plate& y, const Plate& inside) { return inside & rule(x, y); }, a, b, box);
 }
 
-// A chunk's store, if there are such a model and chunk.
+// A chunk's store, if there is such a model and it stores the chunk.
 const Store* StoreOf(const VoxelModel<bool>* model, const Triple& chunk, std::int64_t lod)
 {
-    return model != nullptr && model->IsChunkValid(chunk) ? &model->ChunkRef(chunk).VoxelStoreRef(lod) : nullptr;
+    const VoxelChunk<bool>* const found = model != nullptr ? model->FindChunk(chunk) : nullptr;
+    return found != nullptr ? &found->VoxelStoreRef(lod) : nullptr;
+}
+
+// The chunks of `result` in which a combination may leave something.
+std::vector<Triple> ChunksOf(Where where, const VoxelModel<bool>& result, const VoxelModel<bool>* first,
+                             const VoxelModel<bool>* second)
+{
+    std::vector<Triple> chunks;
+    const auto add = [&](const Triple& chunk) {
+        if (result.IsChunkValid(chunk)) chunks.push_back(chunk);
+    };
+    if (where == Where::Anywhere) {
+        ForEachTriple(result.LowerChunkIndices(), result.UpperChunkIndices(), add);
+        return chunks;
+    }
+    first->ForEachChunk([&](const Triple& chunk, const auto&) { add(chunk); });
+    if (where == Where::AnyStored) {
+        second->ForEachChunk([&](const Triple& chunk, const auto&) {
+            if (first->FindChunk(chunk) == nullptr) add(chunk);
+        });
+    }
+    return chunks;
 }
 
 // Makes a level of `result`, which may be one of the two, what a rule makes of two models at that level. A missing model is
@@ -86,8 +122,8 @@ void Combine(VoxelModel<bool>& result, std::int64_t lod, const Rule& rule, const
             }
         });
     };
-    RunWith(FastestInstructionSet(),
-            [&] { ForEachTriple(result.LowerChunkIndices(), result.UpperChunkIndices(), combineChunk); });
+    const std::vector<Triple> chunks = ChunksOf(Rule::where, result, first, second);
+    RunWith(FastestInstructionSet(), [&] { std::for_each(chunks.begin(), chunks.end(), combineChunk); });
 }
 
 // A model that holds a level: the given one or, where that is coarser, its refinement within extents.
@@ -130,6 +166,7 @@ void CombineAll(VoxelModel<bool>& result, const Rule& rule, const ModelPointers&
 VoxelModel<bool> CroppedOrPropagated(VoxelModel<bool>&& model, bool autoCrop)
 {
     if (autoCrop) return AutoCrop(std::move(model));
+    model.ReleaseEmptyChunks();
     PropagateLevel(model, model.FinestLOD());
     return std::move(model);
 }

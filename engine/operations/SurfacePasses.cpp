@@ -27,7 +27,7 @@ SurfacePasses<Change>::SurfacePasses(const VoxelModel<bool>& source, const std::
     const auto withGuide = [&](const Triple& stack, const auto& combine) {
         combine(grid_.StackAt(stack), guide_->StackAt(stack));
     };
-    Pass(grid_, withGuide, Change::Restrain, Unrestrained);
+    Pass(grid_, {{&grid_}, {&*guide_}}, withGuide, Change::Restrain, Unrestrained);
 }
 
 // With a guide a pass looks one voxel far, as the guide may stop growth at each of them.
@@ -94,7 +94,7 @@ template <class Change> VoxelModel<bool> SurfacePasses<Change>::Finish(bool auto
             combine(grid_.StackAt(stack), source.StackAt(stack), guide_->StackAt(stack));
         };
         const auto finish = [](const auto&... plates) { return Change::Finish(plates...); };
-        Pass(grid_, withSource, finish, Unrestrained);
+        Pass(grid_, {{&grid_}, {&source}, {&*guide_}}, withSource, finish, Unrestrained);
     }
     VoxelModel<bool> result = grid_.TakeModel();
     return autoCrop ? AutoCrop(std::move(result))

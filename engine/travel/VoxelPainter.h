@@ -29,7 +29,7 @@ public:
     /// The model, all levels agreeing. Nothing may be filled afterwards.
     VoxelModel<bool> Take()
     {
-        ForEachStack(model_, model_.FinestLOD(), [](VoxelStore<bool>& store, const StackIndices& ij) {
+        ForEachStoredStack(model_, model_.FinestLOD(), [](VoxelStore<bool>& store, const StackIndices& ij) {
             VoxelStack<bool>& stack = store.VoxelStackRef(ij);
             if (stack.IsFullyDecompressed()) stack.Compress();
         });

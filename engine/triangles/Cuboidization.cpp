@@ -53,7 +53,7 @@ void CuboidMaker::AddSlab(std::int64_t chunkZ)
     ends_.clear();
     runs_.clear();
     RunWith(FastestInstructionSet(), [&] {
-        ForEachStackOfSlab(model_, lod_, chunkZ, [&](const VoxelStore<bool>& store, const StackIndices& ij) {
+        ForEachStoredStackOfSlab(model_, lod_, chunkZ, [&](const VoxelStore<bool>& store, const StackIndices& ij) {
             AddRunEnds(store.VoxelStackRef(ij), store.LowerIndices(ij));
         });
     });

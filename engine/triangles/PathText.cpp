@@ -21,8 +21,8 @@ constexpr char32_t Replacement = 0xFFFD;
     return isIn(first, 0xD800) || isIn(first, 0xDC00) ? Replacement : first;
 }
 
-// Takes a character off a text of bytes that should be UTF-8. Of a sequence that is cut off, too long or beyond Unicode, the first
-// byte is taken.
+// Takes a character off a text of bytes that should be UTF-8. Of a sequence that is cut off, too long or beyond Unicode, the
+// first byte is taken.
 [[maybe_unused]] char32_t TakeCharacter(std::string_view& text)
 {
     const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };

@@ -77,7 +77,7 @@ void RectangleMaker::AddSlab(std::int64_t chunkZ)
     const std::int64_t bottom = chunkZ * ChunkHeight;
     for (Facing& facing : facings_) facing.ends.clear();
     RunWith(FastestInstructionSet(), [&] {
-        ForEachStackOfSlab(model_, lod_, chunkZ, [&](const VoxelStore<bool>& store, const StackIndices& ij) {
+        ForEachStoredStackOfSlab(model_, lod_, chunkZ, [&](const VoxelStore<bool>& store, const StackIndices& ij) {
             const VoxelStack<bool>& stack = store.VoxelStackRef(ij);
             const Triple corner = store.LowerIndices(ij);
             if (stack.IsUnallocated() || IsBuried(stack, corner)) return;

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "../model/CombineStacks.h"
-#include "../model/StackIterator.h"
+#include "../model/ForEachStack.h"
 
 namespace brix {
 
@@ -14,9 +14,7 @@ using Heights = std::uint64_t;
 inline const VoxelStack<bool>& StackBeside(const VoxelModel<bool>& model, std::int64_t lod, const Triple& corner,
                                            const Triple& step)
 {
-    static const VoxelStack<bool> nothing;
-    const ConstStackIterator stack(model, Plus(corner, step), lod);
-    return stack.IsValid() ? stack.VoxelStackRef() : nothing;
+    return FindStack(model, StackOfVoxel(Plus(corner, step)), lod);
 }
 
 /// Whether all voxels of a stack are filled.

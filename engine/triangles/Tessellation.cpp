@@ -38,11 +38,11 @@ Tessellation::Tessellation(const VoxelModel<bool>& model, std::int64_t lod)
 
     // Counted first: a list that grows would be copied again and again.
     std::size_t boxCount = 0;
-    ForEachStack(model, lod, [&](const VoxelStore<bool>& store, const StackIndices& ij) {
+    ForEachStoredStack(model, lod, [&](const VoxelStore<bool>& store, const StackIndices& ij) {
         ForEachBoxOfStack(store.VoxelStackRef(ij), [&](const Triple&, const Triple&) { ++boxCount; });
     });
     boxes_.reserve(boxCount);
-    ForEachStack(model, lod, [&](const VoxelStore<bool>& store, const StackIndices& ij) {
+    ForEachStoredStack(model, lod, [&](const VoxelStore<bool>& store, const StackIndices& ij) {
         const Triple corner = store.LowerIndices(ij);
         ForEachBoxOfStack(store.VoxelStackRef(ij), [&](const Triple& lower, const Triple& upper) {
             boxes_.push_back({Narrowed(Plus(corner, lower)), Narrowed(Plus(corner, upper))});

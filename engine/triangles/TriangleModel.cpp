@@ -1,6 +1,5 @@
 #include "TriangleModel.h"
 
-#include "../frame/NotEnoughMemory.h"
 #include "PackWorldTriangles.h"
 #include "PackedTriangles.h"
 
@@ -33,12 +32,6 @@ std::vector<LatticeTriangle> TriangleChunk::Triangles() const
     ForEachTriangle([&](const PackedTriangle& triangle) { triangles.push_back(Unpacked(triangle)); },
                     [&](const LatticeTriangle& triangle) { triangles.push_back(triangle); });
     return triangles;
-}
-
-TriangleModel::TriangleModel(const Extents& extents)
-try : Model(extents) {
-} catch (const std::bad_alloc&) {
-    throw NotEnoughMemory("a triangle model", extents);
 }
 
 // Of a chunk, in base units.

@@ -25,7 +25,9 @@ inline constexpr std::int32_t MaxPackedCoordinate = 1001000000;
 class TriangleChunk
 {
 public:
-    TriangleChunk(const Extents&, const Triple&) {}
+    static constexpr const char* ModelName = "a triangle model"; // in messages
+
+    TriangleChunk(const LevelExtents&, const Triple&) {}
 
     /// Appends a triangle (base units) as it stands, whether it concerns the chunk or not. Corners farther than MaxCoordinate
     /// from the origin are moved to that bound.
@@ -68,8 +70,9 @@ void TriangleChunk::ForEachTriangle(const Visit& visit, const VisitLarge& visitL
 class TriangleModel : public Model<TriangleChunk>
 {
 public:
-    /// An empty chunk grid on these extents. Throws NotEnoughMemory.
-    explicit TriangleModel(const Extents& extents);
+    /// An empty chunk grid on these extents; chunks take memory when triangles are filed in them, which may throw
+    /// NotEnoughMemory.
+    explicit TriangleModel(const Extents& extents) : Model(extents) {}
 
     /// Converts each corner from world units with the frame's FromWorldCoordinates, and files the triangle.
     void AddWorldTriangle(const WorldTriangle& worldTriangle);

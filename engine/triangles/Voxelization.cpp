@@ -75,14 +75,12 @@ void VoxelizeTriangleModel(VoxelModel<bool>& model, const TriangleModel& triangl
     const std::int64_t finestLOD = model.FinestLOD();
     const Triple voxelSize = model.AxesRef().VoxelSize(finestLOD);
     const InstructionSet instructionSet = FastestInstructionSet();
-    ForEachTriple(Highest(model.LowerChunkIndices(), triangles.LowerChunkIndices()),
-                  Lowest(model.UpperChunkIndices(), triangles.UpperChunkIndices()), [&](const Triple& chunkIndices) {
-                      const TriangleChunk& ofChunk = triangles.ChunkRef(chunkIndices);
-                      if (ofChunk.IsEmpty()) return;
-                      VoxelChunk<bool>& chunk = model.ChunkRef(chunkIndices);
-                      VoxelizeChunk(chunk.VoxelStoreRef(finestLOD), voxelSize, ofChunk, instructionSet);
-                      PropagateChunk(chunk, finestLOD, finestLOD, instructionSet);
-                  });
+    triangles.ForEachChunk([&](const Triple& chunkIndices, const TriangleChunk& ofChunk) {
+        if (ofChunk.IsEmpty() || !model.IsChunkValid(chunkIndices)) return;
+        VoxelChunk<bool>& chunk = model.ChunkRef(chunkIndices);
+        VoxelizeChunk(chunk.VoxelStoreRef(finestLOD), voxelSize, ofChunk, instructionSet);
+        PropagateChunk(chunk, finestLOD, finestLOD, instructionSet);
+    });
 }
 
 } // namespace brix

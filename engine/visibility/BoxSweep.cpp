@@ -44,7 +44,7 @@ void MarkVisible(VoxelModel<bool>& result, std::int64_t lod, const BoxSweep& swe
         !sweep.mask->HoldsAll(Highest(sweep.lower, corner), Lowest(sweep.upper, Plus(corner, LastOffset))))
         CutToMask(visible, *sweep.mask, corner);
 
-    VoxelStack<bool>& stack = StackIterator(result, corner, lod).VoxelStackRef();
+    VoxelStack<bool>& stack = MakeStack(result, StackOfVoxel(corner), lod);
     if (stack.IsUnallocated())
         stack = std::move(visible);
     else

@@ -2,7 +2,7 @@
 // it.
 #pragma once
 
-#include "../model/StackIterator.h"
+#include "../model/ForEachStack.h"
 #include "SightMask.h"
 #include "StackView.h"
 
@@ -63,8 +63,7 @@ void SweepStack(VoxelModel<bool>& result, const VoxelModel<bool>& model, std::in
     const Triple upper = Lowest(sweep.upper, Plus(corner, LastOffset));
     if (!sweep.IsNeeded(lower, upper)) return;
 
-    StackView view(ConstStackIterator(model, corner, lod).VoxelStackRef(), Minus(lower, corner), Minus(upper, corner),
-                   sweep.order);
+    StackView view(FindStack(model, StackOfVoxel(corner), lod), Minus(lower, corner), Minus(upper, corner), sweep.order);
     if (sweep.eye && IsWithin(*sweep.eye, lower, upper)) view.Clear(Minus(*sweep.eye, corner));
     StackBuilder seen;
     if (view.Begin() > 0) seen.Append(0, {});

@@ -44,8 +44,8 @@ VoxelModel<bool> VisibilityFromDirection(const VoxelModel<bool>& voxelModel, con
 /// - The point's own voxel gives its neighbours 1, also when it is filled; if it is, it is not marked itself.
 ///
 /// Throws std::domain_error when the level is negative or beyond the model's finest one, then when the radius is negative; with
-/// autoAdjustExtents and without a limit also what the Extents constructor throws for a point outside the index space. With a limit
-/// that does not reach into the index space, the result is an empty model of the one voxel that is nearest to the point.
+/// autoAdjustExtents and without a limit also what the Extents constructor throws for a point outside the index space. With a
+/// limit that does not reach into the index space, the result is an empty model of the one voxel that is nearest to the point.
 /// Cost: as above, for the eight octants around the point; only stacks that the sphere reaches are swept.
 VoxelModel<bool> VisibilityFromPoint(const VoxelModel<bool>& voxelModel, const std::array<std::int64_t, 3>& point, long long lod,
                                      long long maxRadius, double threshold, bool autoAdjustExtents);

@@ -39,9 +39,12 @@ std::size_t BytesOf(int layers)
     return stack.AllocatedBytes();
 }
 
-std::size_t BytesOfEmpty(std::int64_t finestLOD, const Triple& upper, std::int64_t lod)
+// Of a model of one chunk without a filled voxel.
+std::size_t BytesOfChunk(std::int64_t finestLOD, const Triple& upper, std::int64_t lod)
 {
-    return VoxelModel<bool>(Extents(Axes(1, {0, 0, 0}, 0, 0), {0, 0, 0}, upper, lod), finestLOD).AllocatedBytes();
+    VoxelModel<bool> model(Extents(Axes(1, {0, 0, 0}, 0, 0), {0, 0, 0}, upper, lod), finestLOD);
+    model.ChunkRef({0, 0, 0});
+    return model.AllocatedBytes();
 }
 
 TEST(Memory, IsAsTheDocumentSays)
@@ -54,9 +57,9 @@ TEST(Memory, IsAsTheDocumentSays)
         {"a stack of 64 layers", BytesOf(64)},
         {"a store without its stacks, which are 8 for each that is touched", sizeof(VoxelStore<bool>)},
         {"a chunk without its stores", sizeof(VoxelChunk<bool>)},
-        {"an empty chunk with levels 0 to 3", BytesOfEmpty(3, {15, 15, 63}, 0)},
-        {"an empty chunk with levels 0 to 5: 512 x 512 x 64 voxels of level 5", BytesOfEmpty(5, {15, 15, 63}, 0)},
-        {"an empty model of a single voxel of level 5, all levels", BytesOfEmpty(5, {0, 0, 0}, 5)}};
+        {"an empty chunk with levels 0 to 3, and its place in the table", BytesOfChunk(3, {15, 15, 63}, 0)},
+        {"the same with levels 0 to 5: 512 x 512 x 64 voxels of level 5", BytesOfChunk(5, {15, 15, 63}, 0)},
+        {"the same in a model that is a single voxel of level 5", BytesOfChunk(5, {0, 0, 0}, 5)}};
     auto documented = DocumentedTable("model.md", "memory");
     for (const auto& [what, bytes] : found) EXPECT_EQ(documented[what], std::to_string(bytes)) << what;
     EXPECT_EQ(documented.size(), found.size() + 1) << "a row without a figure of its own";

@@ -3,6 +3,8 @@
 
 #include "model/CheckInvariants.h"
 #include "model/ForEachStack.h"
+#include "model/PropagateLevel.h"
+#include "model/VoxelIterator.h"
 #include "support/FailingAllocations.h"
 #include "support/Messages.h"
 #include "support/RandomModels.h"
@@ -122,22 +124,62 @@ TEST(VoxelModel, HasAStackToWriteBesideItsExtents)
     EXPECT_NE(CheckInvariants(model, 5).find("outside the extents"), std::string::npos);
 }
 
-TEST(VoxelModel, OwnsEightBytesPerEmptyStackAndMemoryForTheOthers)
+TEST(VoxelModel, OwnsEightBytesPerStackOfItsChunksAndMemoryForThoseThatAreNotEmpty)
 {
-    const Extents extents(TestAxes, {0, 0, 0}, {0, 0, 0}, 0);
-    VoxelModel<bool> model(extents, 5);
     const std::size_t records = sizeof(VoxelChunk<bool>) + 6 * sizeof(VoxelStore<bool>);
-    EXPECT_EQ(model.AllocatedBytes(), records + 8 * (1 + 1 + 1 + 1 + 1 + 4)) << "stacks that the extents do not touch";
-    const VoxelModel<bool> whole(Extents(TestAxes, {0, 0, 0}, {15, 15, 63}, 0), 5);
-    EXPECT_EQ(whole.AllocatedBytes(), records + 8 * (1 + 4 + 16 + 64 + 256 + 1024));
+    const auto bytesOfChunk = [](VoxelModel<bool>& model) {
+        const std::size_t before = model.AllocatedBytes();
+        model.ChunkRef({0, 0, 0});
+        return model.AllocatedBytes() - before;
+    };
+    VoxelModel<bool> model(Extents(TestAxes, {0, 0, 0}, {0, 0, 0}, 0), 5);
+    EXPECT_LE(bytesOfChunk(model), records + 8 * (1 + 1 + 1 + 1 + 1 + 4) + 80) << "stacks that the extents do not touch";
+    VoxelModel<bool> whole(Extents(TestAxes, {0, 0, 0}, {15, 15, 63}, 0), 5);
     const std::int64_t before = AllocationCount();
-    const VoxelModel<bool> other(extents, 5);
+    EXPECT_LE(bytesOfChunk(whole), records + 8 * (1 + 4 + 16 + 64 + 256 + 1024) + 80);
     EXPECT_LT(AllocationCount() - before, 20) << "an allocation per stack";
 
+    const std::size_t empty = model.AllocatedBytes();
     VoxelStack<bool>& stack = model.ChunkRef({0, 0, 0}).VoxelStoreRef(0).VoxelStackRef({0, 0});
     stack.LayerVoxelPlateRef(0).rows[0] = 1;
-    EXPECT_EQ(model.AllocatedBytes(), other.AllocatedBytes() + stack.AllocatedBytes());
+    EXPECT_EQ(model.AllocatedBytes(), empty + stack.AllocatedBytes());
     EXPECT_GE(stack.AllocatedBytes(), 32U);
+}
+
+// The chunk of a place is one object, whoever asks for it first, and stays it.
+TEST(VoxelModel, HandsOutEveryChunkToReadersAndWriters)
+{
+    VoxelModel<bool> model(Extents(TestAxes, {-90, 0, 0}, {90, 90, 200}, 1), 2);
+    const VoxelModel<bool>& readOnly = model;
+    const Triple voxel{70, 33, 130};
+    const ConstVoxelIterator reader = readOnly.FindVoxel(voxel, 1);
+    const VoxelChunk<bool>& chunk = readOnly.ChunkRef(ChunkOfVoxel(voxel, 1));
+    EXPECT_FALSE(reader.Value());
+    EXPECT_EQ(&chunk, &readOnly.ChunkRef(ChunkOfVoxel(voxel, 1)));
+    EXPECT_EQ(model.StoredChunkCount(), 0U) << "reading changes nothing";
+    const VoxelModel<bool> copy = model;
+
+    VoxelStack<bool>& stack = StackIterator(model, voxel, 1).VoxelStackRef();
+    stack.LayerVoxelPlateRef(stack.IsolateLevel(130 - 128, true, true)).rows[33 - 32] = 1 << (70 - 64);
+    EXPECT_EQ(&chunk, &model.ChunkRef(ChunkOfVoxel(voxel, 1)));
+    EXPECT_EQ(&chunk, model.FindChunk(ChunkOfVoxel(voxel, 1)));
+    EXPECT_TRUE(reader.Value());
+    EXPECT_FALSE(copy.FindVoxel(voxel, 1).Value());
+    model.ReleaseEmptyChunks();
+    EXPECT_TRUE(reader.Value());
+    EXPECT_EQ(model.StoredChunkCount(), 1U);
+}
+
+TEST(VoxelModel, OverTheWholeIndexSpaceIsSmall)
+{
+    const Axes axes(1, {0, 0, 0}, 0, 5);
+    VoxelModel<bool> model(Extents(axes, {-25000, -25000, -320000}, {24999, 24999, 319999}, 0), 5);
+    EXPECT_LT(model.AllocatedBytes(), 4096U);
+    for (const Triple& voxel : {Triple{-800000, -800000, -320000}, Triple{0, 0, 0}, Triple{799999, 799999, 319999}})
+        StackIterator(model, voxel, 5).VoxelStackRef().LayerVoxelPlateRef(0).rows[0] = 1;
+    PropagateLevel(model, 5);
+    EXPECT_LT(model.AllocatedBytes(), 100000U);
+    EXPECT_EQ(CheckInvariants(model, 5), "");
 }
 
 TEST(VoxelModel, IsMadeAndCopiedWholeOrNotAtAll)
@@ -145,7 +187,11 @@ TEST(VoxelModel, IsMadeAndCopiedWholeOrNotAtAll)
     const RandomModel random = MakeRandomModel(3);
     const std::int64_t live = LiveAllocations();
     std::int64_t n = 1;
-    while (RunsOutOfMemory(n, [&] { VoxelModel<bool>(random.voxels.ExtentsRef(0), 3); })) ++n;
+    const auto makeWithChunk = [&] {
+        VoxelModel<bool> model(random.voxels.ExtentsRef(0), 3);
+        model.ChunkRef(model.LowerChunkIndices());
+    };
+    while (RunsOutOfMemory(n, makeWithChunk)) ++n;
     EXPECT_GT(n, 10);
     for (n = 1; RunsOutOfMemory(n, [&] { const VoxelModel<bool> copy(random.voxels); });) n += 1 + n / 4;
     EXPECT_GT(n, 10);

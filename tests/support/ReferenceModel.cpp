@@ -54,7 +54,7 @@ ReferenceModel::ReferenceModel(const Extents& extents, std::int64_t finestLOD, s
 ReferenceModel::ReferenceModel(const VoxelModel<bool>& model, std::int64_t lod)
     : ReferenceModel(model.ExtentsRef(model.FinestLOD()), model.FinestLOD(), lod)
 {
-    ForEachStack(model, lod, [&](const VoxelStore<bool>& store, const StackIndices& ij) {
+    ForEachStoredStack(model, lod, [&](const VoxelStore<bool>& store, const StackIndices& ij) {
         const VoxelStack<bool>& stack = store.VoxelStackRef(ij);
         ForEachTriple(store.LowerOffset(ij), store.UpperOffset(ij), [&](const Triple& offset) {
             const VoxelPlate<bool>& plate = stack.LayerVoxelPlateRef(stack.LayerID(offset[2]));
@@ -141,6 +141,7 @@ VoxelModel<bool> MakeModel(const ReferenceModel& reference)
     VoxelModel<bool> model(reference.FinestExtentsRef(), reference.FinestLOD());
     WriteLevel(model, reference);
     PropagateLevel(model, reference.VoxelLOD());
+    model.ReleaseEmptyChunks(); // as operations leave it
     return model;
 }
 

@@ -315,6 +315,14 @@ ReferenceModel ReduceHorizontally(const ReferenceModel& model, int diameterOffse
     return Shrink(model, DiscPasses(diameterOffset, ShrinkWhere), {1, 1, 1, 1, 0, 0}, guide, autoAdjustExtents);
 }
 
+// Whether all stored stacks of a model stand in another one, too.
+bool HasStacksOf(const VoxelModel<bool>& model, const VoxelModel<bool>& other, std::int64_t lod)
+{
+    return AllStoredStacks(other, lod, [&](const VoxelStore<bool>& store, const StackIndices& ij) {
+        return FindStack(model, StackOfVoxel(store.LowerIndices(ij)), lod) == store.VoxelStackRef(ij);
+    });
+}
+
 std::string Differences(const VoxelModel<bool>& actual, const VoxelModel<bool>& expected)
 {
     if (!(actual.AxesRef() == expected.AxesRef()) || actual.FinestLOD() != expected.FinestLOD()) return "frame or level differ";
@@ -322,10 +330,7 @@ std::string Differences(const VoxelModel<bool>& actual, const VoxelModel<bool>& 
         const Extents& extents = expected.ExtentsRef(lod);
         bool isEqual = extents.LowerIndices() == actual.ExtentsRef(lod).LowerIndices() &&
                        extents.UpperIndices() == actual.ExtentsRef(lod).UpperIndices();
-        isEqual = isEqual && AllStacks(expected, lod, [&](const VoxelStore<bool>& store, const StackIndices& ij) {
-                      const Triple voxel = Plus(store.LowerIndices(ij), store.LowerOffset(ij));
-                      return ConstStackIterator(actual, voxel, lod).VoxelStackRef() == store.VoxelStackRef(ij);
-                  });
+        isEqual = isEqual && HasStacksOf(actual, expected, lod) && HasStacksOf(expected, actual, lod);
         if (!isEqual) return "differ: " + Differences(ReferenceModel(actual, lod), ReferenceModel(expected, lod));
     }
     return {};

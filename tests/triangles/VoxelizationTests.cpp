@@ -5,6 +5,7 @@
 #include "model/ForEachStack.h"
 #include "model/VoxelIterator.h"
 #include "support/Random.h"
+#include "support/ReferenceOperations.h"
 #include "triangles/TriangleRaster.h"
 
 #include <gtest/gtest.h>
@@ -187,10 +188,8 @@ void Rasterize(VoxelModel<bool>& model, const TriangleModel& triangles, Instruct
 
 bool HoldSameVoxels(const VoxelModel<bool>& a, const VoxelModel<bool>& b)
 {
-    return AllStacks(a, a.FinestLOD(), [&](const VoxelStore<bool>& store, const StackIndices& ij) {
-        const Triple chunk = ChunkOfVoxel(store.LowerIndices(), a.FinestLOD());
-        return store.VoxelStackRef(ij) == b.ChunkRef(chunk).VoxelStoreRef(a.FinestLOD()).VoxelStackRef(ij);
-    });
+    const std::int64_t lod = a.FinestLOD();
+    return tests::Differences(tests::ReferenceModel(a, lod), tests::ReferenceModel(b, lod)).empty();
 }
 
 TEST(TriangleRaster, FillsTheSameWithEveryInstructionSet)
