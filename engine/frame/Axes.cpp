@@ -9,6 +9,8 @@
 namespace brix {
 namespace {
 
+constexpr double RadiansPerDegree = 0.017453292519943295;
+
 // Every double in here converts to a 64-bit integer, and taking the bias off cannot overflow. NaN becomes the lower bound.
 std::int64_t TruncateBiased(double biasedUnits)
 {
@@ -37,7 +39,8 @@ Axes::Axes(double worldVoxelSpacing0, const std::array<double, 3>& worldVoxelOri
 {
     RequireLevel("The vertical level of detail for a set of axes", verticalLOD);
 
-    const auto [sine, cosine] = SineAndCosineOfDegrees(worldVoxelRotation);
+    // Of the rounded product, as hosts that turn things themselves compute it.
+    const auto [sine, cosine] = SineAndCosineOfRadians(worldVoxelRotation * RadiansPerDegree);
     sinRotation_ = sine;
     cosRotation_ = cosine;
     worldPerUnit_ = worldVoxelSpacing0 / static_cast<double>(VoxelSpacing(0));

@@ -8,10 +8,11 @@
 #include <utility>
 #include <vector>
 
-// Degrees are reduced to 0..45 without error, and the series are summed in fixed point. What comes out is off by less than a
-// bound. When all that lies within the bound rounds to one double, that double is right; otherwise more digits decide (after Ziv,
-// "Fast evaluation of elementary mathematical functions with correctly rounded last bit", 1991). That ends: a double is a
-// rational number of degrees, whose sine is 0, +-1/2, +-1 or irrational (Niven), and so never halfway between two doubles.
+// Degrees are reduced to 0..45 without error, radians with as many digits of pi as that takes, and the series are summed in fixed
+// point. What comes out is off by less than a bound. When all that lies within the bound rounds to one double, that double is right;
+// otherwise more digits decide (after Ziv, "Fast evaluation of elementary mathematical functions with correctly rounded last bit",
+// 1991). That ends: a double is a rational number of degrees, whose sine is 0, +-1/2, +-1 or irrational (Niven), and so never halfway between two doubles; the sine
+// of a rational number of radians is transcendental, but for 0 (Lindemann).
 namespace brix {
 namespace {
 
@@ -87,6 +88,16 @@ public:
             if (i > 0) product.words_[i - 1] = static_cast<std::uint32_t>(carry);
         }
         return product;
+    }
+
+    friend bool operator>=(const Fixed& a, const Fixed& b) { return a.words_ >= b.words_; }
+
+    /// With fewer digits.
+    Fixed WithDigits(std::size_t digits) const
+    {
+        Fixed cut = *this;
+        cut.words_.resize(1 + digits);
+        return cut;
     }
 
     /// Times 2^exponent.
@@ -175,28 +186,85 @@ bool IsCertain(const Fixed& number, int exponent, double& nearest)
     return nearest == Nearest(upper, exponent);
 }
 
-// Of more than 0, up to 45.
-SineAndCosine OfFirstOctant(double degrees)
+// An angle of more than 0, up to 45 degrees: radians * 2^exponent. So it keeps its digits however small it is.
+struct ScaledAngle
 {
-    int exponent = 0;
-    const auto fraction = static_cast<std::uint64_t>(std::ldexp(std::frexp(degrees, &exponent), 64));
+    Fixed radians;
+    int exponent;
+};
+
+// Both functions of the angle that angleWith(digits) gives with so many digits.
+template <class AngleWith> SineAndCosine OfFirstOctant(const AngleWith& angleWith)
+{
     for (std::size_t digits = 4;; digits *= 2) {
-        // The angle divided by a power of two keeps its digits however small it is.
-        const Fixed scaledAngle = Fixed::Fraction(digits, fraction) * RadiansPerDegree(digits);
-        const Fixed angle = scaledAngle.Scaled(exponent);
+        const ScaledAngle scaled = angleWith(digits);
+        const Fixed angle = scaled.radians.Scaled(scaled.exponent);
         const Fixed square = angle * angle;
         SineAndCosine result;
-        if (IsCertain(scaledAngle * Series(square, 1), exponent, result.sine) && IsCertain(Series(square, 0), 0, result.cosine))
+        if (IsCertain(scaled.radians * Series(square, 1), scaled.exponent, result.sine) &&
+            IsCertain(Series(square, 0), 0, result.cosine))
             return result;
     }
+}
+
+// A positive double as a multiple of 2^-64 from 1/2 to 1, and an exponent.
+std::uint64_t FractionOf(double number, int& exponent)
+{
+    return static_cast<std::uint64_t>(std::ldexp(std::frexp(number, &exponent), 64));
+}
+
+// Of more than 0, up to 45.
+SineAndCosine OfFirstOctantInDegrees(double degrees)
+{
+    int exponent = 0;
+    const std::uint64_t fraction = FractionOf(degrees, exponent);
+    return OfFirstOctant([&](std::size_t digits) {
+        return ScaledAngle{Fixed::Fraction(digits, fraction) * RadiansPerDegree(digits), exponent};
+    });
+}
+
+// Radians modulo a quarter of a turn, and how many quarters they hold modulo 4. What lies beyond an eighth is told from the next
+// quarter back.
+struct ReducedRadians
+{
+    ScaledAngle angle;
+    unsigned quarters;
+    bool isFromNext;
+};
+
+// Doubling the fraction of the number step by step, with a quarter taken off whenever there is one. Every step doubles the error, so
+// that there are as many more bits as steps; and some more words, as what is left of a double may be as little as 2^-62 (Muller,
+// "Elementary Functions", on worst cases of range reduction).
+ReducedRadians Reduced(double radians, std::size_t digits)
+{
+    int exponent = 0;
+    const std::uint64_t fraction = FractionOf(radians, exponent);
+    const std::size_t more = digits + 6 + static_cast<std::size_t>(std::max(exponent, 0)) / 32;
+    if (exponent < 0) return {{Fixed::Fraction(digits, fraction), exponent}, 0, false}; // less than 1/2
+    Fixed quarter = RadiansPerDegree(more);
+    quarter = quarter * Fixed(more, 90);
+    Fixed rest = Fixed::Fraction(more, fraction);
+    unsigned quarters = 0;
+    for (int step = 0; step < exponent; ++step) {
+        rest += rest;
+        quarters *= 2;
+        for (; rest >= quarter; ++quarters) rest -= quarter;
+    }
+    Fixed other = quarter;
+    other -= rest;
+    const bool isFromNext = rest >= other;
+    if (isFromNext) rest = other;
+    int shift = 0;
+    for (; rest.WholePartTimes2To(1) == 0 && shift < 96; ++shift) rest += rest;
+    return {{rest.WithDigits(digits), -shift}, quarters % 4, isFromNext};
 }
 
 // Of 0 to 90; 90 - x has no rounding error from 45 on.
 SineAndCosine OfFirstQuadrant(double degrees)
 {
     if (degrees == 0) return {0, 1};
-    if (degrees <= 45) return OfFirstOctant(degrees);
-    const auto [cosine, sine] = degrees == 90 ? SineAndCosine{0, 1} : OfFirstOctant(90 - degrees);
+    if (degrees <= 45) return OfFirstOctantInDegrees(degrees);
+    const auto [cosine, sine] = degrees == 90 ? SineAndCosine{0, 1} : OfFirstOctantInDegrees(90 - degrees);
     return {sine, cosine};
 }
 
@@ -211,6 +279,20 @@ SineAndCosine SineAndCosineOfDegrees(double degrees)
     auto [sine, cosine] = OfFirstQuadrant(half > 90 ? 180 - half : half);
     if (half > 90) cosine = -cosine;
     return {std::copysign(sine, (turned > 180) == (degrees < 0) ? 1.0 : -1.0), cosine};
+}
+
+SineAndCosine SineAndCosineOfRadians(double radians)
+{
+    constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+    if (!std::isfinite(radians)) return {nan, nan};
+    if (radians == 0) return {radians, 1};
+    const ReducedRadians turned = Reduced(std::abs(radians), 4); // the same quarter with any number of digits
+    const auto [sine, cosine] = OfFirstOctant([&](std::size_t digits) { return Reduced(std::abs(radians), digits).angle; });
+    const SineAndCosine inQuarter = turned.isFromNext ? SineAndCosine{cosine, sine} : SineAndCosine{sine, cosine};
+    const auto [y, x] = turned.quarters % 2 == 0 ? inQuarter : SineAndCosine{inQuarter.cosine, inQuarter.sine};
+    const bool isLower = turned.quarters >= 2;
+    const bool isLeft = turned.quarters == 1 || turned.quarters == 2;
+    return {isLower != (radians < 0) ? -y : y, isLeft ? -x : x};
 }
 
 } // namespace brix

@@ -1,4 +1,4 @@
-// Sine and cosine of an angle in degrees, the same on every machine.
+// Sine and cosine, the same on every machine.
 #pragma once
 
 namespace brix {
@@ -14,5 +14,9 @@ struct SineAndCosine
 /// the zeros included, sine(180 - x) is sine(x), and sine(90 - x) is cosine(x), where those differences are exact. Infinite
 /// angles and NaN give NaN. Cost: about 2 us; next to nothing at multiples of 90.
 SineAndCosine SineAndCosineOfDegrees(double degrees);
+
+/// The doubles nearest to the sine and the cosine of exactly this many radians. Infinite angles and NaN give NaN. Cost: as above,
+/// more for angles of many turns.
+SineAndCosine SineAndCosineOfRadians(double radians);
 
 } // namespace brix

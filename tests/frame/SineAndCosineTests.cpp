@@ -46,6 +46,28 @@ TEST(SineAndCosine, AreTheNearestDoubles)
         check(std::ldexp(static_cast<double>(random.Bits() >> 11), static_cast<int>(random.Between(-900, -50))));
 }
 
+// Also of many turns, and near multiples of a quarter turn, where almost all digits cancel.
+TEST(SineAndCosine, OfRadiansAreTheNearestDoubles)
+{
+    if (std::numeric_limits<long double>::digits < 64) GTEST_SKIP() << "long double is double";
+    Random random(4);
+    const auto check = [&](double radians) {
+        const auto [sine, cosine] = SineAndCosineOfRadians(radians);
+        const auto exact = static_cast<long double>(radians);
+        EXPECT_TRUE(IsNearest(sine, std::sin(exact)) && IsNearest(cosine, std::cos(exact)))
+            << radians << ": " << sine << ", " << cosine;
+    };
+    for (int i = -7200; i <= 7200; i += 11) check(i * 0.05 * 0.017453292519943295);
+    for (int i = -400; i <= 400; ++i) check(i * 1.5707963267948966);
+    for (int i = 0; i < 1500; ++i)
+        check(std::ldexp(static_cast<double>(random.Bits() >> 11), static_cast<int>(random.Between(-120, 900))));
+    ExpectSame(SineAndCosineOfRadians(0x1.921fb54442d18p+0).cosine, 0x1.1a62633145c07p-54, 90); // what pi / 2 lacks as a double
+    ExpectSame(SineAndCosineOfRadians(6381956970095103.0 * 0x1p797).cosine, -0x1.14ae72e6ba22fp-61,
+               0); // the worst double (Muller)
+    ExpectSame(SineAndCosineOfRadians(-0.0).sine, -0.0, 0);
+    EXPECT_TRUE(std::isnan(SineAndCosineOfRadians(std::numeric_limits<double>::infinity()).sine));
+}
+
 // Found with 200 bits: of 300,000 random angles, those whose sine or cosine lies nearest to halfway between two doubles.
 TEST(SineAndCosine, AreRightWhereTwoDoublesAreAlmostEquallyNear)
 {
