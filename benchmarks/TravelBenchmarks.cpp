@@ -5,6 +5,8 @@
 //   DistanceField/pillars    the same with a pillar in every stack
 //   DistanceField/building   six storeys, voxels of 2.5 x 2.5 x 20 cm
 //   DistanceField/city       voxels of 25 x 25 x 50 cm
+//   DistanceField/hills      rolling ground, 512 x 512 voxels of 25 cm
+//   DistanceField/terraces   eight terraces with ramps, and flights between cheeks, 512 x 512 voxels of 25 cm
 #include "Measure.h"
 #include "model/ForEachStack.h"
 #include "model/PropagateLevel.h"
@@ -69,6 +71,48 @@ VoxelModel<bool> Plan(bool hasPillars)
     return plan;
 }
 
+// Ground of a height above every square, cut into layers.
+template <class Height> std::unique_ptr<TravelScene> MakeGround(std::int64_t verticalLOD, const Height& height)
+{
+    constexpr std::int64_t size = 512;
+    VoxelModel<bool> ground(Extents(Axes(8, {0, 0, 0}, 0, verticalLOD), {0, 0, 0}, {size - 1, size - 1, 63}, Level), Level);
+    ForEachStack(ground, Level, [&](VoxelStore<bool>& store, const StackIndices& ij) {
+        const Triple lower = store.LowerIndices(ij);
+        VoxelStack<bool>& stack = store.VoxelStackRef(ij);
+        ForEachTriple({0, 0, 0}, {15, 15, 63}, [&](const Triple& offset) {
+            if (offset[2] > height(lower[0] + offset[0], lower[1] + offset[1])) return;
+            VoxelPlate<bool>& plate =
+                stack.LayerVoxelPlateRef(stack.IsolateLevel(static_cast<std::int32_t>(offset[2]), true, true));
+            plate = plate | Box({offset[0], offset[1]}, {offset[0], offset[1]});
+        });
+        stack.Compress();
+    });
+    PropagateLevel(ground, Level);
+    const std::array<double, 3> start{20.1, 60.1, 1};
+    auto scene = std::make_unique<TravelScene>(std::move(ground), 1, 6, std::vector{start});
+    scene->sources.front()[2] = scene->environment.AxesRef().VoxelCenter({80, 240, height(80, 240) + 1}, Level)[2];
+    return scene;
+}
+
+std::int64_t Rolling(std::int64_t x, std::int64_t y)
+{
+    const auto wave = [](std::int64_t along, double length) { return std::sin(static_cast<double>(along) / length); };
+    return static_cast<std::int64_t>(26 + 9 * wave(x, 23) * wave(y, 31) + 7 * wave(x + 2 * y, 57));
+}
+
+// Terraces of 64 squares that rise by six voxels; every 32 squares a way up, by turns a ramp and a flight of three squares a tread.
+std::int64_t Terraced(std::int64_t x, std::int64_t y)
+{
+    const std::int64_t floor = 2 + 6 * (x / 64);
+    const std::int64_t along = x % 64 - 40; // the way up is 24 long
+    const std::int64_t across = y % 32;
+    if (along < 0 || x >= 448) return floor;
+    const bool isFlight = y / 32 % 2 == 0;
+    if (across >= 12 && across < 20) return floor + (isFlight ? along / 3 * 3 + 3 : along + 1) / 4;
+    const bool isCheek = across == 11 || across == 20;
+    return isFlight && isCheek ? floor + 12 : floor;
+}
+
 std::unique_ptr<TravelScene> MakeScene(const std::string& name)
 {
     if (name == "building") {
@@ -83,6 +127,8 @@ std::unique_ptr<TravelScene> MakeScene(const std::string& name)
         for (double x = 0; x < 40; ++x) starts.push_back({x, 0.5, 2.5});
         return std::make_unique<TravelScene>(std::move(city), 2, 4, starts);
     }
+    if (name == "hills") return MakeGround(Level, Rolling);
+    if (name == "terraces") return MakeGround(Level, Terraced);
     return std::make_unique<TravelScene>(Plan(name == "pillars"), 1, 1, std::vector{std::array{100.5, 300.5, 0.5}});
 }
 
@@ -260,7 +306,7 @@ template <class Queue> void MeasureBaseline(State& state, const std::string& nam
 }
 
 const bool AreRegistered = [] {
-    for (const std::string name : {"open", "pillars", "building", "city"}) {
+    for (const std::string name : {"open", "pillars", "building", "city", "hills", "terraces"}) {
         const auto registerAs = [&](const std::string& function, const auto& measure) {
             benchmark::RegisterBenchmark((function + "/" + name).c_str(), [=](State& state) {
                 measure(state, name);

@@ -100,6 +100,35 @@ TEST(DistanceField, KeepsToTheShortestWayAroundCorners)
     }
 }
 
+// Blocks far from each other: what the source sees is as far as the line is long, but for one voxel in 400 that no neighbour
+// offers this line.
+TEST(DistanceField, IsStraightBetweenThePillarsOfAHall)
+{
+    std::int64_t seen = 0;
+    std::int64_t longer = 0;
+    for (std::uint64_t seed = 1; seed <= 6; ++seed) {
+        Random random(seed);
+        ReferenceModel hall(Extents(PlanAxes, {0, 0, 0}, {44, 44, 0}, 0), 0, 0);
+        for (int i = 0; i < 14; ++i) {
+            const Triple corner{random.Between(0, 42), random.Between(0, 42), 0};
+            ForEachTriple(corner, Plus(corner, {random.Between(0, 2), random.Between(0, 2), 0}),
+                          [&](const Triple& v) { hall.Set(v); });
+        }
+        const VoxelModel<bool> environment = MakeModel(hall);
+        const PathModel path(environment, 0, 1, 1, false);
+        const Ground ground(path);
+        const Triple source = AnyVoxel(path, seed);
+        const DistanceField field = FieldFrom(path, source);
+        for (const Triple& voxel : ground.voxels) {
+            if (voxel == source || ground.StraightPiece(source, voxel).empty()) continue;
+            ++seen;
+            longer += DistanceOf(field, voxel) > std::llround(ground.Length(source, voxel));
+        }
+    }
+    EXPECT_GT(seen, 5000);
+    EXPECT_LE(longer, seen / 400);
+}
+
 // Around the end of a wall one voxel thick, against ways that bend at its corners.
 TEST(DistanceField, CostsBendsAtCentresLessThanAWidth)
 {
