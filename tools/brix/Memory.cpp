@@ -130,7 +130,7 @@ Estimate EstimateModel(const std::vector<WorldTriangle>& triangles, const GridSi
 // What a step takes beside the program, with the model that it gets and the one that it makes.
 double StepBytes(const std::string& step, double model, const GridSize& size)
 {
-    if (step == "walkable" || step == "travel") return 2 * model + 4.5 * size.FullBytes();
+    if (step == "walkable" || step == "travel") return 4 * model + 5 * size.FullBytes();
     if (step == "refine") return 6 * model;
     if (step == "invert" || step.starts_with("fill-") || step.starts_with("visible-")) return 2 * model + 2.5 * size.FullBytes();
     return 4 * model;
@@ -217,11 +217,12 @@ void RequireMemoryForStep(const std::string& step, const VoxelModel<bool>& model
     if (bytes > limit) throw TooMuch(step, bytes, limit, size.voxel * std::sqrt(bytes / limit), options);
 }
 
-void RequireSpaceForTriangles(double triangleCount, bool ascii, const VoxelModel<bool>& model, const GridOptions& options)
+void RequireSpaceForTriangles(double triangleCount, double bytesBeside, bool ascii, const VoxelModel<bool>& model,
+                              const GridOptions& options)
 {
     const double voxel = model.AxesRef().WorldVoxelWidth(model.FinestLOD());
     const double memory =
-        ProgramBytes + static_cast<double>(model.AllocatedBytes()) + triangleCount * (sizeof(WorldTriangle) + 2);
+        ProgramBytes + static_cast<double>(model.AllocatedBytes()) + triangleCount * (sizeof(WorldTriangle) + bytesBeside);
     PrintDetail("estimate", BytesText(memory) + " of memory for " + Text(triangleCount) + " triangles",
                 {{"bytes", memory}, {"triangles", triangleCount}});
     if (const double limit = MemoryLimit(options); memory > limit)

@@ -26,6 +26,8 @@ void RequireMemoryForStep(const std::string& step, const VoxelModel<bool>& model
 
 /// How many triangles a step will write is known only when their voxels are: counted, before the first one is made.
 /// Throws std::runtime_error when so many triangles would take more memory than the limit, or a larger file than --output-limit.
-void RequireSpaceForTriangles(double triangleCount, bool ascii, const VoxelModel<bool>& model, const GridOptions& options);
+/// `bytesBeside` each of them, its part of what it is made from is in memory.
+void RequireSpaceForTriangles(double triangleCount, double bytesBeside, bool ascii, const VoxelModel<bool>& model,
+                              const GridOptions& options);
 
 } // namespace brix::tools

@@ -75,7 +75,7 @@ void SaveVoxels(const VoxelModel<bool>& model, const LevelFile& output, const Gr
 {
     const Stopwatch watch;
     const Tessellation tessellation(model, output.lod);
-    RequireSpaceForTriangles(static_cast<double>(tessellation.TriangleCount()), ascii, model, options);
+    RequireSpaceForTriangles(static_cast<double>(tessellation.TriangleCount()), 2, ascii, model, options);
     std::vector<WorldTriangle> triangles(static_cast<std::size_t>(tessellation.TriangleCount()));
     tessellation.CopyTriangles(0, tessellation.TriangleCount(), triangles.data());
     Save("write", triangles, output, options, ascii, watch);
@@ -85,7 +85,8 @@ void SaveSurface(const VoxelModel<bool>& model, const LevelFile& output, const G
 {
     const Stopwatch watch;
     const std::vector<VoxelRectangle> rectangles = SolidizeVoxelModel(model, output.lod);
-    RequireSpaceForTriangles(2 * static_cast<double>(rectangles.size()), ascii, model, options);
+    // Two triangles for each, and the list of rectangles has grown by copying.
+    RequireSpaceForTriangles(2 * static_cast<double>(rectangles.size()), 1.5 * sizeof(VoxelRectangle), ascii, model, options);
     std::vector<WorldTriangle> triangles;
     triangles.reserve(2 * rectangles.size());
     for (const VoxelRectangle& rectangle : rectangles) {
