@@ -66,7 +66,12 @@ public:
     Chunk* FindChunk(const Triple& chunkIndices) { return chunks_.Find(chunkIndices); }
     const Chunk* FindChunk(const Triple& chunkIndices) const { return chunks_.Find(chunkIndices); }
 
-    /// The number of chunks that are stored.
+    /// The number of chunks of the grid, and of those that are stored.
+    std::size_t ChunkCount() const
+    {
+        const Triple size = Plus(Minus(UpperChunkIndices(), LowerChunkIndices()), {1, 1, 1});
+        return static_cast<std::size_t>(size[0] * size[1] * size[2]);
+    }
     std::size_t StoredChunkCount() const { return chunks_.Size(); }
 
     /// Calls visit(chunk indices, chunk) for all chunks that are stored: z outermost, then y, then x.

@@ -92,8 +92,7 @@ bool IsEmpty(const VoxelModel<bool>& model, std::int64_t lod)
 bool IsFull(const VoxelModel<bool>& model, std::int64_t lod)
 {
     RequireOperationLevel(model, lod);
-    const Triple chunks = Plus(Minus(model.UpperChunkIndices(), model.LowerChunkIndices()), {1, 1, 1});
-    if (static_cast<std::int64_t>(model.StoredChunkCount()) != chunks[0] * chunks[1] * chunks[2]) return false;
+    if (model.StoredChunkCount() != model.ChunkCount()) return false;
     return AllStoredStacks(model, lod, [](const Store& store, const StackIndices& ij) {
         return IsFullInside(store.VoxelStackRef(ij), store.LowerOffset(ij), store.UpperOffset(ij));
     });

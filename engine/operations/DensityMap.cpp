@@ -8,9 +8,9 @@
 #include "BasicOperations.h"
 #include "MergedExtents.h"
 
+#include <algorithm>
 #include <cmath>
 #include <deque>
-#include <set>
 #include <string>
 
 namespace brix {
@@ -181,15 +181,20 @@ void WriteChunk(std::vector<VoxelModel<bool>>& results, const Triple& chunk, con
 }
 
 // The chunks in which a threshold may be reached: those that a model stores, or all of the result for a threshold of 0 or below.
-std::set<Triple> ChunksOf(const ModelPointers& models, const VoxelModel<bool>& result, const std::vector<double>& thresholds)
+std::vector<Triple> ChunksOf(const ModelPointers& models, const VoxelModel<bool>& result, const std::vector<double>& thresholds)
 {
-    std::set<Triple> chunks;
+    std::vector<Triple> chunks;
     const auto add = [&](const Triple& chunk) {
-        if (result.IsChunkValid(chunk)) chunks.insert(chunk);
+        if (result.IsChunkValid(chunk)) chunks.push_back(chunk);
     };
-    for (const VoxelModel<bool>* model : models) model->ForEachChunk([&](const Triple& chunk, const auto&) { add(chunk); });
-    if (std::any_of(thresholds.begin(), thresholds.end(), [](double threshold) { return threshold <= 0; }))
+    if (std::any_of(thresholds.begin(), thresholds.end(), [](double threshold) { return threshold <= 0; })) {
+        chunks.reserve(result.ChunkCount()); // runs out of memory at once where the whole would
         ForEachTriple(result.LowerChunkIndices(), result.UpperChunkIndices(), add);
+        return chunks;
+    }
+    for (const VoxelModel<bool>* model : models) model->ForEachChunk([&](const Triple& chunk, const auto&) { add(chunk); });
+    std::sort(chunks.begin(), chunks.end());
+    chunks.erase(std::unique(chunks.begin(), chunks.end()), chunks.end());
     return chunks;
 }
 

@@ -86,6 +86,7 @@ std::vector<Triple> ChunksOf(Where where, const VoxelModel<bool>& result, const 
         if (result.IsChunkValid(chunk)) chunks.push_back(chunk);
     };
     if (where == Where::Anywhere) {
+        chunks.reserve(result.ChunkCount()); // runs out of memory at once where the whole would
         ForEachTriple(result.LowerChunkIndices(), result.UpperChunkIndices(), add);
         return chunks;
     }

@@ -52,8 +52,9 @@ public class ModelTests
     {
         using AxesCLI axes = Axes();
         using var extents = new ExtentsCLI(axes, [-25000, -25000, -320000], [24999, 24999, 319999], 0);
-        Assert.Equal("There is not enough memory for a voxel model of 1600000 x 1600000 x 640000 voxels at level 5.",
-            MessageOf(() => new VoxelModelCLI(extents, 5, double.NaN)));
+        using var everything = new VoxelModelCLI(extents, 5, double.NaN); // takes memory for what it holds, which is nothing
+        Assert.Equal("There is not enough memory for the inverted voxel model.",
+            MessageOf(() => SolidOperationsCLI.Invert(everything)));
     }
 
     [Fact]
