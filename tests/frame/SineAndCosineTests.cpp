@@ -26,7 +26,7 @@ void ExpectSame(double actual, double expected, double degrees)
 bool IsNearest(double value, long double exact)
 {
     const double unit = std::abs(std::nextafter(value, std::numeric_limits<double>::infinity()) - value);
-    return std::abs(static_cast<long double>(value) - exact) <= unit * (0.5L + 0x1p-8L);
+    return std::abs(static_cast<long double>(value) - exact) <= static_cast<long double>(unit) * (0.5L + 0x1p-8L);
 }
 
 TEST(SineAndCosine, AreTheNearestDoubles)
