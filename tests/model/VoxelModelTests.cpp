@@ -192,7 +192,7 @@ TEST(VoxelModel, IsMadeAndCopiedWholeOrNotAtAll)
         model.ChunkRef(model.LowerChunkIndices());
     };
     while (RunsOutOfMemory(n, makeWithChunk)) ++n;
-    EXPECT_GT(n, 10);
+    EXPECT_GT(n, 5);
     for (n = 1; RunsOutOfMemory(n, [&] { const VoxelModel<bool> copy(random.voxels); });) n += 1 + n / 4;
     EXPECT_GT(n, 10);
     EXPECT_EQ(LiveAllocations(), live);
