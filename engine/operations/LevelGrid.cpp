@@ -18,7 +18,6 @@ LevelGrid::LevelGrid(const VoxelModel<bool>& model, const Extents& extents)
       bits_(extents.VoxelLOD()),
       lower_(StackOfVoxel(extents.LowerIndices())),
       upper_(StackOfVoxel(extents.UpperIndices())),
-      size_(Plus(Minus(upper_, lower_), {1, 1, 1})),
       blocks_(ChunkOf(lower_), ChunkOf(upper_)),
       spare_(ChunkOf(lower_), ChunkOf(upper_)),
       lastChunk_(NoChunk)

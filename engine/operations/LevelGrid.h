@@ -54,14 +54,6 @@ public:
     /// empty.
     VoxelModel<bool> TakeModel();
 
-    /// All stacks of the extents are numbered from 0 to StackCount() - 1: x innermost, then y, then z.
-    std::size_t StackCount() const { return static_cast<std::size_t>(size_[0] * size_[1] * size_[2]); }
-    std::size_t Number(const Triple& stack) const
-    {
-        const Triple offset = Minus(stack, lower_);
-        return static_cast<std::size_t>((offset[2] * size_[1] + offset[1]) * size_[0] + offset[0]);
-    }
-
 private:
     static constexpr std::int64_t MostPerRow = std::int64_t{1} << (LevelCount - 1);
     using Rows = std::array<std::uint32_t, static_cast<std::size_t>(MostPerRow)>; // row j, bit i: stack (i, j) of a chunk
@@ -108,7 +100,6 @@ private:
     std::int64_t bits_; // a chunk has 2^bits stacks along x and y
     Triple lower_;
     Triple upper_;
-    Triple size_;
     Blocks blocks_;
     Blocks spare_; // what the next pass writes to: the stacks of the pass before the last one, whose memory is used again
     mutable Triple lastChunk_;
