@@ -83,23 +83,6 @@ TEST(DistanceField, IsExactOnOpenFloorInEveryDirection)
     EXPECT_EQ(field.FarthestDistance(), DistanceOf(field, {41, -25, 7}));
 }
 
-TEST(DistanceField, KeepsToTheShortestWayAroundCorners)
-{
-    const std::string corner = ".......... .......... .......... .....##### .....##### .....##### .....#####";
-    const std::string uTurn =
-        ".............. .............. .............. ...########### .............. .............. ..............";
-    const std::string doors =
-        "......#..... ......#..... ............ ......#..... ###.#####.## ...#........ ...#...#.... .......#....";
-    for (const std::string& drawing : {corner, uTurn, doors}) {
-        const VoxelModel<bool> plan = MakeModel(DrawnPlan(PlanAxes, drawing));
-        const PathModel path(plan, 0, 1, 1, false);
-        Excess excess;
-        excess.Add(path, {0, 0, 0}, drawing);
-        excess.Add(path, plan.ExtentsRef(0).UpperIndices(), drawing);
-        EXPECT_LE(excess.worst, 0.02) << drawing;
-    }
-}
-
 // Blocks far from each other: what the source sees is as far as the line is long, but for one voxel in 400 that no neighbour
 // offers this line.
 TEST(DistanceField, IsStraightBetweenThePillarsOfAHall)
@@ -183,54 +166,6 @@ TEST(DistanceField, IsNeverBelowTheShortestWayOfStraightPiecesAndSeldomAbove)
         if (!IsMeasuring()) continue;
         for (const Excess& shape : {excess, ofTallVoxels})
             std::printf("%-8s worst %7.3f %%, mean %.4f %% of %lld\n", name, 100 * shape.worst, 100 * shape.Mean(), shape.count);
-    }
-}
-
-// A floor, a flight that rises a voxel every third column from x = 10 to 40, and the floor above.
-TEST(DistanceField, WalksStairsOnTheirSlope)
-{
-    const Axes axes(1, {0, 0, 0}, 0, 1); // voxels half as high as wide
-    ReferenceModel floors(Extents(axes, {0, 0, 0}, {59, 29, 30}, 0), 0, 0);
-    floors = floors.Where([](const Triple& v) { return v[2] <= std::clamp<std::int64_t>((v[0] - 7) / 3, 0, 10); });
-    const VoxelModel<bool> environment = MakeModel(floors);
-    const PathModel path(environment, 0, 1, 6, false);
-    const DistanceField field = FieldFrom(path, {2, 5, 1});
-    const double flight = std::hypot(30, 5) - 30; // longer than in plan
-    for (std::int64_t y = 0; y < 30; ++y) {
-        for (std::int64_t x = 40; x < 60; ++x) { // unfolded, the way is straight
-            const double way = std::hypot(static_cast<double>(x - 2) + flight, y - 5) * Width;
-            EXPECT_NEAR(static_cast<double>(DistanceOf(field, {x, y, 11})) / way, 1, 0.01) << x << ", " << y;
-        }
-    }
-}
-
-// Two floors of 40 x 20 voxels, eight voxels apart; a flight three voxels wide between two walls leads from x = 11 up to x = 19.
-TEST(DistanceField, FindsTheOneFlightBetweenTwoStoreys)
-{
-    ReferenceModel house(Extents(PlanAxes, {0, 0, 0}, {39, 19, 16}, 0), 0, 0);
-    house = house.Where([&](const Triple& v) {
-        const bool isStair = 12 <= v[0] && v[0] < 20 && 7 <= v[1] && v[1] <= 11;
-        if (isStair && (v[1] == 7 || v[1] == 11)) return true; // walls
-        return v[2] == 0 || (isStair ? v[2] <= v[0] - 11 : v[2] == 8);
-    });
-    const VoxelModel<bool> environment = MakeModel(house);
-    const PathModel path(environment, 0, 1, 4, false);
-    const DistanceField field = FieldFrom(path, {3, 3, 1});
-    const auto length = [](const Triple& a, const Triple& b) { return std::hypot(a[0] - b[0], a[1] - b[1], a[2] - b[2]); };
-    for (const Triple& target : {Triple{38, 2, 9}, Triple{30, 18, 9}, Triple{2, 2, 9}, Triple{12, 12, 9}}) {
-        double shortest = 1e9;
-        for (std::int64_t foot = 8; foot <= 10; ++foot) {
-            for (std::int64_t head = 8; head <= 10; ++head) {
-                const double climb = length({3, 3, 1}, {11, foot, 1}) + length({11, foot, 1}, {19, head, 9});
-                const std::int64_t side = target[1] < 9 ? -1 : 1; // back around the end of a wall
-                const Triple end{20, 9 + 2 * side, 9};
-                const Triple behind{19, 9 + 3 * side, 9};
-                const double back = length({19, head, 9}, end) + length(end, behind) + length(behind, target);
-                shortest = std::min(shortest, climb + (target[0] < 20 ? back : length({19, head, 9}, target)));
-            }
-        }
-        EXPECT_NEAR(static_cast<double>(DistanceOf(field, target)) / (shortest * Width), 1, 0.02)
-            << target[0] << ", " << target[1];
     }
 }
 

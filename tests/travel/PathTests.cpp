@@ -87,28 +87,6 @@ TEST(Path, LeadsOverTheGroundStepByStepAndIsAsLongAsTheFieldSays)
     EXPECT_GT(ways, 2000);
 }
 
-// A diagonal that rises by two voxels is no step, nor what a line may lead over.
-TEST(Path, KeepsOffWhatIsNoStep)
-{
-    const struct
-    {
-        std::array<std::array<std::int64_t, 6>, 2> tops; // of the solid voxels, by y and x
-        Triple source, target;
-        std::int64_t length;
-    } cases[]{{{{{8, 8, 9, 9, 20, 20}, {7, 7, 8, 8, 20, 20}}}, {3, 0, 10}, {0, 1, 8}, 158725},
-              {{{{0, 0, 2, 1, 2, 0}, {2, 4, 0, 0, 1, 0}}}, {2, 0, 3}, {4, 1, 2}, 113137}};
-    for (const auto& [tops, source, target, length] : cases) {
-        const ReferenceModel solid(Extents(Axes(1, {0, 0, 0}, 0, 0), {0, 0, 0}, {5, 1, 20}, 0), 0, 0);
-        const VoxelModel<bool> environment = MakeModel(solid.Where([&, &tops = tops](const Triple& v) {
-            return v[2] <= tops[static_cast<std::size_t>(v[1])][static_cast<std::size_t>(v[0])];
-        }));
-        const PathModel path(environment, 0, 1, 3, true);
-        const DistanceField field(path, {environment.AxesRef().VoxelCenter(source, 0)}, NoLimit);
-        ExpectWay(Ground(path), field, source, target, std::to_string(length));
-        EXPECT_EQ(field.Distance(environment.AxesRef().VoxelCenter(target, 0)), length);
-    }
-}
-
 TEST(Path, MergesPiecesThatFollowEachOtherStraight)
 {
     const Axes axes(1, {0, 0, 0}, 0, 0);
