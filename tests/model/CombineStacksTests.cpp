@@ -78,18 +78,5 @@ TEST(CombineStacks, SeesNeighboursAtEveryDistance)
     }
 }
 
-TEST(CombineStacks, ReleasesTheResultThatBecomesEmpty)
-{
-    VoxelStack<bool> stack = MakeStack([] {
-        Heights heights{};
-        heights[9] = Picture("#");
-        return heights;
-    }());
-    CombineStacks(
-        stack, [](const Plate&) { return Plate{}; }, stack);
-    EXPECT_TRUE(stack.IsUnallocated());
-    EXPECT_EQ(stack.AllocatedBytes(), 0U);
-}
-
 } // namespace
 } // namespace brix

@@ -220,24 +220,5 @@ TEST(Iterators, AreOrderedAsStacksAreVisited)
     }
 }
 
-// Chunks and stacks in the order z, y, x, then row, column: 2 x 2 x 2 chunks of 2 x 2 stacks.
-TEST(Iterators, VisitUpperChunksLast)
-{
-    const VoxelModel<bool> model(Extents(Axes(1, {0, 0, 0}, 0, 0), {-32, -32, -64}, {31, 31, 63}, 1), 1);
-    std::vector<Triple> corners;
-    ForEachStack(model, 1, [&](const auto& store, const StackIndices& ij) { corners.push_back(store.LowerIndices(ij)); });
-    ASSERT_EQ(corners.size(), 32U);
-    EXPECT_EQ(std::vector<Triple>(corners.begin(), corners.begin() + 9), (std::vector<Triple>{{-32, -32, -64},
-                                                                                              {-16, -32, -64},
-                                                                                              {-32, -16, -64},
-                                                                                              {-16, -16, -64},
-                                                                                              {0, -32, -64},
-                                                                                              {16, -32, -64},
-                                                                                              {0, -16, -64},
-                                                                                              {16, -16, -64},
-                                                                                              {-32, 0, -64}}));
-    EXPECT_EQ(corners[16], (Triple{-32, -32, 0}));
-}
-
 } // namespace
 } // namespace brix

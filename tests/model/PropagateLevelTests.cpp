@@ -58,27 +58,6 @@ TEST(PropagateLevel, GivesTheSameVoxelsWithEveryInstructionSet)
     }
 }
 
-// What a model of 16 x 16 voxels at level 0 and 64 heights holds at level 1.
-std::vector<Triple> VoxelsAtLevelOne(const std::vector<Triple>& filledAtLevelZero)
-{
-    ReferenceModel reference(Extents(Axes(1, {0, 0, 0}, 0, 0), {0, 0, 0}, {15, 15, 63}, 0), 1, 0);
-    for (const Triple& voxel : filledAtLevelZero) reference.Set(voxel);
-    const ReferenceModel finer(MakeModel(reference), 1);
-    std::vector<Triple> filled;
-    finer.ForEachVoxel([&](const Triple& voxel) {
-        if (finer.Value(voxel)) filled.push_back(voxel);
-    });
-    return filled;
-}
-
-TEST(PropagateLevel, DoublesEveryLayerButTheLowest)
-{
-    EXPECT_EQ(VoxelsAtLevelOne({{3, 9, 7}}), (std::vector<Triple>{{6, 18, 7}, {7, 18, 7}, {6, 19, 7}, {7, 19, 7}}));
-    EXPECT_EQ(VoxelsAtLevelOne({{3, 9, 0}}), (std::vector<Triple>{{3, 9, 0}, {19, 9, 0}, {3, 25, 0}, {19, 25, 0}}))
-        << "a voxel of the lowest layer goes to all four finer stacks as it stands";
-    EXPECT_EQ(VoxelsAtLevelOne({{3, 9, 0}, {3, 9, 1}, {3, 9, 3}}).size(), 12U) << "the lowest layer is two high";
-}
-
 // Where memory runs out, some levels are left behind, but every stack stays sound, so that the next propagation mends the model.
 TEST(PropagateLevel, CanBeRepeatedAfterMemoryRanOut)
 {

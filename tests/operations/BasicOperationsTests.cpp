@@ -92,30 +92,6 @@ TEST(Rebounding, EqualsTheVoxelByVoxelDefinition)
     }
 }
 
-TEST(AutoCrop, LeavesTheMiddleVoxelOfAnEmptyModel)
-{
-    const auto middle = [](const Triple& lower, const Triple& upper) {
-        const VoxelModel<bool> cropped = AutoCrop(MakeModel(EmptyReference(lower, upper, 1)));
-        EXPECT_EQ(cropped.ExtentsRef(1).LowerIndices(), cropped.ExtentsRef(1).UpperIndices());
-        return cropped.ExtentsRef(1).LowerIndices();
-    };
-    EXPECT_EQ(middle({0, 0, 0}, {3, 3, 3}), (Triple{2, 2, 2}));
-    EXPECT_EQ(middle({-4, -3, -2}, {-1, 1, 0}), (Triple{-2, -1, -1}));
-    EXPECT_EQ(middle({7, -8, 63}, {7, -7, 64}), (Triple{7, -7, 64}));
-}
-
-TEST(Refine, DoublesVoxelsAndMergesThemBack)
-{
-    ReferenceModel reference = EmptyReference({-8, -8, -2}, {7, 7, 2}, 2);
-    reference.Set({-3, 5, 1});
-    const VoxelModel<bool> fine = Refine(MakeModel(reference), 4);
-    EXPECT_EQ(fine.FinestLOD(), 4);
-    EXPECT_EQ(CountFilled(fine, 4), 16);
-    EXPECT_EQ(AutoCrop(fine).ExtentsRef(4).LowerIndices(), (Triple{-12, 20, 1}));
-    EXPECT_EQ(Differences(Refine(fine, 2), reference), "");
-    EXPECT_EQ(CountFilled(Refine(fine, 0), 0), 1);
-}
-
 TEST(BasicOperations, NameTheArgumentThatTheyReject)
 {
     const VoxelModel<bool> model = MakeModel(EmptyReference({0, 0, 0}, {3, 3, 3}, 2));

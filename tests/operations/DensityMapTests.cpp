@@ -1,7 +1,6 @@
 // Density maps against their voxel-by-voxel definition.
 #include "operations/DensityMap.h"
 
-#include "operations/BasicOperations.h"
 #include "operations/SolidOperations.h"
 #include "support/Messages.h"
 #include "support/RandomCompanions.h"
@@ -37,7 +36,7 @@ TEST(DensityMap, EqualsTheSumsVoxelByVoxel)
     for (std::uint64_t seed = 1; seed <= 200; ++seed) {
         Random random(seed);
         std::vector<ReferenceModel> references{MakeFirst(random)};
-        for (std::uint64_t i = 0; i < seed % 5; ++i) {
+        for (std::uint64_t i = 0; i < (seed % 20 == 0 ? 8 : seed % 5); ++i) {
             references.push_back(MakeCompanion(random, references.front(), AllPlacements[(seed + i) % AllPlacements.size()]));
         }
         std::vector<VoxelModel<bool>> models;
@@ -71,24 +70,6 @@ TEST(DensityMap, EqualsTheSumsVoxelByVoxel)
                       "")
                 << "seed " << seed << ", level " << levels[i];
         }
-    }
-}
-
-TEST(DensityMap, OfEqualWeightsIsUnionAtOneAndIntersectionAtAll)
-{
-    for (std::uint64_t seed = 1; seed <= 40; ++seed) {
-        Random random(seed);
-        std::vector<VoxelModel<bool>> models;
-        const ReferenceModel first = MakeFirst(random);
-        for (int i = 0; i < 9; ++i) models.push_back(MakeModel(MakeCompanion(random, first, Placement::SameExtents)));
-        Models pointers;
-        for (const VoxelModel<bool>& model : models) pointers.push_back(&model);
-        const std::int64_t lod = first.FinestLOD();
-        const auto results = DensityMap(pointers, std::vector<double>(9, 1.0), {0, 1, 9, 9.5}, lod);
-        EXPECT_TRUE(IsFull(results[0], lod)) << "seed " << seed;
-        EXPECT_EQ(Differences(results[1], Union(pointers, lod, false)), "") << "seed " << seed;
-        EXPECT_EQ(Differences(results[2], Intersect(pointers, lod, false)), "") << "seed " << seed;
-        EXPECT_TRUE(IsEmpty(results[3], lod)) << "seed " << seed;
     }
 }
 

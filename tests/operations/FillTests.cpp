@@ -129,36 +129,6 @@ TEST(Fills, FollowOneCorridorToItsEnd)
     }
 }
 
-// A hollow box of 6 x 6 x 6 voxels across the borders of stacks, with 64 voxels inside. Only a hole in a wall lets the flood in.
-TEST(Fills, PassFacesButNeitherEdgesNorCorners)
-{
-    const Extents extents(Axes(1, {0, 0, 0}, 0, 0), {-9, -9, 55}, {9, 9, 73}, 2);
-    const Triple lower{-3, -3, 61};
-    const Triple upper{2, 2, 66};
-    const ReferenceModel box = ReferenceModel(extents, 2, 2).Where([&](const Triple& v) {
-        return IsWithin(v, lower, upper) && !IsWithin(v, Plus(lower, {1, 1, 1}), Minus(upper, {1, 1, 1}));
-    });
-    const std::int64_t wall = 6 * 6 * 6 - 4 * 4 * 4;
-    const auto countEnclosed = [](const ReferenceModel& model) {
-        EXPECT_TRUE(FillsAreRight(model));
-        return ReferenceModel(FillEnclosedRegions(MakeModel(model)), 2).CountFilled();
-    };
-    EXPECT_EQ(countEnclosed(box), wall + 64);
-    std::array<std::int64_t, 4> counts{}; // of holes in the inside, the walls, the edges and the corners that enclose 64 voxels
-    box.ForEachVoxel([&](const Triple& hole) {
-        if (!box.Value(hole)) return;
-        std::size_t sides = 0;
-        for (std::size_t i = 0; i < 3; ++i) sides += hole[i] == lower[i] || hole[i] == upper[i];
-        ReferenceModel opened = box;
-        opened.Set(hole, false);
-        if (ReferenceModel(FillEnclosedRegions(MakeModel(opened)), 2).CountFilled() == wall - 1 + 64) ++counts[sides];
-    });
-    EXPECT_EQ(counts, (std::array<std::int64_t, 4>{0, 0, 12 * 4, 8}));
-    const ReferenceModel cutOpen =
-        box.Where(Extents(box.AxesRef(), extents.LowerIndices(), {1, 9, 73}, 2), [&](const Triple& v) { return box.Value(v); });
-    EXPECT_EQ(countEnclosed(cutOpen), wall - 36) << "a cavity at a face of the extents is exposed";
-}
-
 TEST(Fills, ReturnACopyWhereThereIsNothingToFill)
 {
     const Axes axes(1, {0, 0, 0}, 0, 0);

@@ -1,4 +1,4 @@
-// What voxels see of their neighbours, drawn and voxel by voxel; and passes over a level with every instruction set.
+// What voxels see of their neighbours, voxel by voxel; and passes over a level with every instruction set.
 #include "operations/Neighbourhood.h"
 
 #include "operations/NeighbourhoodPass.h"
@@ -16,20 +16,6 @@ namespace {
 
 using namespace tests;
 using Plate = VoxelPlate<bool>;
-
-TEST(Towards, TakesTheFacingEdgeOfTheNeighbour)
-{
-    EXPECT_EQ(TowardsLowerX(Picture(".##............."), Picture("...............#")), Picture("#.##............"));
-    EXPECT_EQ(TowardsUpperX(Picture(".............##."), Picture("#...............")), Picture("............##.#"));
-    EXPECT_EQ(TowardsLowerX(Picture(".##............#"), Picture(".............#.#"), 3), Picture("#.#.##.........."));
-    EXPECT_EQ(TowardsUpperX(Picture("#............##."), Picture("#.#............."), 3), Picture("..........##.#.#"));
-    const Plate first = Picture(".#");
-    const Plate last = Picture(". . . . . . . . . . . . . . . ..#");
-    EXPECT_EQ(TowardsLowerY(first, last), Picture("..# .#"));
-    EXPECT_EQ(TowardsUpperY(last, first), Picture(". . . . . . . . . . . . . . ..# .#"));
-    EXPECT_EQ(TowardsLowerY(first, last, 2), Picture(". ..# .#"));
-    EXPECT_EQ(TowardsUpperY(last, first, 15), Picture("..# .#"));
-}
 
 TEST(Towards, ReachesEveryDistanceUpToTheWholeNeighbour)
 {
@@ -67,25 +53,6 @@ TEST(AtLeast, CountsVoxelByVoxel)
             EXPECT_EQ(AtLeast(count, c, d).Value({x, 0}), std::popcount(static_cast<unsigned>(x / 4)) >= count);
         }
     }
-}
-
-// A plate whose neighbours at the same height are empty.
-HorizontalNeighbours Alone(const Plate& here) { return {here, {}, {}, {}, {}}; }
-
-TEST(GrowWhere, FillsVoxelsWithEnoughNeighbours)
-{
-    const Plate corner = Picture("....... .##.... .#..... .#...#. .......");
-    EXPECT_EQ(GrowWhere(corner, Alone(corner), 1), Picture(".##.... ####... ###..#. ###.### .#...#."));
-    EXPECT_EQ(GrowWhere(corner, Alone(corner), 2), Picture("....... .##.... .##.... .#...#. ......."));
-    EXPECT_EQ(GrowWhere(corner, Alone(corner), 3), corner);
-
-    const Plate here = Picture("...... .##... ......");
-    const Plate below = Picture("#####.");
-    const Plate above = Picture("...... ...... .##...");
-    EXPECT_EQ(GrowWhere(here, Alone(here), below, above, {1, 1}), Picture(".##... .##... .##..."));
-    EXPECT_EQ(GrowWhere(here, Alone(here), below, above, {0, 1}), Picture("#####. .##... .##..."));
-    EXPECT_EQ(GrowWhere(here, Alone(here), below, above, {0, 2}), here);
-    EXPECT_EQ(GrowWhere(here, Alone(here), below, below, {1, 2}), Picture(".##... .##... ......"));
 }
 
 // A level on which a pass runs, and what it must become.

@@ -84,41 +84,6 @@ TEST(NearestFilledAlong, FindsWhatALookAtEveryVoxelFinds)
     EXPECT_GT(found, 5000) << "of 27000 searches";
 }
 
-// Two voxels at the ends of a line that crosses chunks, and offsets that just reach them or just do not.
-TEST(NearestFilledAlong, StopsAtItsOffsetsAndTakesTheLowerOfTwo)
-{
-    const Axes axes(1, {0, 0, 0}, 0, 5);
-    for (std::size_t axis = 0; axis < 3; ++axis) {
-        ReferenceModel reference(Extents(axes, {-100, -100, -100}, {100, 100, 100}, 1), 1, 1);
-        Triple lower{7, 7, 7};
-        Triple upper{7, 7, 7};
-        lower[axis] = -90;
-        upper[axis] = 90;
-        reference.Set(lower);
-        reference.Set(upper);
-        const VoxelModel<bool> model = MakeModel(reference);
-        Triple point = axes.VoxelCenter({7, 7, 7}, 1);
-        const auto search = [&](std::int64_t index, std::int64_t shift, long long lowerOffset, long long upperOffset) {
-            Triple voxel{7, 7, 7};
-            voxel[axis] = index;
-            point[axis] = axes.VoxelCenter(voxel, 1)[axis] + shift;
-            return Place(Searches[axis](model, point, lowerOffset, upperOffset));
-        };
-        EXPECT_EQ(search(0, 0, 90, 90), lower) << "a tie goes to the lower one";
-        EXPECT_EQ(search(0, 1, 90, 90), upper);
-        EXPECT_EQ(search(0, -1, 90, 90), lower);
-        EXPECT_EQ(search(0, 0, 89, 90), upper);
-        EXPECT_EQ(search(0, 0, 89, 89), std::nullopt);
-        EXPECT_EQ(search(0, 0, Highest64, 0), lower);
-        EXPECT_EQ(search(90, 0, 0, 0), upper);
-        EXPECT_EQ(search(91, 0, 0, 0), std::nullopt);
-        EXPECT_EQ(search(120, 0, 30, 0), upper) << "a point outside searches into the model";
-        EXPECT_EQ(search(120, 0, 29, 500), std::nullopt);
-        EXPECT_EQ(search(-500, 0, 0, 410), lower);
-        EXPECT_EQ(search(-500, 0, Highest64, Highest64), lower);
-    }
-}
-
 // The definition in whole models: grow the point's voxel, cut it out of the source, scan what is left.
 std::optional<Triple> PlainNearestHorizontally(const VoxelModel<bool>& model, const Triple& point, int diameter)
 {
@@ -163,22 +128,6 @@ TEST(NearestFilledHorizontally, FindsWhatAScanOfTheGrownVoxelFinds)
     EXPECT_GT(found, 300) << "of 1200 searches";
 }
 
-// For every diameter and every voxel around: the search meets the one filled voxel exactly when growth of its own voxel does.
-TEST(NearestFilledHorizontally, SearchesTheShapeThatGrowthMakes)
-{
-    const Axes axes(1, {0, 0, 0}, 0, 5);
-    ReferenceModel single(Extents(axes, {-23, -23, 0}, {23, 23, 0}, 0), 0, 0);
-    single.Set({0, 0, 0});
-    const VoxelModel<bool> model = MakeModel(single);
-    for (int diameter = 1; diameter <= 44; ++diameter) {
-        const ReferenceModel grown(ExpandHorizontally(model, diameter, std::nullopt, false), 0);
-        const ReferenceModel searched = single.Where([&](const Triple& voxel) {
-            return NearestFilledHorizontally(model, axes.VoxelCenter(voxel, 0), diameter).IsValid();
-        });
-        ASSERT_EQ(Differences(searched, grown), "") << "diameter " << diameter;
-    }
-}
-
 // Points and sizes at the limits of their types, and a model in a corner of the index space, where the disc leaves it.
 TEST(NearestFilled, AcceptsAnyNumbers)
 {
@@ -217,18 +166,12 @@ TEST(NearestFilled, RejectsNegativeOffsetsAndDiametersBelowOne)
         const auto message = [&](long long lower, long long upper) {
             return MessageOf([&] { Searches[axis](model, {0, 0, 0}, lower, upper); });
         };
-        const std::array<std::string, 3> lowerSides{
-            "The number of voxels to search on the lower X side cannot be negative. The value encountered was -1.",
-            "The number of voxels to search on the lower Y side cannot be negative. The value encountered was -1.",
-            "The number of voxels to search on the lower Z side cannot be negative. The value encountered was -1."};
-        const std::array<std::string, 3> upperSides{"The number of voxels to search on the upper X side cannot be negative. The "
-                                                    "value encountered was -9223372036854775808.",
-                                                    "The number of voxels to search on the upper Y side cannot be negative. The "
-                                                    "value encountered was -9223372036854775808.",
-                                                    "The number of voxels to search on the upper Z side cannot be negative. The "
-                                                    "value encountered was -9223372036854775808."};
-        EXPECT_EQ(message(-1, Lowest64), lowerSides[axis]);
-        EXPECT_EQ(message(0, Lowest64), upperSides[axis]);
+        const auto sentence = [&](const char* side, const char* value) {
+            return std::string("The number of voxels to search on the ") + side + " " + "XYZ"[axis] +
+                   " side cannot be negative. The value encountered was " + value + ".";
+        };
+        EXPECT_EQ(message(-1, Lowest64), sentence("lower", "-1"));
+        EXPECT_EQ(message(0, Lowest64), sentence("upper", "-9223372036854775808"));
         EXPECT_EQ(message(0, 0), "(nothing was thrown)");
     }
     const auto message = [&](long long diameter) {

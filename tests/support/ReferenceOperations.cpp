@@ -234,26 +234,6 @@ PassRule ShrinkWhere(int horizontal, int vertical)
     };
 }
 
-std::vector<PassRule> DiscPasses(int diameter, PassRule (*rule)(int, int))
-{
-    std::vector<PassRule> passes;
-    for (const int least : DiscSteps(diameter)) passes.push_back(rule(least, 0));
-    return passes;
-}
-
-} // namespace
-
-int CountBeside(const ReferenceModel& model, const Triple& voxel)
-{
-    const auto [x, y, z] = voxel;
-    return model.Value({x - 1, y, z}) + model.Value({x + 1, y, z}) + model.Value({x, y - 1, z}) + model.Value({x, y + 1, z});
-}
-
-int CountStacked(const ReferenceModel& model, const Triple& voxel)
-{
-    return model.Value(Minus(voxel, {0, 0, 1})) + model.Value(Plus(voxel, {0, 0, 1}));
-}
-
 // From the last pass to the first. Every second voxel of the diameter is a step to all sides. A pass that fills corners stands
 // behind the last step (even diameters) or before it (odd ones), and before each further pair of steps that has at least two in
 // front of it.
@@ -274,6 +254,26 @@ std::vector<int> DiscSteps(int diameter)
     }
     step(left);
     return {backwards.rbegin(), backwards.rend()};
+}
+
+std::vector<PassRule> DiscPasses(int diameter, PassRule (*rule)(int, int))
+{
+    std::vector<PassRule> passes;
+    for (const int least : DiscSteps(diameter)) passes.push_back(rule(least, 0));
+    return passes;
+}
+
+} // namespace
+
+int CountBeside(const ReferenceModel& model, const Triple& voxel)
+{
+    const auto [x, y, z] = voxel;
+    return model.Value({x - 1, y, z}) + model.Value({x + 1, y, z}) + model.Value({x, y - 1, z}) + model.Value({x, y + 1, z});
+}
+
+int CountStacked(const ReferenceModel& model, const Triple& voxel)
+{
+    return model.Value(Minus(voxel, {0, 0, 1})) + model.Value(Plus(voxel, {0, 0, 1}));
 }
 
 ReferenceModel ExpandAlong(Axis axis, const ReferenceModel& model, int lowerOffset, int upperOffset, const ReferenceGuide& guide,

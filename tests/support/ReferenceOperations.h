@@ -48,9 +48,6 @@ ReferenceModel ReduceHorizontally(const ReferenceModel& model, int diameterOffse
 int CountBeside(const ReferenceModel& model, const Triple& voxel);
 int CountStacked(const ReferenceModel& model, const Triple& voxel);
 
-/// The least numbers of neighbours that the passes of the horizontal operations ask for, in order.
-std::vector<int> DiscSteps(int diameter);
-
 /// Where two models of the engine differ: frame, bounds, finest level or any stack; empty when they do not. Equal stacks have
 /// equal layers, so this is quick, and models may be larger than those that are compared voxel by voxel.
 std::string Differences(const VoxelModel<bool>& actual, const VoxelModel<bool>& expected);
