@@ -32,17 +32,6 @@ TEST(Axes, GiveTheVoxelSizeOfEveryLevelInWorldUnits)
     EXPECT_EQ(axes.VoxelSize(5), (Triple{1250, 1250, 10000}));
 }
 
-TEST(Axes, RoundWorldPointsDown)
-{
-    const std::vector<std::pair<double, std::int64_t>> cases{
-        {-0.5, -1}, {0.5, 0}, {-1, -1}, {-40000.25, -40001}, {39999.75, 39999}};
-    for (const auto& [world, unit] : cases) {
-        EXPECT_EQ(PlainAxes().FromWorldCoordinates({world, 0, 0}), (Triple{unit, 0, 0}));
-        EXPECT_EQ(PlainAxes().FromWorldCoordinates({0, world, 0}), (Triple{0, unit, 0}));
-        EXPECT_EQ(PlainAxes().FromWorldCoordinates({0, 0, world}), (Triple{0, 0, unit}));
-    }
-}
-
 // Points on voxel borders, where any other order of the steps (scale before shifting, one reciprocal) gives another unit.
 TEST(Axes, RoundPointsOnVoxelBordersByTheOneOrderOfSteps)
 {
@@ -128,16 +117,6 @@ TEST(Axes, FindTheVoxelThatHoldsAPoint)
         ASSERT_TRUE(IsWithin(coords, corner, Minus(Plus(corner, axes.VoxelSize(lod)), {1, 1, 1}))) << "case " << i;
         ASSERT_EQ(axes.VoxelCorner(voxel, lod), corner);
     }
-}
-
-TEST(Axes, KeepTheVerticalSizeOfVoxelsAtEveryLevel)
-{
-    const Axes axes = PlainAxes(2);
-    for (std::int64_t lod = 0; lod < 6; ++lod) {
-        EXPECT_EQ(axes.ContainingVoxel({0, 0, 10000}, lod)[2], 1);
-        EXPECT_EQ(axes.VoxelCenter({0, 0, -1}, lod), (Triple{VoxelSpacing(lod) / 2, VoxelSpacing(lod) / 2, -5000}));
-    }
-    EXPECT_EQ(axes.VoxelCenter({0, 0, 0}, 5), (Triple{625, 625, 5000}));
 }
 
 TEST(Axes, AcceptIndicesAndLevelsFarBeyondTheIndexSpace)

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <regex>
 
 namespace brix {
 namespace {
@@ -27,51 +28,30 @@ std::string MessageFor(const Triple& lower, const Triple& upper, std::int64_t vo
 // Each row mends what the row above it reports and nothing else, so that the table holds the order as well as the sentences.
 TEST(Extents, ReportTheFirstFaultInTheOrderOfTheChecks)
 {
-    struct Case
+    const std::string cannot = " cannot be less than the lower extent. The lower extent encountered was 5. ";
+    const Triple beyond{25000, 25001, 10000};
+    const struct
     {
-        Triple lower;
-        Triple upper;
+        Triple lower, upper;
         std::int64_t lod;
         std::string message;
+    } cases[]{
+        {{-25001, -25002, -10001}, beyond, -1, "lower extent in the X direction cannot be less than -25000. @-25001."},
+        {{5, -25002, -10001}, beyond, -1, "lower extent in the Y direction cannot be less than -25000. @-25002."},
+        {{5, 5, -10001}, beyond, -1, "lower extent in the Z direction cannot be less than -10000. @-10001."},
+        {{5, 5, 5}, beyond, -1, "upper extent in the X direction must be less than 25000. @25000."},
+        {{5, 5, 5}, {4, 25001, 10000}, -1, "upper extent in the Y direction must be less than 25000. @25001."},
+        {{5, 5, 5}, {4, 3, 10000}, -1, "upper extent in the Z direction must be less than 10000. @10000."},
+        {{5, 5, 5}, {4, 3, -2}, -1, "upper extent in the X direction" + cannot + "The upper extent encountered was 4."},
+        {{5, 5, 5}, {5, 3, -2}, -1, "upper extent in the Y direction" + cannot + "The upper extent encountered was 3."},
+        {{5, 5, 5}, {5, 5, -2}, -1, "upper extent in the Z direction" + cannot + "The upper extent encountered was -2."},
+        {{5, 5, 5}, {5, 5, 5}, -1, "level of detail for a set of extents cannot be negative. @-1."},
+        {{5, 5, 5}, {5, 5, 5}, 6, "level of detail for a set of extents must be less than 6. @6."},
     };
-    const std::string cannot = " cannot be less than the lower extent. The lower extent encountered was 5. ";
-    const std::vector<Case> cases{
-        {{-25001, -25002, -10001},
-         {25000, 25001, 10000},
-         -1,
-         "The lower extent in the X direction cannot be less than -25000. The value encountered was -25001."},
-        {{5, -25002, -10001},
-         {25000, 25001, 10000},
-         -1,
-         "The lower extent in the Y direction cannot be less than -25000. The value encountered was -25002."},
-        {{5, 5, -10001},
-         {25000, 25001, 10000},
-         -1,
-         "The lower extent in the Z direction cannot be less than -10000. The value encountered was -10001."},
-        {{5, 5, 5},
-         {25000, 25001, 10000},
-         -1,
-         "The upper extent in the X direction must be less than 25000. The value encountered was 25000."},
-        {{5, 5, 5},
-         {4, 25001, 10000},
-         -1,
-         "The upper extent in the Y direction must be less than 25000. The value encountered was 25001."},
-        {{5, 5, 5},
-         {4, 3, 10000},
-         -1,
-         "The upper extent in the Z direction must be less than 10000. The value encountered was 10000."},
-        {{5, 5, 5}, {4, 3, -2}, -1, "The upper extent in the X direction" + cannot + "The upper extent encountered was 4."},
-        {{5, 5, 5}, {5, 3, -2}, -1, "The upper extent in the Y direction" + cannot + "The upper extent encountered was 3."},
-        {{5, 5, 5}, {5, 5, -2}, -1, "The upper extent in the Z direction" + cannot + "The upper extent encountered was -2."},
-        {{5, 5, 5}, {5, 5, 5}, -1, "The level of detail for a set of extents cannot be negative. The value encountered was -1."},
-        {{5, 5, 5}, {5, 5, 5}, 6, "The level of detail for a set of extents must be less than 6. The value encountered was 6."},
-        {{5, 5, 5},
-         {5, 5, 5},
-         Highest64,
-         "The level of detail for a set of extents must be less than 6. The value encountered was 9223372036854775807."},
-        {{5, 5, 5}, {5, 5, 5}, 5, Accepted},
-    };
-    for (const Case& row : cases) EXPECT_EQ(MessageFor(row.lower, row.upper, row.lod), row.message);
+    for (const auto& [lower, upper, lod, message] : cases) {
+        EXPECT_EQ(MessageFor(lower, upper, lod),
+                  "The " + std::regex_replace(message, std::regex("@"), "The value encountered was "));
+    }
 }
 
 TEST(Extents, ReachToTheEdgeOfTheIndexSpaceOfEveryLevel)

@@ -71,50 +71,6 @@ TEST(Cuboidization, MergesRunsThenRectanglesThenBoxes)
     }
 }
 
-TEST(Cuboidization, CoversEveryFilledVoxelOnce)
-{
-    for (const RandomModel& random : RandomModels(900, 60)) {
-        ReferenceModel covered = random.reference.Where([](const Triple&) { return false; });
-        std::int64_t volume = 0;
-        for (const VoxelCuboid& cuboid : CuboidizeVoxelModel(random.voxels, random.voxels.FinestLOD())) {
-            ForEachTriple(cuboid.lower, cuboid.upper, [&](const Triple& voxel) {
-                covered.Set(voxel);
-                ++volume;
-            });
-        }
-        ASSERT_EQ(volume, random.reference.CountFilled()) << "boxes overlap or leave the extents; " << random;
-        ASSERT_EQ(Differences(covered, random.reference), "") << random;
-    }
-}
-
-// The same voxels in larger extents, put together from two halves, and moved to another place among stacks and chunks.
-TEST(Cuboidization, DependsOnTheVoxelsAlone)
-{
-    for (const RandomModel& random : RandomModels(1200, 60)) {
-        const std::int64_t lod = random.voxels.FinestLOD();
-        const Cuboids expected = CuboidizeVoxelModel(random.voxels, lod);
-        EXPECT_EQ(CuboidizeVoxelModel(Enlarge(random.voxels, 40, 1, 17, 90, 70, 64), lod), expected) << random;
-        const auto half = [&](std::int64_t parity) {
-            return MakeModel(random.reference.Where([&](const Triple& voxel) {
-                return random.reference.Value(voxel) && ((voxel[0] + voxel[1] + voxel[2]) & 1) == parity;
-            }));
-        };
-        const VoxelModel<bool> even = half(0);
-        const VoxelModel<bool> odd = half(1);
-        EXPECT_EQ(CuboidizeVoxelModel(Union({&even, &odd}, lod, true), lod), expected) << random;
-
-        const Triple step{5, -23, 77};
-        const Extents& extents = random.reference.ExtentsRef();
-        const Extents moved(extents.AxesRef(), Plus(extents.LowerIndices(), step), Plus(extents.UpperIndices(), step), lod);
-        Cuboids back =
-            CuboidizeVoxelModel(MakeModel(random.reference.Where(
-                                    moved, [&](const Triple& voxel) { return random.reference.Value(Minus(voxel, step)); })),
-                                lod);
-        for (VoxelCuboid& cuboid : back) cuboid = {Minus(cuboid.lower, step), Minus(cuboid.upper, step)};
-        EXPECT_EQ(back, expected) << random;
-    }
-}
-
 TEST(Cuboidization, MakesOneBoxOfAThousandMillionVoxels)
 {
     const Extents extents(PlainAxes, {-500, -123, -400}, {499, 876, 599}, 5);

@@ -147,18 +147,6 @@ TEST(Solidization, EnclosesTheFilledVoxelsWithOutwardCorners)
     }
 }
 
-// The same voxels in larger extents, and in the place of the first ones after a way through their opposite.
-TEST(Solidization, DependsOnTheVoxelsAlone)
-{
-    for (const RandomModel& random : RandomModels(2100, 60)) {
-        const std::int64_t lod = random.voxels.FinestLOD();
-        const Rectangles expected = SolidizeVoxelModel(random.voxels, lod);
-        const VoxelModel<bool> enlarged = Enlarge(random.voxels, 40, 1, 17, 90, 70, 64);
-        EXPECT_EQ(SolidizeVoxelModel(enlarged, lod), expected) << random;
-        EXPECT_EQ(SolidizeVoxelModel(AutoCrop(Invert(Invert(enlarged))), lod), expected) << random;
-    }
-}
-
 TEST(Solidization, MakesSixRectanglesOfAThousandMillionVoxels)
 {
     const Extents extents(PlainAxes, {-500, -123, -400}, {499, 876, 599}, 5);
@@ -168,16 +156,6 @@ TEST(Solidization, MakesSixRectanglesOfAThousandMillionVoxels)
                               {Axis::Y, Side::Lower, low, {500, -123, 600}}, {Axis::Y, Side::Upper, {-500, 877, -400}, high},
                               {Axis::Z, Side::Lower, low, {500, 877, -400}}, {Axis::Z, Side::Upper, {-500, -123, 600}, high}};
     EXPECT_EQ(SolidizeVoxelModel(Invert(VoxelModel<bool>(extents, 5)), 5), expected);
-}
-
-TEST(Solidization, WorksAtTheLimitsOfTheIndexSpace)
-{
-    for (const std::int64_t place : {-800000, 799999}) {
-        const Triple voxel{place, place, place < 0 ? -320000 : 319999};
-        const Extents extents(Axes(1, {0, 0, 0}, 0, 5), voxel, voxel, 5);
-        EXPECT_EQ(SolidizeVoxelModel(Invert(VoxelModel<bool>(extents, 5)), 5),
-                  RectanglesOf(ReferenceModel(extents, 5, 5).Where([](const Triple&) { return true; })));
-    }
 }
 
 } // namespace

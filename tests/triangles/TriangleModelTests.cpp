@@ -143,17 +143,6 @@ TEST(TriangleModel, CoversEveryChunkThatATriangleTouchesAndNoOther)
     EXPECT_GT(pointsInGrid, 500);
 }
 
-TEST(TriangleModel, ConvertsWorldTrianglesWithItsFrame)
-{
-    const Axes axes(1, {10, 0, 0}, 90, 0);
-    TriangleModel model(Extents(axes, {0, 0, 0}, {15, 15, 63}, 0));
-    const WorldTriangle world{{{9.5, 1.25, 2}, {8, 3, 2.5}, {9, 1, 1}}};
-    model.AddWorldTriangles({world});
-    const LatticeTriangle expected{axes.FromWorldCoordinates(world[0]), axes.FromWorldCoordinates(world[1]),
-                                   axes.FromWorldCoordinates(world[2])};
-    EXPECT_EQ(FiledIn(model), (std::vector<Filed>{{{0, 0, 0}, expected}}));
-}
-
 // Uncut, such triangles would need 2^60 pieces; what lies away from the grid must be dropped early, or this never ends.
 TEST(TriangleModel, BoundsTheWorkForTrianglesOfAnySize)
 {

@@ -109,79 +109,6 @@ TEST(VisibilityFromDirection, NeverCarriesMoreThanFullSight)
     }
 }
 
-// Another scene in which left is right, or x is y: what is seen must be the same.
-enum class Turn
-{
-    MirrorX,
-    MirrorY,
-    MirrorZ,
-    SwapXY
-};
-
-// Of voxel indices (centre -1/2) or of points and directions (centre 0).
-Triple Turned(Triple triple, Turn turn, std::int64_t twiceTheCentre)
-{
-    if (turn == Turn::SwapXY) return {triple[1], triple[0], triple[2]};
-    std::int64_t& component = triple[static_cast<std::size_t>(turn)];
-    component = twiceTheCentre - component;
-    return triple;
-}
-
-ReferenceModel Turned(const ReferenceModel& model, Turn turn)
-{
-    const Triple a = Turned(model.ExtentsRef().LowerIndices(), turn, -1);
-    const Triple b = Turned(model.ExtentsRef().UpperIndices(), turn, -1);
-    const Extents extents(model.AxesRef(), Lowest(a, b), Highest(a, b), model.VoxelLOD());
-    return model.Where(extents, [&](const Triple& voxel) { return model.Value(Turned(voxel, turn, -1)); });
-}
-
-TEST(Visibility, OfATurnedSceneIsTurned)
-{
-    for (std::uint64_t seed = 1; seed <= 60; ++seed) {
-        Random random(seed);
-        const RandomModel scene = MakeRandomModel(seed);
-        const std::int64_t lod = scene.reference.FinestLOD();
-        const auto turn = static_cast<Turn>(seed % 4);
-        const VoxelModel<bool> turned = MakeModel(Turned(scene.reference, turn));
-        const auto expectTurned = [&](const VoxelModel<bool>& ofTurned, const VoxelModel<bool>& ofScene) {
-            EXPECT_EQ(Differences(ReferenceModel(ofTurned, lod), Turned(ReferenceModel(ofScene, lod), turn)), "") << scene;
-        };
-        const Triple direction{random.Between(1, 5), random.Between(-5, -1), random.Between(1, 5)};
-        expectTurned(VisibilityFromDirection(turned, Turned(direction, turn, 0), lod, 0.4),
-                     VisibilityFromDirection(scene.voxels, direction, lod, 0.4));
-        // A border between voxels would belong to another voxel once it is mirrored.
-        const Triple point = Plus(RandomPoint(random, scene.reference.ExtentsRef()), {1, 1, 1});
-        PointCase view{point, Unlimited, false, seed % 8 < 3 ? Opening{} : RandomOpening(random)};
-        const VoxelModel<bool> seen = view.See(scene.voxels, lod, 0.4);
-        view.point = Turned(point, turn, 0);
-        Opening& opening = view.opening;
-        opening.direction = Turned(opening.direction, turn, 0);
-        const bool isVertical = opening.direction[0] == 0 && opening.direction[1] == 0; // up is Y then, which becomes X
-        if (turn == Turn::SwapXY && isVertical && opening.kind == Opening::Pyramid)
-            std::swap(opening.angle, opening.verticalAngle);
-        expectTurned(view.See(turned, lod, 0.4), seen);
-    }
-}
-
-TEST(VisibilityWithin, APyramidLiesBetweenTheConesThatTouchItsSidesAndEdges)
-{
-    const VoxelModel<bool> model = MakeModel(ReferenceModel(Extents(Frame, {-12, -12, -3}, {11, 11, 2}, 2), 2, 2));
-    const auto left = [](const VoxelModel<bool>& a, const VoxelModel<bool>& b) {
-        return CountFilled(Subtract(a, b, 2, false), 2);
-    };
-    for (std::uint64_t seed = 1; seed <= 20; ++seed) {
-        Random random(seed);
-        const double angle = seed == 1 ? 90 : static_cast<double>(random.Between(1, 179));
-        const double outer = 2 * std::atan(std::sqrt(2) * std::tan(angle * std::acos(-1) / 360)) * 180 / std::acos(-1);
-        PointCase view{{5000, 5000, 20'000}, Unlimited, false, {Opening::Pyramid, RandomDirection(random), angle, angle}};
-        const VoxelModel<bool> pyramid = view.See(model, 2, 1);
-        view.opening.kind = Opening::Cone;
-        EXPECT_EQ(left(view.See(model, 2, 1), pyramid), 0) << view;
-        view.opening.angle = outer + 1e-9;
-        EXPECT_EQ(left(pyramid, view.See(model, 2, 1)), 0) << view;
-    }
-}
-
 // From far away, the model lies in one direction.
 TEST(VisibilityWithin, LooksFromAnywhereInAnyDirection)
 {
@@ -210,27 +137,6 @@ TEST(VisibilityWithin, LooksFromAnywhereInAnyDirection)
     EXPECT_EQ(CountFilled(slit.See(model, 2, 1), 2), 40 * 21);
     const PointCase pipe{centre, Unlimited, false, {Opening::Pyramid, {1, 0, 0}, narrow, narrow}};
     EXPECT_EQ(CountFilled(pipe.See(model, 2, 1), 2), 20);
-}
-
-TEST(VisibilityFromPoint, DoesNotPassClosedWalls)
-{
-    const Extents extents(Frame, {-40, -40, -70}, {39, 39, 69}, 4);
-    const ReferenceModel shell = ReferenceModel(extents, 4, 4).Where([](const Triple& voxel) {
-        const std::int64_t distance = std::max({std::abs(voxel[0]), std::abs(voxel[1]), std::abs(voxel[2])});
-        return distance == 19;
-    });
-    const auto isInside = [](const Triple& voxel) {
-        return std::max({std::abs(voxel[0]), std::abs(voxel[1]), std::abs(voxel[2])}) < 19;
-    };
-    const VoxelModel<bool> model = MakeModel(shell);
-    for (const Triple& point : {Triple{0, 0, 0}, {1251, 2499, 39'999}, {-44'444, 31'250, -700'001}}) {
-        EXPECT_EQ(Differences(VisibilityFromPoint(model, point, 4, Unlimited, 1e-12, false), shell.Where(isInside)), "")
-            << Show(point);
-    }
-    const ReferenceModel fromOutside(VisibilityFromPoint(model, {-90'001, 3, 5}, 4, Unlimited, 1e-12, false), 4);
-    EXPECT_EQ(fromOutside.Where([&](const Triple& voxel) { return fromOutside.Value(voxel) && isInside(voxel); }).CountFilled(),
-              0);
-    EXPECT_GT(fromOutside.CountFilled(), 100'000);
 }
 
 // Here (5m + 2)^2 = (4m + 1)^2 + (3m + 2)^2 - 1: the voxel whose centre is 3m + 2 beyond the point along x, and 4m + 1 along y,
@@ -293,53 +199,49 @@ TEST(Visibility, IsTheSameForAllInstructionSets)
 TEST(Visibility, RefusesArgumentsInOrder)
 {
     const VoxelModel<bool> model = MakeModel(ReferenceModel(Extents(Frame, {0, 0, 0}, {1, 1, 1}, 2), 2, 2));
+    const std::string none = "(nothing was thrown)";
+    const std::string zero = "The direction for visibility computation cannot be [0, 0, 0].";
     const std::string level = "The level of detail for visibility computation ";
     const std::string negative = level + "cannot be negative. The value encountered was -1.";
     const std::string beyond = level +
                                "must not exceed the finest level of detail in the voxel model. The value encountered was 3. The "
                                "finest level of detail in the voxel model is 2.";
-    const auto fromDirection = [&](const Triple& direction, std::int64_t lod) {
+    const std::string radius = "The maximum radius for visibility computation cannot be negative. The value encountered was -1.";
+    const std::string cone = "The angle of the cone for visibility computation ";
+    const std::string pyramid = " angle of the pyramid for visibility computation must be ";
+    const Triple up{0, 0, 1};
+    const auto along = [&](const Triple& direction, std::int64_t lod) {
         return MessageOf([&] { VisibilityFromDirection(model, direction, lod, 0.5); });
     };
-    EXPECT_EQ(fromDirection({0, 0, 0}, -1), "The direction for visibility computation cannot be [0, 0, 0].");
-    EXPECT_EQ(fromDirection({0, 0, 1}, -1), negative);
-    EXPECT_EQ(fromDirection({0, 0, 1}, 3), beyond);
-    EXPECT_EQ(fromDirection({0, 0, Lowest64}, 2), "(nothing was thrown)");
-
-    const auto fromPoint = [&](std::int64_t lod, std::int64_t maxRadius) {
-        return MessageOf([&] { VisibilityFromPoint(model, {0, 0, 0}, lod, maxRadius, 0.5, false); });
+    const auto seen = [&](const Opening& opening, std::int64_t lod, std::int64_t maxRadius) {
+        return MessageOf([&] { PointCase{{0, 0, 0}, maxRadius, false, opening}.See(model, lod, 0.5); });
     };
-    EXPECT_EQ(fromPoint(-1, -1), negative);
-    EXPECT_EQ(fromPoint(3, -1), beyond);
-    EXPECT_EQ(fromPoint(2, -1),
-              "The maximum radius for visibility computation cannot be negative. The value encountered was -1.");
-    EXPECT_EQ(fromPoint(2, Highest64), "(nothing was thrown)");
-
-    const auto withinCone = [&](const Triple& direction, double angle, std::int64_t lod, std::int64_t maxRadius) {
-        return MessageOf([&] { VisibilityWithinCone(model, {0, 0, 0}, direction, angle, lod, maxRadius, 0.5, false); });
-    };
-    const std::string cone = "The angle of the cone for visibility computation ";
-    EXPECT_EQ(withinCone({0, 0, 0}, 0, -1, -1), "The direction for visibility computation cannot be [0, 0, 0].");
-    EXPECT_EQ(withinCone({0, 0, 1}, 0, -1, -1), cone + "must be greater than 0. The value encountered was 0.");
-    EXPECT_EQ(withinCone({0, 0, 1}, -NotANumber, -1, -1), cone + "must be greater than 0. The value encountered was NaN.");
-    EXPECT_EQ(withinCone({0, 0, 1}, 360.5, -1, -1), cone + "cannot be greater than 360. The value encountered was 360.5.");
-    EXPECT_EQ(withinCone({0, 0, 1}, 360, -1, -1), negative);
-    EXPECT_EQ(withinCone({0, 0, 1}, 360, 2, -1), fromPoint(2, -1));
-
-    const auto withinPyramid = [&](const Triple& direction, double horizontal, double vertical, std::int64_t lod) {
-        return MessageOf([&] {
-            VisibilityWithinPyramid(model, {0, 0, 0}, direction, horizontal, vertical, lod, -1, 0.5, false);
-        });
-    };
-    const std::string angle = " angle of the pyramid for visibility computation must be ";
-    EXPECT_EQ(withinPyramid({0, 0, 0}, 0, 0, 3), "The direction for visibility computation cannot be [0, 0, 0].");
-    EXPECT_EQ(withinPyramid({0, 0, 1}, -1e300, 0, 3),
-              "The horizontal" + angle + "greater than 0. The value encountered was -1e+300.");
-    EXPECT_EQ(withinPyramid({0, 0, 1}, 180, 0, 3), "The horizontal" + angle + "less than 180. The value encountered was 180.");
-    EXPECT_EQ(withinPyramid({0, 0, 1}, 90, 0, 3), "The vertical" + angle + "greater than 0. The value encountered was 0.");
-    EXPECT_EQ(withinPyramid({0, 0, 1}, 90, 1 / 0.0, 3), "The vertical" + angle + "less than 180. The value encountered was inf.");
-    EXPECT_EQ(withinPyramid({0, 0, 1}, 90, 90, 3), beyond);
-    EXPECT_EQ(withinPyramid({0, 0, 1}, 90, 90, 2), fromPoint(2, -1));
+    const std::pair<std::string, std::string> cases[]{
+        {along({0, 0, 0}, -1), zero},
+        {along(up, -1), negative},
+        {along(up, 3), beyond},
+        {along({0, 0, Lowest64}, 2), none},
+        {seen({}, -1, -1), negative},
+        {seen({}, 3, -1), beyond},
+        {seen({}, 2, -1), radius},
+        {seen({}, 2, Highest64), none},
+        {seen({Opening::Cone, {0, 0, 0}, 0}, -1, -1), zero},
+        {seen({Opening::Cone, up, 0}, -1, -1), cone + "must be greater than 0. The value encountered was 0."},
+        {seen({Opening::Cone, up, -NotANumber}, -1, -1), cone + "must be greater than 0. The value encountered was NaN."},
+        {seen({Opening::Cone, up, 360.5}, -1, -1), cone + "cannot be greater than 360. The value encountered was 360.5."},
+        {seen({Opening::Cone, up, 360}, -1, -1), negative},
+        {seen({Opening::Cone, up, 360}, 2, -1), radius},
+        {seen({Opening::Pyramid, {0, 0, 0}, 0, 0}, 3, -1), zero},
+        {seen({Opening::Pyramid, up, -1e300, 0}, 3, -1),
+         "The horizontal" + pyramid + "greater than 0. The value encountered was -1e+300."},
+        {seen({Opening::Pyramid, up, 180, 0}, 3, -1),
+         "The horizontal" + pyramid + "less than 180. The value encountered was 180."},
+        {seen({Opening::Pyramid, up, 90, 0}, 3, -1), "The vertical" + pyramid + "greater than 0. The value encountered was 0."},
+        {seen({Opening::Pyramid, up, 90, 1 / 0.0}, 3, -1),
+         "The vertical" + pyramid + "less than 180. The value encountered was inf."},
+        {seen({Opening::Pyramid, up, 90, 90}, 3, -1), beyond},
+        {seen({Opening::Pyramid, up, 90, 90}, 2, -1), radius}};
+    for (const auto& [message, expected] : cases) EXPECT_EQ(message, expected);
 }
 
 } // namespace
