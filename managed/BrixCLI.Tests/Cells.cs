@@ -1,4 +1,4 @@
-// The reference of the tests: a box of cells as a plain set, with the engine's operations written from their definitions.
+// The reference of the tests: a box of cells as a plain set.
 global using Cell = (int X, int Y, int Z);
 
 using System;
@@ -25,11 +25,6 @@ public sealed record Cells(Cell Lower, Cell Upper, SortedSet<Cell> Filled)
 
     public bool Holds(Cell cell) => Filled.Contains(cell);
 
-    public static Cell Plus(Cell a, Cell b) => (a.X + b.X, a.Y + b.Y, a.Z + b.Z);
-
-    public static readonly Cell[] Beside = [(1, 0, 0), (-1, 0, 0), (0, 1, 0), (0, -1, 0)];
-    public static readonly Cell[] Stacked = [(0, 0, 1), (0, 0, -1)];
-
     public Cells With(Cell lower, Cell upper) =>
         new(lower, upper, [.. (this with { Lower = lower, Upper = upper }).All().Where(Holds)]);
 
@@ -39,15 +34,6 @@ public sealed record Cells(Cell Lower, Cell Upper, SortedSet<Cell> Filled)
 
     /// <summary>The cells of the box for which a rule holds.</summary>
     public Cells Where(Func<Cell, bool> rule) => this with { Filled = [.. All().Where(rule)] };
-
-    /// <summary>One pass: an empty cell outside the guide fills where `grows` says so of its filled neighbours.</summary>
-    public Cells Grow(Cells? guide, Func<Func<Cell, bool>, bool> grows) => Where(cell =>
-        Holds(cell) || (guide?.Holds(cell) != true && grows(step => Holds(Plus(cell, step)))));
-
-    /// <summary>One pass: a filled cell empties where `shrinks` says so of its empty neighbours; the guide counts as
-    /// filled.</summary>
-    public Cells Shrink(Cells? guide, Func<Func<Cell, bool>, bool> shrinks) => Where(cell =>
-        Holds(cell) && !shrinks(step => !Holds(Plus(cell, step)) && guide?.Holds(Plus(cell, step)) != true));
 
     public override string ToString() => $"{Lower}..{Upper}: {string.Join(" ", Filled)}";
 }
