@@ -100,7 +100,7 @@ std::int64_t Rolling(std::int64_t x, std::int64_t y)
     return static_cast<std::int64_t>(26 + 9 * wave(x, 23) * wave(y, 31) + 7 * wave(x + 2 * y, 57));
 }
 
-// Terraces of 64 squares that rise by six voxels; every 32 squares a way up, by turns a ramp and a flight of three squares a tread.
+// Terraces of 64 squares that rise by six voxels; every 32 squares a way up: a ramp, or a flight of three squares a tread.
 std::int64_t Terraced(std::int64_t x, std::int64_t y)
 {
     const std::int64_t floor = 2 + 6 * (x / 64);

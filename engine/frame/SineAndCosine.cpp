@@ -9,10 +9,10 @@
 #include <vector>
 
 // Degrees are reduced to 0..45 without error, radians with as many digits of pi as that takes, and the series are summed in fixed
-// point. What comes out is off by less than a bound. When all that lies within the bound rounds to one double, that double is right;
-// otherwise more digits decide (after Ziv, "Fast evaluation of elementary mathematical functions with correctly rounded last bit",
-// 1991). That ends: a double is a rational number of degrees, whose sine is 0, +-1/2, +-1 or irrational (Niven), and so never halfway between two doubles; the sine
-// of a rational number of radians is transcendental, but for 0 (Lindemann).
+// point. What comes out is off by less than a bound. When all that lies within the bound rounds to one double, that double is
+// right; otherwise more digits decide (after Ziv, "Fast evaluation of elementary mathematical functions with correctly rounded
+// last bit", 1991). That ends: a double is a rational number of degrees, whose sine is 0, +-1/2, +-1 or irrational (Niven), and
+// so never halfway between two doubles; the sine of a rational number of radians is transcendental, but for 0 (Lindemann).
 namespace brix {
 namespace {
 
@@ -232,9 +232,9 @@ struct ReducedRadians
     bool isFromNext;
 };
 
-// Doubling the fraction of the number step by step, with a quarter taken off whenever there is one. Every step doubles the error, so
-// that there are as many more bits as steps; and some more words, as what is left of a double may be as little as 2^-62 (Muller,
-// "Elementary Functions", on worst cases of range reduction).
+// Doubling the fraction of the number step by step, with a quarter taken off whenever there is one. Every step doubles the error,
+// so that there are as many more bits as steps; and some more words, as what is left of a double may be as little as 2^-62
+// (Muller, "Elementary Functions", on worst cases of range reduction).
 ReducedRadians Reduced(double radians, std::size_t digits)
 {
     int exponent = 0;

@@ -1,6 +1,6 @@
 // A sparse table of things by chunk: of a box of chunk indices, only what was made takes memory.
 //
-//   chunks ---- grouped in blocks of up to 4 x 4 x 4 --> a block has a pointer for each of its chunks, and a bit for each that is there
+//   chunks ---- grouped in blocks of up to 4 x 4 x 4 --> a block has a pointer for each chunk, and a bit for each that is there
 //   blocks ---- found by a hash of their place, and kept sorted (z, y, x) for walks
 //
 // Why not a dense array: a road of 5 km crosses 100 of 10,000 chunks of its box, two distant voxels 2 of millions. Why not a

@@ -37,8 +37,8 @@ public:
     /// - none is below the shortest way of straight pieces, and none above the shortest way of steps;
     /// - two voxels a step apart differ by no more than that step; there and back both lie between those two ways;
     /// - on open level floor they are exact.
-    /// Against all ways of straight pieces, on 1000 random grounds of each kind, of up to 15 x 15 squares and voxels at most twice
-    /// as high as wide; and how much there and back differ, on 200 of them:
+    /// Against all ways of straight pieces, on 1000 random grounds of each kind, of up to 15 x 15 squares and voxels at most
+    /// twice as high as wide; and how much there and back differ, on 200 of them:
     ///
     ///                                  too long on average     at worst     there and back
     ///     plans with obstacles                     0.013 %        1.4 %           1.4 %

@@ -11,8 +11,8 @@ namespace BrixCLI.Tests;
 
 public class InterfaceTests
 {
-    private const BindingFlags Declared = BindingFlags.Public | BindingFlags.NonPublic | BindingFlags.Static | BindingFlags.Instance |
-        BindingFlags.DeclaredOnly;
+    private const BindingFlags Declared = BindingFlags.Public | BindingFlags.NonPublic | BindingFlags.Static |
+        BindingFlags.Instance | BindingFlags.DeclaredOnly;
 
     // PublicApi.txt is what hosts are compiled against; change it with the library, on purpose.
     [Fact]
@@ -29,10 +29,11 @@ public class InterfaceTests
     [Fact]
     public void DocumentationIsOfPublicMembersOnly()
     {
-        string[] documented = XDocument.Load(Path.ChangeExtension(typeof(AxesCLI).Assembly.Location, ".xml")).Descendants("member")
-            .Select(member => member.Attribute("name")!.Value).ToArray();
+        string[] documented = XDocument.Load(Path.ChangeExtension(typeof(AxesCLI).Assembly.Location, ".xml"))
+            .Descendants("member").Select(member => member.Attribute("name")!.Value).ToArray();
         var visible = typeof(AxesCLI).Assembly.GetExportedTypes().SelectMany(type => type.GetMembers(Declared)
-            .Where(member => member is FieldInfo { IsPublic: true } or MethodBase { IsPublic: true } or MethodBase { IsFamily: true })
+            .Where(member => member is FieldInfo { IsPublic: true } or MethodBase { IsPublic: true }
+                or MethodBase { IsFamily: true })
             .Select(member => type.FullName + "." + member.Name.Replace(".ctor", "#ctor")).Append(type.FullName!)).ToHashSet();
         Assert.True(documented.Length > 100);
         Assert.Equal([], documented.Where(name => !visible.Contains(name[2..].Split('(')[0])));
@@ -43,17 +44,22 @@ public class InterfaceTests
             member is MethodInfo method && (method.IsPublic || method.IsFamily))
         .Select(member => member switch {
             FieldInfo field => type.Name + "." + field.Name + ": " + Name(field.FieldType),
-            MethodBase method => (method.IsStatic ? "static " : "") + type.Name + "." + method.Name + "(" + string.Join(", ", method.GetParameters()
-                .Select(item => Name(item.ParameterType) + " " + item.Name + (item.HasDefaultValue ? " = " + (item.DefaultValue ?? "null") : ""))) + ")" +
+            MethodBase method => (method.IsStatic ? "static " : "") + type.Name + "." + method.Name + "(" +
+                string.Join(", ", method.GetParameters().Select(Declaration)) + ")" +
                 (method is MethodInfo info ? ": " + Name(info.ReturnType) : ""),
             _ => ""
         }).OrderBy(line => line, StringComparer.Ordinal);
 
+    private static string Declaration(ParameterInfo item) => Name(item.ParameterType) + " " + item.Name +
+        (item.HasDefaultValue ? " = " + (item.DefaultValue ?? "null") : "");
+
     private static string Name(Type type) => type.IsGenericType
-        ? type.Name[..type.Name.IndexOf('`')] + "<" + string.Join(", ", type.GetGenericArguments().Select(Name)) + ">" : type.Name;
+        ? type.Name[..type.Name.IndexOf('`')] + "<" + string.Join(", ", type.GetGenericArguments().Select(Name)) + ">"
+        : type.Name;
 
     [Theory]
-    [InlineData(typeof(AxesCLI), "axesPtr_"), InlineData(typeof(ExtentsCLI), "extentsPtr_"), InlineData(typeof(VoxelModelCLI), "voxelModelPtr_")]
+    [InlineData(typeof(AxesCLI), "axesPtr_"), InlineData(typeof(ExtentsCLI), "extentsPtr_")]
+    [InlineData(typeof(VoxelModelCLI), "voxelModelPtr_")]
     [InlineData(typeof(VoxelIteratorCLI), "voxelIterPtr_"), InlineData(typeof(SliceIteratorCLI), "voxelIterPtr_")]
     [InlineData(typeof(TriangleMeshCLI), "triangleMeshPtr_"), InlineData(typeof(PathModelCLI), "pathModelPtr_")]
     [InlineData(typeof(DistanceFieldCLI), "distanceFieldPtr_"), InlineData(typeof(PathCLI), "pathPtr_")]
@@ -70,7 +76,8 @@ public class InterfaceTests
         string header = File.ReadAllText(Scene.Metadata("BrixHeader"));
         var functions = Regex.Matches(header, @"^BRIX_C_API ([\w ]+?\*?) ?(brix_\w+)\(([^;]*)\);", RegexOptions.Multiline)
             .Select(match => Kind(match.Groups[1].Value) + " " + match.Groups[2].Value + "(" + string.Join(", ",
-                match.Groups[3].Value == "void" ? [] : match.Groups[3].Value.Split(',').Select(item => Kind(Regex.Replace(item, @"\w+\s*$", "")))) + ")");
+                match.Groups[3].Value == "void" ? []
+                    : match.Groups[3].Value.Split(',').Select(item => Kind(Regex.Replace(item, @"\w+\s*$", "")))) + ")");
         var declarations = typeof(NativeMethods).GetMethods(Declared).OrderBy(method => method.MetadataToken)
             .Select(method => Kind(method.ReturnType) + " " + method.Name + "(" +
                 string.Join(", ", method.GetParameters().Select(item => Kind(item.ParameterType))) + ")");
@@ -83,8 +90,8 @@ public class InterfaceTests
         string type = Regex.Replace(cType, @"\bconst\b|\s", "");
         string item = type.TrimEnd('*');
         if (Regex.IsMatch(item, "^brix_") && item != "brix_error") type = type[..^1].Replace(item, "handle");
-        return type.Replace("brix_error", "NativeError").Replace("uint8_t", "byte").Replace("char", "byte").Replace("int32_t", "int")
-            .Replace("int64_t", "long");
+        return type.Replace("brix_error", "NativeError").Replace("uint8_t", "byte").Replace("char", "byte")
+            .Replace("int32_t", "int").Replace("int64_t", "long");
     }
 
     private static string Kind(Type type) => type.IsPointer ? Kind(type.GetElementType()!) + "*" : type.Name switch {
@@ -104,6 +111,7 @@ public class InterfaceTests
         Assert.Equal(version + ".0", assembly.GetCustomAttribute<AssemblyFileVersionAttribute>()!.Version);
         Assert.Equal(version.Split('.')[0] + ".0.0.0", assembly.GetName().Version!.ToString());
         Assert.NotEmpty(assembly.GetName().GetPublicKeyToken()!);
-        Assert.DoesNotContain(assembly.GetReferencedAssemblies(), item => !item.Name!.StartsWith("System") && item.Name != "netstandard");
+        Assert.DoesNotContain(assembly.GetReferencedAssemblies(),
+            item => !item.Name!.StartsWith("System") && item.Name != "netstandard");
     }
 }

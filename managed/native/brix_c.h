@@ -150,8 +150,8 @@ BRIX_C_API int32_t brix_list_copy(const brix_list* list, int64_t first_item, int
 /* One unit normal of three doubles per triangle, zero for a triangle without area. */
 BRIX_C_API int32_t brix_triangle_normals(const double* triangles, int64_t triangle_count, double* result, brix_error* error);
 
-/* `path` is a file path of `path_length` bytes, in the encoding of the system's narrow file names; one with a zero byte is refused.
- * Messages show it as UTF-8 on one line, whatever its bytes. */
+/* `path` is a file path of `path_length` bytes, in the encoding of the system's narrow file names; one with a zero byte is
+ * refused. Messages show it as UTF-8 on one line, whatever its bytes. */
 BRIX_C_API int32_t brix_load_stl(const char* path, int64_t path_length, int32_t swap_yz, brix_list** result, brix_error* error);
 BRIX_C_API int32_t brix_save_stl(const double* triangles, int64_t triangle_count, const char* path, int64_t path_length,
                                  int32_t use_binary_format, int32_t swap_yz, brix_error* error);

@@ -299,7 +299,7 @@ TEST_F(Program, DrawsWhereAPersonCanWalk)
     EXPECT_LT(Reported(Run(arguments + " --diameter 1.1"), "reachable +(\\d+)"), 10000) << "too wide for the doors";
 }
 
-// A person on a floor of one storey, at heights from within the floor's own voxel to a head above it, with voxels of several sizes.
+// A person on a floor of one storey, at heights from within the floor's own voxel to a head above it; voxels of several sizes.
 TEST_F(Program, TakesAPointOnInOrAboveTheFloorAsOnIt)
 {
     SaveTrianglesToBinarySTL(folder_ / "plane.stl",

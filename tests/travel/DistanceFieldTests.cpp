@@ -246,7 +246,7 @@ VoxelModel<bool> Turned(const VoxelModel<bool>& model)
     return MakeModel(turned);
 }
 
-// By how much distances differ, as shares: in turned scenes, and for swapped ends. Without voxels more than twice as high as wide.
+// By how much distances differ, as shares: in turned scenes, and for swapped ends. Of voxels at most twice as high as wide.
 struct TurnsAndReturns
 {
     std::vector<double> turned, back;

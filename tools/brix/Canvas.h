@@ -1,5 +1,5 @@
-// A sheet to draw on with pixels, lines and text, saved as PNG, SVG or PDF. Lengths are pixels of the PNG, points of the PDF; x runs to
-// the right, y downward.
+// A sheet to draw on with pixels, lines and text, saved as PNG, SVG or PDF. Lengths are pixels of the PNG, points of the PDF; x
+// runs to the right, y downward.
 #pragma once
 
 #include <array>

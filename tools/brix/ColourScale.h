@@ -1,5 +1,5 @@
-// Numbers as colours: a scale that is evenly spaced to the eye, with contours at round numbers. Lightness alone tells the order, so it
-// reads in black and white and to people who see red and green alike.
+// Numbers as colours: a scale that is evenly spaced to the eye, with contours at round numbers. Lightness alone tells the order,
+// so it reads in black and white and to people who see red and green alike.
 #pragma once
 
 #include "Canvas.h"

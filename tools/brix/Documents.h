@@ -1,5 +1,5 @@
-// What the parser knows, for other readers: a manual page, and completion of command lines for three shells. They are made when the
-// program is built (`brix --document KIND`), so that none of them can tell other commands and options than the program has.
+// What the parser knows, for other readers: a manual page, and completion of command lines for three shells. They are made when
+// the program is built (`brix --document KIND`), so that none of them can tell other commands and options than the program has.
 #pragma once
 
 #include <string>

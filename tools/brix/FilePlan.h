@@ -9,8 +9,8 @@ namespace brix::tools {
 class FilePlan
 {
 public:
-    /// Notes a file that will be read. Throws std::runtime_error with the system's reason when it cannot be; UsageError when it is
-    /// written, too, or is a pipe that would be read twice.
+    /// Notes a file that will be read. Throws std::runtime_error with the system's reason when it cannot be; UsageError when it
+    /// is written, too, or is a pipe that would be read twice.
     void Read(const std::filesystem::path& filePath);
 
     /// Notes a file that will be written. Throws as RequireWritable does; UsageError when it is read or written otherwise, too.

@@ -1,4 +1,4 @@
-// The common first half of commands that work on voxels: the triangles of a file, the frame for them, and a model filled with them.
+// The common first half of commands that work on voxels: the triangles of a file, their frame, and a model filled with them.
 #pragma once
 
 #include "GridOptions.h"
@@ -14,15 +14,15 @@ struct Input
     Axes axes;
 };
 
-/// Reads the input file and tells what it holds and which voxels it gets; warns when these are strangely large or small. Throws as
-/// RequireGrid, and std::runtime_error when the file cannot be read or holds nothing to fill.
+/// Reads the input file and tells what it holds and which voxels it gets; warns when these are strangely large or small. Throws
+/// as RequireGrid, and std::runtime_error when the file cannot be read or holds nothing to fill.
 Input ReadInput(const GridOptions& options);
 
 /// Reads another file for a frame that is known.
 Input ReadInput(const std::filesystem::path& filePath, const Axes& axes, const GridOptions& options);
 
-/// Fills a model with the triangles and tells every level's count of filled voxels. Throws std::runtime_error when that, or one of the
-/// steps (names of `brix run`) that follow, would take more memory than the limit, and what the engine throws.
+/// Fills a model with the triangles and tells every level's count of filled voxels. Throws std::runtime_error when that, or one
+/// of the steps (names of `brix run`) that follow, would take more memory than the limit, and what the engine throws.
 VoxelModel<bool> Voxelize(Input input, const GridOptions& options, const std::vector<std::string>& steps = {});
 
 } // namespace brix::tools

@@ -37,8 +37,8 @@ void AddGridOptions(CLI::App& command, GridOptions& options);
 /// Throws UsageError unless exactly one option gives the voxels' size, it is a positive number, and levels lie within 0..5.
 void RequireGrid(const GridOptions& options);
 
-/// The frame for a model of these triangles. Throws UsageError as RequireGrid does; std::runtime_error when --voxels is given and the
-/// model is a point.
+/// The frame for a model of these triangles. Throws UsageError as RequireGrid does; std::runtime_error when --voxels is given and
+/// the model is a point.
 Axes MakeAxes(const GridOptions& options, const std::vector<WorldTriangle>& triangles);
 
 /// The length of the longest side of the box of the triangles along the grid's axes, in world units.

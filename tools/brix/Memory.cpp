@@ -87,8 +87,8 @@ double LongestEdge(const WorldTriangle& triangle)
     return longest;
 }
 
-// The layers of the stacks that a triangle crosses at the finest level. A level or upright one leaves most heights of a stack alike;
-// a slanted one makes a plate for each height that it passes within the stack's width.
+// The layers of the stacks that a triangle crosses at the finest level. A level or upright one leaves most heights of a stack
+// alike; a slanted one makes a plate for each height that it passes within the stack's width.
 double LayerBytes(const WorldTriangle& triangle, const GridSize& size)
 {
     const double width = 16 * size.voxel;

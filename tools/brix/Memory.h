@@ -1,6 +1,7 @@
-// How much memory the work will take, estimated before it begins, so that a slip in the voxels' size is answered with numbers and not
-// with a dead machine. The estimates follow how models are stored (docs/model.md) and how much more the operations were measured to
-// take; they are meant to be too high rather than too low. What is beyond them ends at the limit, too: the system is told of it.
+// How much memory the work will take, estimated before it begins, so that a slip in the voxels' size is answered with numbers and
+// not with a dead machine. The estimates follow how models are stored (docs/model.md) and how much more the operations were
+// measured to take; they are meant to be too high rather than too low. What is beyond them ends at the limit, too, of which
+// the system is told.
 #pragma once
 
 #include "Grid.h"
@@ -16,8 +17,8 @@ double MemoryLimit(const GridOptions& options);
 /// From here on, the system refuses memory beyond the limit, and the program ends with a sentence.
 void HoldMemoryLimit(const GridOptions& options);
 
-/// Throws std::runtime_error when a model of the input, or one of the steps (names of `brix run`) that follow, would take more than
-/// the limit. The sentence names the estimate, the limit and the size of voxels that would fit.
+/// Throws std::runtime_error when a model of the input, or one of the steps (names of `brix run`) that follow, would take more
+/// than the limit. The sentence names the estimate, the limit and the size of voxels that would fit.
 void RequireMemoryForModel(const Input& input, const Extents& extents, const GridOptions& options,
                            const std::vector<std::string>& steps);
 

@@ -1,5 +1,5 @@
-// A file that the program writes. It is there as a whole or not at all: what is written goes to a temporary file beside the target,
-// which takes the target's place when it is complete. A failure, an exception, Ctrl-C or a crash leaves an older file as it was.
+// A file that the program writes. It is there as a whole or not at all: what is written goes to a temporary file beside the
+// target, which takes the target's place when it is complete. A failure, an exception, Ctrl-C or a crash leaves an older file.
 //
 //   house.stl            the old content, until Commit
 //   .brix-4711-0.part    the new content; removed when it does not become house.stl
@@ -19,15 +19,15 @@ namespace brix::tools {
 /// Where `-` writes to.
 bool IsStandardOutput(const std::filesystem::path& filePath);
 
-/// Throws, before work is done that could not be saved, std::runtime_error with the system's reason when the file cannot be written
-/// there: the folder is missing or may not be written to, or the target is a folder or may not be written to.
+/// Throws, before work is done that could not be saved, std::runtime_error with the system's reason when the file cannot be
+/// written there: the folder is missing or may not be written to, or the target is a folder or may not be written to.
 void RequireWritable(const std::filesystem::path& filePath);
 
 class OutputFile
 {
 public:
     /// Links are followed. What is no ordinary file (a device, a pipe, standard output for `-`) is written straight.
-    /// Progress is shown when the size is told. Throws std::runtime_error with the system's reason when nothing can be written there.
+    /// Progress is shown when the size is told. Throws std::runtime_error with the system's reason when that cannot be.
     explicit OutputFile(const std::filesystem::path& target, double expectedBytes = 0);
 
     /// Without Commit, the target stays as it was.
@@ -65,8 +65,8 @@ private:
     std::ostream stream_{nullptr};
 };
 
-/// Lets a signal that ends the program (Ctrl-C, a closed terminal, ...) remove the temporary file first, and a file that grows beyond
-/// its limit be an error like a full disk. To be called once, at the start.
+/// Lets a signal that ends the program (Ctrl-C, a closed terminal, ...) remove the temporary file first, and a file that grows
+/// beyond its limit be an error like a full disk. To be called once, at the start.
 void CleanUpOnSignals();
 
 } // namespace brix::tools

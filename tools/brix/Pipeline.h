@@ -1,5 +1,6 @@
-// Operations in a row: what `brix run` does to a model after the --. All words are read, all files looked at and all steps rehearsed
-// on a model of one voxel before the first one works, so that nothing that could have been told at once is told after minutes.
+// Operations in a row: what `brix run` does to a model after the --. All words are read, all files looked at and all steps
+// rehearsed on a model of one voxel before the first one works, so that nothing that could have been told at once is told after
+// minutes.
 #pragma once
 
 #include "FilePlan.h"
@@ -40,7 +41,7 @@ struct Action
     std::function<void(Pipeline&)> run;
 };
 
-/// Reads the words of all steps. Throws UsageError when a word is no step, or has not the arguments that it needs, and as FilePlan.
+/// Reads the words of all steps. Throws UsageError when a word is no step, or lacks arguments that it needs, and as FilePlan.
 std::vector<Action> ReadSteps(const std::vector<std::string>& words, Plan& plan);
 
 /// Throws UsageError when a step will refuse its arguments.

@@ -7,8 +7,8 @@ class App;
 
 namespace brix::tools {
 
-/// Makes the options of a command that take numbers refuse everything else. Which ones do is told by the names of their values: those
-/// of files, words and choices hold a dot, an equals sign, a bar or a brace, or are TEXT, UNIT or STEP.
+/// Makes the options of a command that take numbers refuse everything else. Which ones do is told by the names of their values:
+/// those of files, words and choices hold a dot, an equals sign, a bar or a brace, or are TEXT, UNIT or STEP.
 void RequirePlainNumbers(CLI::App& command);
 
 } // namespace brix::tools

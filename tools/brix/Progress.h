@@ -1,5 +1,5 @@
-// Tells a waiting person what the program is doing: one line on standard error, with a percentage where there is one, gone when the
-// step is done. Nothing is written when standard error is no terminal or the program is to be quiet, so that logs stay clean.
+// Tells a waiting person what the program is doing: one line on standard error, with a percentage where there is one, gone when
+// the step is done. Nothing is written when standard error is no terminal or the program is to be quiet, so that logs stay clean.
 #pragma once
 
 #include <chrono>

@@ -1,4 +1,4 @@
-// What the commands that draw plans storey by storey have in common: their options, the storeys, and layers of voxels seen from above.
+// What the commands that draw plans storey by storey have in common: options, storeys, and layers of voxels seen from above.
 #pragma once
 
 #include "Grid.h"
@@ -73,8 +73,8 @@ struct Storey
     bool isTerrain = false;
 };
 
-/// The storeys of the floors that the options give, or those that are found: heights at which much can be walked on, and a person's
-/// height apart. Where more than a quarter lies elsewhere it is terrain.
+/// The storeys of the floors that the options give, or those that are found: heights at which much can be walked on, and a
+/// person's height apart. Where more than a quarter lies elsewhere it is terrain.
 /// Throws std::runtime_error when nothing can be walked on, in all or above one of the given floors.
 std::vector<Storey> StoreysOf(const VoxelModel<bool>& walkable, const Body& body, const StoreyOptions& options);
 

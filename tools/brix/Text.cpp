@@ -35,8 +35,8 @@ namespace {
 
 unsigned Byte(std::string_view text, std::size_t at) { return at < text.size() ? static_cast<unsigned char>(text[at]) : 0; }
 
-// The number of bytes of the character that starts there and may be shown; 0 when it may not. Of UTF-8 it wants the shortest form,
-// no surrogates, nothing beyond U+10FFFF; and no control characters: U+0000 to U+001F, U+007F to U+009F.
+// The number of bytes of the character that starts there and may be shown; 0 when it may not. Of UTF-8 it wants the shortest
+// form, no surrogates, nothing beyond U+10FFFF; and no control characters: U+0000 to U+001F, U+007F to U+009F.
 std::size_t ShownLength(std::string_view text, std::size_t at)
 {
     const unsigned first = Byte(text, at);

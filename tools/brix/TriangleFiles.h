@@ -1,4 +1,4 @@
-// STL files as the commands read and write them: once from start to end, with progress shown, and with what makes no sense refused.
+// STL files as the commands read and write them: once from start to end, with progress shown; what makes no sense is refused.
 #pragma once
 
 #include <brix/triangles/Triangle.h>
@@ -30,7 +30,8 @@ std::size_t CountNotFinite(const std::vector<WorldTriangle>& triangles);
 /// The size of an STL file with so many triangles; of an ASCII file about.
 double StlBytes(double triangleCount, bool ascii);
 
-/// Writes triangles as binary or ASCII STL, as OutputFile does, and reports the file. Throws as the engine's writers and OutputFile do.
+/// Writes triangles as binary or ASCII STL, as OutputFile does, and reports the file. Throws as the
+/// engine's writers and OutputFile do.
 void SaveTriangles(const std::filesystem::path& output, const std::vector<WorldTriangle>& triangles, bool ascii, bool swapYZ);
 
 } // namespace brix::tools

@@ -64,8 +64,8 @@ public static unsafe class TrianglesAsNineNumbersCLI
     /// <param name="filePath">see the remarks of this class on names beyond ASCII</param>
     /// <param name="swapYZ">true: the file has its Y axis up; its (X, Y, Z) becomes the world's (X, -Z, Y)</param>
     /// <returns>nine numbers per triangle</returns>
-    /// <exception cref="Exception">the path has a character whose low byte is 0; the file cannot be opened or read, or is no STL file; the message names it. Or no list can
-    /// hold its triangles.</exception>
+    /// <exception cref="Exception">the path has a character whose low byte is 0; the file cannot be opened or read, or is no STL
+    /// file; the message names it. Or no list can hold its triangles.</exception>
     public static List<double> ImportFromSTL(string filePath, bool swapYZ)
     {
         byte[] path = Narrowed(filePath);

@@ -26,8 +26,8 @@ public sealed unsafe class VoxelModelCLI : EngineObject
     }
 
     /// <summary>A model of the voxels in a box that triangles touch at the finest level.</summary>
-    /// <param name="trianglesAsNineNumbers">nine numbers per triangle, in world units; what lies outside the box is left out, however far away it is or
-    /// whatever is not finite</param>
+    /// <param name="trianglesAsNineNumbers">nine numbers per triangle, in world units; what lies outside the box is left out,
+    /// however far away it is or whatever is not finite</param>
     /// <param name="extentsCLI">the box that the model covers, at any level</param>
     /// <param name="finestLOD">its finest level, 0 to 5</param>
     /// <param name="voxelLimit">the most voxels that the box may have at the finest level</param>

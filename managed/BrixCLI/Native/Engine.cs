@@ -7,8 +7,8 @@ internal unsafe delegate int NativeCall<TResult>(TResult* result, NativeError* e
 internal unsafe delegate int NativeCall<TInput, TResult>(TInput* input, TResult* result, NativeError* error)
     where TInput : unmanaged where TResult : unmanaged;
 
-// The one way into the native library. A call is written as a lambda that reads its wrappers' pointers (EngineObject) and hands them
-// over; the delegate holds these wrappers, so that keeping it alive keeps them alive until the engine has returned.
+// The one way into the native library. A call is written as a lambda that reads its wrappers' pointers (EngineObject) and hands
+// them over; the delegate holds these wrappers, so that keeping it alive keeps them alive until the engine has returned.
 internal static unsafe class Engine
 {
     // Runs a call and returns what it wrote to its result; its failure becomes a System.Exception.

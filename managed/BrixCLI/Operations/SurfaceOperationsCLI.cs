@@ -127,10 +127,10 @@ public static unsafe class SurfaceOperationsCLI
     /// extents stay</param>
     /// <exception cref="Exception">a model is disposed of, or null where it is required; the diameter is less than 1; the result
     /// would leave the index space; the frames differ</exception>
-    public static VoxelModelCLI ExpandHorizontally(VoxelModelCLI voxelModelCLI, int diameterOffset, VoxelModelCLI? guideVoxelsCLI = null,
-        bool autoAdjustExtents = true) => new VoxelModelCLI((result, error) => NativeMethods.brix_expand_horizontally(
-            voxelModelCLI.Required(), diameterOffset,
-            guideVoxelsCLI.Optional(), Engine.Flag(autoAdjustExtents), result, error));
+    public static VoxelModelCLI ExpandHorizontally(VoxelModelCLI voxelModelCLI, int diameterOffset,
+        VoxelModelCLI? guideVoxelsCLI = null, bool autoAdjustExtents = true) => new VoxelModelCLI((result, error) =>
+            NativeMethods.brix_expand_horizontally(voxelModelCLI.Required(), diameterOffset,
+                guideVoxelsCLI.Optional(), Engine.Flag(autoAdjustExtents), result, error));
 
     /// <summary>Shrinks every filled region in its own layer, as if by a disc; its outline is an octagon.</summary>
     /// <param name="voxelModelCLI">the model</param>
@@ -140,10 +140,10 @@ public static unsafe class SurfaceOperationsCLI
     /// <param name="autoAdjustExtents">true: the result is bounded by its filled voxels; false: the extents stay</param>
     /// <exception cref="Exception">a model is disposed of, or null where it is required; the diameter is less than 1; the result
     /// would leave the index space; the frames differ</exception>
-    public static VoxelModelCLI ReduceHorizontally(VoxelModelCLI voxelModelCLI, int diameterOffset, VoxelModelCLI? guideVoxelsCLI = null,
-        bool autoAdjustExtents = true) => new VoxelModelCLI((result, error) => NativeMethods.brix_reduce_horizontally(
-            voxelModelCLI.Required(), diameterOffset,
-            guideVoxelsCLI.Optional(), Engine.Flag(autoAdjustExtents), result, error));
+    public static VoxelModelCLI ReduceHorizontally(VoxelModelCLI voxelModelCLI, int diameterOffset,
+        VoxelModelCLI? guideVoxelsCLI = null, bool autoAdjustExtents = true) => new VoxelModelCLI((result, error) =>
+            NativeMethods.brix_reduce_horizontally(voxelModelCLI.Required(), diameterOffset,
+                guideVoxelsCLI.Optional(), Engine.Flag(autoAdjustExtents), result, error));
 
     private delegate int NativeChange(IntPtr model, int first, int second, IntPtr guide, int autoAdjustExtents, IntPtr* result,
         NativeError* error);
