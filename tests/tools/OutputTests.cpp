@@ -124,16 +124,19 @@ TEST_F(Program, ReportsForProgramsAndForTheQuiet)
 TEST_F(Program, TakesTheSizeOfVoxelsInThreeWaysAndWarnsOfStrangeOnes)
 {
     MakeHouse();
-    const std::string expected = WithoutTimes(Run("voxelize house.stl --voxel 0.0625 -o v.stl").output);
-    EXPECT_NE(expected.find("voxel     0.0625 x 0.0625 x 0.0625 at the finest level, 4; the model is 272 voxels long\n"),
+    const std::string expected = WithoutTimes(Run("voxelize house.stl --voxel 0.25 -o v.stl").output);
+    EXPECT_NE(expected.find("voxel     0.25 x 0.25 x 0.25 at the finest level, 4; the model is 68 voxels long\n"),
               std::string::npos);
-    EXPECT_EQ(WithoutTimes(Run("voxelize house.stl --width 1 -o v.stl").output), expected);
-    EXPECT_EQ(WithoutTimes(Run("voxelize house.stl --voxels 272 -o v.stl").output), expected);
+    EXPECT_EQ(WithoutTimes(Run("voxelize house.stl --width 4 -o v.stl").output), expected);
+    EXPECT_EQ(WithoutTimes(Run("voxelize house.stl --voxels 68 -o v.stl").output), expected);
     EXPECT_EQ(Run("voxelize house.stl --voxels 16 -o v.stl").error, "");
     EXPECT_NE(
         Run("voxelize house.stl --voxel 2.125 -o v.stl").error.find("warning: The model is 8 voxels long: did you mean mill"),
         std::string::npos);
-    EXPECT_NE(Run("voxelize house.stl --voxels 16385 -o v.stl").error.find("does the file hold millimetres?"), std::string::npos);
+    SaveTrianglesToBinarySTL(folder_ / "needle.stl", {{{{0, 0, 0}, {17, 0, 0}, {0, 0.001, 0}}}}, false);
+    EXPECT_EQ(Run("voxelize needle.stl --voxels 16384 -o v.stl").error, "");
+    EXPECT_NE(Run("voxelize needle.stl --voxels 16385 -o v.stl").error.find("does the file hold millimetres?"),
+              std::string::npos);
 }
 
 } // namespace
