@@ -1,6 +1,6 @@
 // The C interface over the engine: what it adds (handles, statuses, parts of results, world units) and that each function reaches
 // the engine's function of its name with its arguments in order.
-#include "brix_c.h"
+#include "Objects.h"
 
 #include "operations/AutoSplit.h"
 #include "operations/BasicOperations.h"
@@ -12,6 +12,7 @@
 #include "operations/SurfaceOperations.h"
 #include "support/FailingAllocations.h"
 #include "support/Messages.h"
+#include "travel/Path.h"
 #include "triangles/Cuboidization.h"
 #include "triangles/Solidization.h"
 #include "triangles/Tessellation.h"
@@ -22,7 +23,6 @@
 
 #include <cmath>
 #include <limits>
-#include <memory>
 
 namespace brix {
 namespace {
@@ -34,34 +34,19 @@ constexpr std::int64_t most = std::numeric_limits<std::int64_t>::max();
 constexpr std::int64_t least = std::numeric_limits<std::int64_t>::min();
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 
-struct Free
-{
-    void operator()(brix_axes* object) const { brix_axes_free(object); }
-    void operator()(brix_extents* object) const { brix_extents_free(object); }
-    void operator()(brix_model* object) const { brix_model_free(object); }
-    void operator()(brix_iterator* object) const { brix_iterator_free(object); }
-    void operator()(brix_list* object) const { brix_list_free(object); }
-    void operator()(brix_mesh* object) const { brix_mesh_free(object); }
-    void operator()(brix_rows* object) const { brix_rows_free(object); }
-    void operator()(brix_models* object) const { brix_models_free(object); }
-    void operator()(brix_distance_field* object) const { brix_distance_field_free(object); }
-    void operator()(brix_path* object) const { brix_path_free(object); }
-    void operator()(brix_path_model* object) const { brix_path_model_free(object); }
-};
-template <class Object> using Owned = std::unique_ptr<Object, Free>;
-
 struct Failure
 {
     std::int32_t status = BRIX_OK;
     std::string message;
 };
 
-// call(error) -> status
-template <class Call> Failure FailureOf(const Call& call)
+// What function(arguments ..., error) says.
+template <class... Parameters, class... Arguments>
+Failure FailureOf(std::int32_t (*function)(Parameters...), const Arguments&... arguments)
 {
     brix_error error{};
     Failure failure;
-    failure.status = call(&error);
+    failure.status = function(arguments..., &error);
     failure.message.assign(error.message == nullptr ? "" : error.message, static_cast<std::size_t>(error.length));
     EXPECT_EQ(error.status, failure.status);
     brix_error_clear(&error);
@@ -74,7 +59,7 @@ template <class Result, class... Parameters, class... Arguments>
 auto Get(std::int32_t (*function)(Parameters...), const Arguments&... arguments)
 {
     Result result{};
-    const Failure failure = FailureOf([&](brix_error* error) { return function(arguments..., &result, error); });
+    const Failure failure = FailureOf(function, arguments..., &result);
     EXPECT_EQ(failure.status, BRIX_OK) << failure.message;
     if constexpr (std::is_pointer_v<Result>)
         return Owned<std::remove_pointer_t<Result>>(result);
@@ -86,9 +71,30 @@ template <class Number, class... Parameters, class... Arguments>
 std::array<Number, 3> GetThree(std::int32_t (*function)(Parameters...), const Arguments&... arguments)
 {
     std::array<Number, 3> result{};
-    const Failure failure = FailureOf([&](brix_error* error) { return function(arguments..., result.data(), error); });
+    const Failure failure = FailureOf(function, arguments..., result.data());
     EXPECT_EQ(failure.status, BRIX_OK) << failure.message;
     return result;
+}
+
+// All items of a list, which must be so wide.
+template <std::size_t width> std::vector<std::array<double, width>> ItemsOf(const Owned<brix_list>& list)
+{
+    std::int64_t size = 0;
+    std::int64_t itsWidth = 0;
+    EXPECT_EQ(brix_list_size(list.get(), &size, &itsWidth, nullptr), BRIX_OK);
+    if (itsWidth != width) throw std::logic_error("items of another width");
+    std::vector<std::array<double, width>> items(static_cast<std::size_t>(size));
+    if (size > 0) {
+        EXPECT_EQ(brix_list_copy(list.get(), 0, size, items.front().data(), nullptr), BRIX_OK);
+    }
+    return items;
+}
+
+template <class Item, class Map> auto Mapped(const std::vector<Item>& items, const Map& map)
+{
+    std::vector<decltype(map(items.front()))> mapped;
+    for (const Item& item : items) mapped.push_back(map(item));
+    return mapped;
 }
 
 // A tetrahedron's shell in a frame that is turned, moved and flat, in both languages.
@@ -215,9 +221,7 @@ TEST_F(CInterface, TurnsDirectionsIntoTheFrameWhateverTheirLengthAndItsOrigin)
     const std::string zero = MessageOf([&] { VisibilityFromDirection(model_, {0, 0, 0}, 3, 0.4); });
     for (const std::array<double, 3>& direction : {std::array<double, 3>{0, 0, 0}, {nan, 0, 1}, {0, HUGE_VAL, 0}}) {
         brix_model* result = nullptr;
-        const Failure failure = FailureOf([&](brix_error* error) {
-            return brix_visibility_from_direction(cModel_.get(), direction.data(), 3, 0.4, &result, error);
-        });
+        const Failure failure = FailureOf(brix_visibility_from_direction, cModel_.get(), direction.data(), 3, 0.4, &result);
         EXPECT_EQ(failure.message, zero);
         EXPECT_EQ(result, nullptr);
     }
@@ -254,7 +258,7 @@ TEST_F(CInterface, FindsSingleVoxelsAndKeepsTheirModelAlive)
     EXPECT_EQ(GetThree<std::int64_t>(brix_iterator_voxel_indices, voxel.get()), Plus(indices, {1, -1, 2}));
     const auto outside = Get<brix_iterator*>(brix_iterator_advance, voxel.get(), Triple{most, least, 0}.data());
     std::int32_t value = 7;
-    const Failure failure = FailureOf([&](brix_error* error) { return brix_iterator_is_filled(outside.get(), &value, error); });
+    const Failure failure = FailureOf(brix_iterator_is_filled, outside.get(), &value);
     EXPECT_EQ(failure.status, BRIX_OUT_OF_RANGE);
     EXPECT_EQ(failure.message, "Attempt to operate on a voxel iterator that points outside the voxel model extents.");
     EXPECT_EQ(value, 7);
@@ -280,8 +284,7 @@ TEST_F(CInterface, CopiesResultsWholeOrInParts)
     for (const auto& part :
          {std::pair<std::int64_t, std::int64_t>{-1, 1}, {0, -1}, {0, size + 1}, {size + 1, 0}, {1, most}, {least, least}}) {
         double* const place = pieces.front().front().data();
-        const Failure failure =
-            FailureOf([&](brix_error* error) { return brix_list_copy(list.get(), part.first, part.second, place, error); });
+        const Failure failure = FailureOf(brix_list_copy, list.get(), part.first, part.second, place);
         EXPECT_EQ(failure.message, "The part to be copied must lie within the result. The part from " +
                                        std::to_string(part.first) + " on, " + std::to_string(part.second) +
                                        " long, was requested of " + std::to_string(size) + ".");
@@ -309,10 +312,7 @@ TEST_F(CInterface, ReadsMeshesFromListsAndTriangles)
     indices[4] = 4;
     brix_mesh* result = nullptr;
     const auto create = [&](std::int64_t vertexCount, std::int64_t triangleCount) {
-        return FailureOf([&](brix_error* error) {
-                   return brix_mesh_create(points.data(), vertexCount, indices.data(), triangleCount, &result, error);
-               })
-            .status;
+        return FailureOf(brix_mesh_create, points.data(), vertexCount, indices.data(), triangleCount, &result).status;
     };
     EXPECT_EQ(create(4, 4), BRIX_INVALID_ARGUMENT);
     EXPECT_EQ(create(-1, 4), BRIX_INVALID_ARGUMENT);
@@ -322,29 +322,12 @@ TEST_F(CInterface, ReadsMeshesFromListsAndTriangles)
 
 TEST_F(CInterface, ReachesSplittingDensitiesConversionsAndNarrowedViews)
 {
-    const auto numbersOf = [](const Owned<brix_list>& list, std::int64_t expectedWidth) {
-        std::int64_t size = 0;
-        std::int64_t width = 0;
-        EXPECT_EQ(brix_list_size(list.get(), &size, &width, nullptr), BRIX_OK);
-        EXPECT_EQ(width, expectedWidth);
-        std::vector<double> numbers(static_cast<std::size_t>(size * width));
-        EXPECT_EQ(brix_list_copy(list.get(), 0, size, numbers.data(), nullptr), BRIX_OK);
-        return numbers;
-    };
-    const auto flat = [](const auto& arrays, const auto& append) {
-        std::vector<double> numbers;
-        for (const auto& item : arrays) append(numbers, item);
-        return numbers;
-    };
-    EXPECT_EQ(numbersOf(Get<brix_list*>(brix_cuboidize_voxel_model, cModel_.get(), 2), 6),
-              flat(CuboidizeVoxelModel(model_, 2), [&](std::vector<double>& numbers, const VoxelCuboid& cuboid) {
-                  const auto world = ToWorldCuboid(cuboid, axes_, 2);
-                  numbers.insert(numbers.end(), world.begin(), world.end());
-              }));
-    EXPECT_EQ(numbersOf(Get<brix_list*>(brix_solidize_voxel_model, cModel_.get(), 1), 12),
-              flat(SolidizeVoxelModel(model_, 1), [&](std::vector<double>& numbers, const VoxelRectangle& rectangle) {
-                  for (const auto& corner : ToWorldRectangle(rectangle, axes_, 1))
-                      numbers.insert(numbers.end(), corner.begin(), corner.end());
+    EXPECT_EQ(ItemsOf<6>(Get<brix_list*>(brix_cuboidize_voxel_model, cModel_.get(), 2)),
+              Mapped(CuboidizeVoxelModel(model_, 2), [&](const VoxelCuboid& cuboid) { return ToWorldCuboid(cuboid, axes_, 2); }));
+    EXPECT_EQ(ItemsOf<12>(Get<brix_list*>(brix_solidize_voxel_model, cModel_.get(), 1)),
+              Mapped(SolidizeVoxelModel(model_, 1), [&](const VoxelRectangle& rectangle) {
+                  const auto [a, b, c, d] = ToWorldRectangle(rectangle, axes_, 1);
+                  return std::array{a[0], a[1], a[2], b[0], b[1], b[2], c[0], c[1], c[2], d[0], d[1], d[2]};
               }));
 
     const auto expectModels = [&](const std::vector<Voxels>& expected, const Owned<brix_models>& actual, const char* name) {
@@ -376,115 +359,76 @@ TEST_F(CInterface, ReachesSplittingDensitiesConversionsAndNarrowedViews)
 
 TEST_F(CInterface, MeasuresWaysInWorldUnits)
 {
-    // A floor with a wall across it that leaves a gap, in a frame of its own.
-    const Axes axes(3.2, {10, 20, 30}, 0, 5);
-    const auto cAxes = Get<brix_axes*>(brix_axes_create, 3.2, std::array<double, 3>{10, 20, 30}.data(), 0.0, 5);
-    const auto at = [](double x0, double y0, double z0, double x1, double y1, double z1) {
-        const std::array<std::array<double, 3>, 4> p{
-            {{10 + x0, 20 + y0, 30 + z0}, {10 + x1, 20 + y0, 30 + z1}, {10 + x1, 20 + y1, 30 + z1}, {10 + x0, 20 + y1, 30 + z0}}};
-        return std::vector<WorldTriangle>{{p[0], p[1], p[2]}, {p[0], p[2], p[3]}};
-    };
-    std::vector<WorldTriangle> scene = at(0.05, 0.05, 0.05, 6.35, 6.35, 0.05);
-    for (double z = 0.1; z < 3; z += 0.08) {
-        const auto wall = at(0.05, 3, z, 4.6, 3.1, z);
-        scene.insert(scene.end(), wall.begin(), wall.end());
-    }
-    const double* coords = scene.front().front().data();
-    const auto triangleCount = static_cast<std::int64_t>(scene.size());
-    const auto extents = Get<brix_extents*>(brix_detect_triangle_extents, cAxes.get(), coords, triangleCount);
-    const auto environment = Get<brix_model*>(brix_model_from_triangles, coords, triangleCount, extents.get(), 5);
-    auto pathModel = Get<brix_path_model*>(brix_path_model_create, environment.get(), 5, 3, 10, 1);
+    const PathModel walkable(model_, 3, 1, 4, true);
+    const auto cWalkable = Get<brix_path_model*>(brix_path_model_create, cModel_.get(), 3, 1, 4, 1);
+    ExpectSame(walkable.TraversableVoxels(), Get<brix_model*>(brix_path_model_traversable_voxels, cWalkable.get()).get(),
+               "floor");
+    const auto toWorld = [&](const Triple& point) { return axes_.ToWorldCoordinates(point); };
+    const auto toUnits = [&](const std::array<double, 3>& point) { return axes_.FromWorldCoordinates(point); };
+    const auto samples = ItemsOf<3>(Get<brix_list*>(brix_path_model_generate_sample_points, cWalkable.get(), 0.75, 1));
+    EXPECT_EQ(samples, Mapped(walkable.GenerateSamplePoints(axes_.FromWorldDistance(0.75), 1), toWorld));
 
-    const std::array<double, 6> sources{11.05, 21.05, 30.35, 500, 500, 500};
-    const std::array<double, 3> beyond{11.05, 25.05, 30.15};
-    const auto field = Get<brix_distance_field*>(brix_distance_field_create, pathModel.get(), sources.data(), 2, 100.0);
-    const double distance = Get<double>(brix_distance_field_distance, field.get(), beyond.data());
-    EXPECT_GT(distance, 7.5); // round the end of the wall; 4 in a straight line
-    EXPECT_LT(distance, 9);
-    EXPECT_EQ(Get<double>(brix_distance_field_distance, field.get(), sources.data() + 3), -1.0);
-    EXPECT_GT(Get<double>(brix_distance_field_farthest_distance, field.get()), distance);
+    const std::vector<std::array<double, 3>> sources{samples.at(samples.size() / 2), {500, 500, 500}};
+    const double* coords = sources.front().data();
+    const DistanceField field(walkable, Mapped(sources, toUnits), axes_.FromWorldDistance(3));
+    const auto cField = Get<brix_distance_field*>(brix_distance_field_create, cWalkable.get(), coords, 2, 3.0);
+    std::vector<std::array<double, 4>> distances;
+    field.ForEachReachable([&](const Triple& voxel, std::int64_t distance) {
+        const auto [x, y, z] = toWorld(axes_.VoxelCenter(voxel, 3));
+        distances.push_back({x, y, z, axes_.ToWorldDistance(distance)});
+    });
+    EXPECT_GT(distances.size(), 100U);
+    EXPECT_EQ(ItemsOf<4>(Get<brix_list*>(brix_distance_field_distances, cField.get())), distances);
+    const double farthest = axes_.ToWorldDistance(field.FarthestDistance());
+    EXPECT_EQ(Get<double>(brix_distance_field_farthest_distance, cField.get()), farthest);
+    EXPECT_EQ(GetThree<std::int64_t>(brix_distance_field_farthest_voxel, cField.get()), field.FarthestVoxel());
+    ExpectSame(field.ReachableVoxels(), Get<brix_model*>(brix_distance_field_reachable_voxels, cField.get()).get(), "reachable");
+    ExpectSame(field.ReachableVoxels(axes_.FromWorldDistance(1.5)),
+               Get<brix_model*>(brix_distance_field_reachable_within, cField.get(), 1.5).get(), "within");
 
-    const auto reachable = Get<brix_model*>(brix_distance_field_reachable_voxels, field.get());
-    const auto near = Get<brix_model*>(brix_distance_field_reachable_within, field.get(), 2.0);
-    const auto list = Get<brix_list*>(brix_distance_field_distances, field.get());
-    std::int64_t size = 0;
-    std::int64_t width = 0;
-    ASSERT_EQ(brix_list_size(list.get(), &size, &width, nullptr), BRIX_OK);
-    EXPECT_EQ(width, 4);
-    EXPECT_EQ(Get<std::int64_t>(brix_count_filled, reachable.get(), 5), size);
-    std::vector<std::array<double, 4>> all(static_cast<std::size_t>(size));
-    ASSERT_EQ(brix_list_copy(list.get(), 0, size, all.front().data(), nullptr), BRIX_OK);
-    std::int64_t nearCount = 0;
-    for (const auto& [x, y, z, away] : all) {
-        nearCount += away <= 2.0 ? 1 : 0;
-        const std::array<double, 3> place{x, y, z};
-        ASSERT_EQ(Get<double>(brix_distance_field_distance, field.get(), place.data()), away);
-    }
-    EXPECT_EQ(Get<std::int64_t>(brix_count_filled, near.get(), 5), nearCount);
+    const std::array<double, 3> target = toWorld(axes_.VoxelCenter(field.FarthestVoxel(), 3));
+    EXPECT_EQ(Get<double>(brix_distance_field_distance, cField.get(), target.data()), farthest);
+    EXPECT_EQ(Get<double>(brix_distance_field_distance, cField.get(), coords + 3), -1.0);
+    const Path way(field, toUnits(target));
+    const auto cWay = Get<brix_path*>(brix_path_create, cField.get(), target.data());
+    EXPECT_EQ(Get<double>(brix_path_length, cWay.get()), farthest);
+    ExpectSame(way.Voxels(), Get<brix_model*>(brix_path_voxels, cWay.get()).get(), "way");
+    EXPECT_EQ(ItemsOf<3>(Get<brix_list*>(brix_path_points, cWay.get())), Mapped(way.Points(), toWorld));
 
-    const auto way = Get<brix_path*>(brix_path_create, field.get(), beyond.data());
-    EXPECT_EQ(Get<double>(brix_path_length, way.get()), distance);
-    EXPECT_GT(Get<std::int64_t>(brix_count_filled, Get<brix_model*>(brix_path_voxels, way.get()).get(), 5), 60);
-    const auto points = Get<brix_list*>(brix_path_points, way.get());
-    ASSERT_EQ(brix_list_size(points.get(), &size, &width, nullptr), BRIX_OK);
-    std::vector<std::array<double, 3>> corners(static_cast<std::size_t>(size));
-    ASSERT_EQ(brix_list_copy(points.get(), 0, size, corners.front().data(), nullptr), BRIX_OK);
-    double length = 0;
-    for (std::size_t i = 1; i < corners.size(); ++i) {
-        length +=
-            std::hypot(corners[i][0] - corners[i - 1][0], corners[i][1] - corners[i - 1][1], corners[i][2] - corners[i - 1][2]);
-    }
-    EXPECT_NEAR(length, distance, 1e-3);
-    EXPECT_NEAR(corners.front()[1], beyond[1], 0.06);
-    EXPECT_NEAR(corners.back()[1], sources[1], 0.06);
-
-    const auto samples = Get<brix_list*>(brix_path_model_generate_sample_points, pathModel.get(), 1.6, 2);
-    ASSERT_EQ(brix_list_size(samples.get(), &size, &width, nullptr), BRIX_OK);
-    EXPECT_EQ(width, 3);
-    EXPECT_GE(size, 9);
-    const auto refuse = [&](const double* points3, std::int64_t count, double limit) {
+    const auto refuse = [&](const double* points, std::int64_t count, double limit) {
         brix_distance_field* none = nullptr;
-        return FailureOf([&](brix_error* error) {
-                   return brix_distance_field_create(pathModel.get(), points3, count, limit, &none, error);
-               })
-            .status;
+        return FailureOf(brix_distance_field_create, cWalkable.get(), points, count, limit, &none).status;
     };
-    EXPECT_EQ(refuse(sources.data(), 2, -0.5), BRIX_INVALID_ARGUMENT);
-    EXPECT_EQ(refuse(sources.data() + 3, 1, 5), BRIX_INVALID_ARGUMENT);
+    EXPECT_EQ(refuse(coords, 2, -0.5), BRIX_INVALID_ARGUMENT);
+    EXPECT_EQ(refuse(coords + 3, 1, 5), BRIX_INVALID_ARGUMENT);
     EXPECT_EQ(refuse(nullptr, 0, 5), BRIX_INVALID_ARGUMENT);
     EXPECT_EQ(refuse(nullptr, 1, 5), BRIX_NULL_ARGUMENT);
-    EXPECT_EQ(refuse(sources.data(), least, 5), BRIX_INVALID_ARGUMENT);
+    EXPECT_EQ(refuse(coords, least, 5), BRIX_INVALID_ARGUMENT);
 }
 
 TEST_F(CInterface, RefusesNullModelsInListsAndCountsThatCannotBe)
 {
     brix_model* model = nullptr;
     const brix_model* missing = nullptr;
-    EXPECT_EQ(FailureOf([&](brix_error* error) { return brix_union(&missing, 1, 0, 0, &model, error); }).status,
-              BRIX_INVALID_ARGUMENT);
-    EXPECT_EQ(FailureOf([&](brix_error* error) {
-                  return brix_model_from_triangles(coords_, -1, cExtents_.get(), 0, &model, error);
-              }).status,
-              BRIX_INVALID_ARGUMENT);
-    EXPECT_EQ(FailureOf([&](brix_error* error) {
-                  return brix_model_from_triangles(coords_, most, cExtents_.get(), 0, &model, error);
-              }).status,
-              BRIX_INVALID_ARGUMENT);
     brix_rows* rows = nullptr;
-    EXPECT_EQ(FailureOf([&](brix_error* error) { return brix_rows_at_slice(cModel_.get(), 3, 0, 0, 0, 0, &rows, error); }).status,
-              BRIX_INVALID_ARGUMENT);
+    EXPECT_EQ(FailureOf(brix_union, &missing, 1, 0, 0, &model).status, BRIX_INVALID_ARGUMENT);
+    for (const std::int64_t count : {std::int64_t{-1}, most})
+        EXPECT_EQ(FailureOf(brix_model_from_triangles, coords_, count, cExtents_.get(), 0, &model).status, BRIX_INVALID_ARGUMENT);
+    EXPECT_EQ(FailureOf(brix_rows_at_slice, cModel_.get(), 3, 0, 0, 0, 0, &rows).status, BRIX_INVALID_ARGUMENT);
 }
 
 TEST_F(CInterface, ReportsExhaustedMemoryAndLosesNothing)
 {
     const std::int64_t alive = LiveAllocations();
     std::int64_t failures = 0;
+    const auto expand =
+        +[](std::int64_t n, const brix_model* model, const brix_model* guide, brix_model** result, brix_error* error) {
+            const FailingAllocations armed(n);
+            return brix_expand_horizontally(model, 3, guide, 1, result, error);
+        };
     for (std::int64_t n = 1;; ++n) {
         brix_model* result = nullptr;
-        const Failure failure = FailureOf([&](brix_error* error) {
-            const FailingAllocations armed(n);
-            return brix_expand_horizontally(cModel_.get(), 3, cOther_.get(), 1, &result, error);
-        });
+        const Failure failure = FailureOf(expand, n, cModel_.get(), cOther_.get(), &result);
         if (failure.status == BRIX_OK) {
             brix_model_free(result);
             break;
@@ -504,8 +448,7 @@ TEST(CInterfaceFiles, NameTheFileThatCannotBeRead)
 {
     brix_list* list = nullptr;
     const std::string path = "no such folder/no such file.stl";
-    const Failure failure = FailureOf(
-        [&](brix_error* error) { return brix_load_stl(path.data(), static_cast<std::int64_t>(path.size()), 0, &list, error); });
+    const Failure failure = FailureOf(brix_load_stl, path.data(), static_cast<std::int64_t>(path.size()), 0, &list);
     EXPECT_EQ(failure.status, BRIX_FILE_FAILURE);
     EXPECT_EQ(failure.message, "Failed to open STL file \"" + path + "\".");
     EXPECT_EQ(brix_abi_version(), BRIX_ABI_VERSION);
@@ -514,9 +457,7 @@ TEST(CInterfaceFiles, NameTheFileThatCannotBeRead)
 TEST(CInterfaceFiles, ShowPathsAsUtf8AndDoNotCutThem)
 {
     const std::string path("no such folder/\xe9\0b.stl", 22);
-    const Failure failure = FailureOf([&](brix_error* error) {
-        return brix_save_stl(nullptr, 0, path.data(), static_cast<std::int64_t>(path.size()), 1, 0, error);
-    });
+    const Failure failure = FailureOf(brix_save_stl, nullptr, 0, path.data(), static_cast<std::int64_t>(path.size()), 1, 0);
     EXPECT_EQ(failure.status, BRIX_FILE_FAILURE);
     EXPECT_EQ(failure.message,
               "Failed to open STL file \"no such folder/\ufffd\\x00b.stl\", as a file path cannot hold a null character.");

@@ -2,7 +2,7 @@
 // is configured (tests/CMakeLists.txt), so that none can be left out:
 //     BRIX_FUNCTION(brix_axes_voxel_height, "const brix_axes* axes, double* result, brix_error* error")
 //     BRIX_FREE(brix_axes_free)
-#include "brix_c.h"
+#include "Objects.h"
 
 #include <gtest/gtest.h>
 
@@ -16,17 +16,7 @@
 
 namespace {
 
-void Free(brix_axes* object) { brix_axes_free(object); }
-void Free(brix_extents* object) { brix_extents_free(object); }
-void Free(brix_model* object) { brix_model_free(object); }
-void Free(brix_models* object) { brix_models_free(object); }
-void Free(brix_iterator* object) { brix_iterator_free(object); }
-void Free(brix_list* object) { brix_list_free(object); }
-void Free(brix_mesh* object) { brix_mesh_free(object); }
-void Free(brix_rows* object) { brix_rows_free(object); }
-void Free(brix_path_model* object) { brix_path_model_free(object); }
-void Free(brix_distance_field* object) { brix_distance_field_free(object); }
-void Free(brix_path* object) { brix_path_free(object); }
+using brix::tests::Free;
 
 // An object of each type, or a place for a result of it.
 using Objects = std::tuple<brix_axes*, brix_extents*, brix_model*, brix_models*, brix_iterator*, brix_list*, brix_mesh*,
@@ -56,7 +46,7 @@ protected:
 
     ~NullArguments() override
     {
-        std::apply([](auto*... objects) { (Free(objects), ...); }, objects_);
+        std::apply([](auto*... objects) { (Free()(objects), ...); }, objects_);
         std::filesystem::remove(path_);
     }
 
@@ -87,7 +77,7 @@ private:
         EXPECT_EQ(message == "A required argument is a null pointer.", isNull);
         EXPECT_TRUE(status == BRIX_OK || results == Objects{});
         brix_error_clear(&error);
-        std::apply([](auto*... objects) { (Free(objects), ...); }, results);
+        std::apply([](auto*... objects) { (Free()(objects), ...); }, results);
         return status;
     }
 
