@@ -1,6 +1,7 @@
 #include "triangles/TextNumbers.h"
 
-#include "support/Random.h"
+#include "support/NumbersByStream.h"
+#include "support/Pieces.h"
 
 #include <gtest/gtest.h>
 
@@ -9,66 +10,14 @@
 namespace brix {
 namespace {
 
-using tests::Random;
-
-/// What the first numbers of a line are, bit by bit, and whether reading went well until then.
-using Reading = std::vector<std::pair<std::uint64_t, bool>>;
-
-Reading ReadByStream(const std::string& line)
-{
-    std::istringstream stream(line);
-    stream.imbue(std::locale::classic());
-    Reading reading;
-    do {
-        double number = 7; // seen in the result when the stream leaves it alone
-        stream >> number;
-        reading.emplace_back(std::bit_cast<std::uint64_t>(number), static_cast<bool>(stream));
-    } while (stream && reading.size() < 4);
-    return reading;
-}
-
-Reading ReadByHand(std::string_view line)
-{
-    Reading reading;
-    do {
-        double number = 7;
-        const bool isNumber = TakeNumber(line, number);
-        reading.emplace_back(std::bit_cast<std::uint64_t>(number), isNumber);
-    } while (reading.back().second && reading.size() < 4);
-    return reading;
-}
+using namespace tests;
 
 /// Digits, mostly; or anything that is, or looks like, part of a number.
 std::string RandomNumberText(Random& random)
 {
-    static constexpr std::array pieces{"e",
-                                       "E",
-                                       "e+",
-                                       "e-",
-                                       "-",
-                                       "+",
-                                       ".",
-                                       "0",
-                                       "00000",
-                                       "1",
-                                       " ",
-                                       "\r",
-                                       "\t \v\f",
-                                       ",",
-                                       "x",
-                                       "0x1p3",
-                                       "inf",
-                                       "nan",
-                                       "e308",
-                                       "e-324",
-                                       "e99999999",
-                                       "9007199254740993",
-                                       "179769313486231580793",
-                                       "e22",
-                                       "d",
-                                       "\xA0",
-                                       "_",
-                                       "0000000001"};
+    constexpr const char* pieces =
+        "e|E|e+|e-|-|+|.|0|00000|1| |\r|\t \v\f|,|x|0x1p3|inf|nan|e308|e-324|e99999999|9007199254740993|"
+        "179769313486231580793|e22|d|\xA0|_|0000000001";
     std::string text;
     const auto addDigits = [&](std::int64_t most) {
         for (std::int64_t i = random.Between(0, most); i > 0; --i) text += static_cast<char>('0' + random.Between(0, 9));
@@ -85,7 +34,7 @@ std::string RandomNumberText(Random& random)
         if (random.OneIn(3))
             addDigits(6);
         else
-            text += pieces[static_cast<std::size_t>(random.Between(0, std::ssize(pieces) - 1))];
+            text += OneOf(random, pieces);
     }
     return text;
 }
@@ -108,20 +57,6 @@ TEST(TakeNumber, TakesNumbersOfAnyLength)
          {zeros + "1.5 2", "0." + zeros + "25 2", "1" + zeros + " 2", "-1" + zeros + " 2", "0." + zeros + "1e5001 2",
           "1" + zeros + "e-5000 2", "1e" + zeros + "3 2", "1e-" + zeros + "3 2", "1e1" + zeros, "-1e-1" + zeros + " 2"})
         EXPECT_EQ(ReadByHand(line), ReadByStream(line)) << line.substr(0, 5) << "... of " << line.size() << " characters";
-}
-
-std::string WrittenByStream(double number)
-{
-    std::ostringstream stream;
-    stream.imbue(std::locale::classic());
-    stream << number;
-    return stream.str();
-}
-
-std::string WrittenByHand(double number)
-{
-    std::array<char, maxNumberLength> text{};
-    return {text.data(), WriteNumber(text.data(), number)};
 }
 
 TEST(WriteNumber, WritesWhatTheStreamWrites)
