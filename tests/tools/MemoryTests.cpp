@@ -38,26 +38,11 @@ TEST_F(Program, EstimatesNoLessMemoryThanItTakes)
     ASSERT_EQ(Run("scene building -o house.stl").exitCode, 0);
     ASSERT_EQ(Run("scene city --triangles 20000 -o city.stl").exitCode, 0);
     WriteBlock(folder_ / "block.stl");
-    const std::vector<std::string> steps{"invert",
-                                         "fill-enclosed",
-                                         "fill-exposed",
-                                         "expand-x 3 3",
-                                         "expand-z 3 3",
-                                         "reduce-x 1 1",
-                                         "reduce-z 1 1",
-                                         "expand-by-one 1 1",
-                                         "reduce-by-one 1 1",
-                                         "expand-horizontally 5",
-                                         "reduce-horizontally 3",
-                                         "keep-largest",
-                                         "auto-crop",
-                                         "refine 5",
-                                         "walkable 5 18",
-                                         "visible-along 1 2 -3 0.5",
-                                         "write v.stl",
-                                         "write-surface v.stl"};
-    for (const std::string scene : {"house.stl --voxels 1000", "city.stl --voxels 1500", "block.stl --voxels 2000"})
-        for (const std::string& step : steps) {
+    std::istringstream steps("invert\nfill-enclosed\nfill-exposed\nexpand-x 3 3\nexpand-z 3 3\nreduce-x 1 1\nreduce-z 1 1\n"
+                             "expand-by-one 1 1\nreduce-by-one 1 1\nexpand-horizontally 5\nreduce-horizontally 3\nkeep-largest\n"
+                             "auto-crop\nrefine 5\nwalkable 5 18\nvisible-along 1 2 -3 0.5\nwrite v.stl\nwrite-surface v.stl");
+    for (std::string step; std::getline(steps, step);)
+        for (const std::string scene : {"house.stl --voxels 1000", "city.stl --voxels 1500", "block.stl --voxels 2000"}) {
             const Outcome outcome = Run("run " + scene + " --json -- " + step);
             ASSERT_EQ(outcome.exitCode, 0) << outcome.error;
             EXPECT_GE(Estimated(outcome), Peak(outcome)) << scene << ' ' << step;
