@@ -22,16 +22,6 @@ constexpr double NotANumber = std::numeric_limits<double>::quiet_NaN();
 // World units are base units.
 Axes PlainAxes(std::int64_t verticalLOD = 0) { return Axes(40000, {0, 0, 0}, 0, verticalLOD); }
 
-TEST(Axes, GiveTheVoxelSizeOfEveryLevelInWorldUnits)
-{
-    const Axes axes(0.8, {1, 2, 3}, 45, 2);
-    for (std::int64_t lod = 0; lod < 6; ++lod) EXPECT_DOUBLE_EQ(axes.WorldVoxelWidth(lod), 0.8 / static_cast<double>(1 << lod));
-    EXPECT_EQ(axes.WorldVoxelHeight(), axes.WorldVoxelWidth(2));
-    EXPECT_EQ(axes.WorldVoxelOrigin(), (std::array<double, 3>{1, 2, 3}));
-    EXPECT_EQ(axes.WorldVoxelRotation(), 45);
-    EXPECT_EQ(axes.VoxelSize(5), (Triple{1250, 1250, 10000}));
-}
-
 // Points on voxel borders, where any other order of the steps (scale before shifting, one reciprocal) gives another unit.
 TEST(Axes, RoundPointsOnVoxelBordersByTheOneOrderOfSteps)
 {

@@ -8,7 +8,6 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <limits>
 #include <set>
 
@@ -28,41 +27,34 @@ TEST(Iterators, RefuseToWorkOutsideTheModel)
 {
     VoxelModel<bool> model = SmallModel();
     const StackIterator stack(model, 1);
+    const StackIterator valid(model, {0, 0, 0}, 1);
     EXPECT_FALSE(stack.IsValid());
     EXPECT_EQ(&stack.VoxelModelRef(), &model);
     EXPECT_EQ(stack.VoxelLOD(), 1);
-    const std::vector<std::function<void()>> stackAccesses{[&] { stack.Validate(); },
-                                                           [&] { stack.VoxelStoreRef(); },
-                                                           [&] { stack.VoxelStackRef(); },
-                                                           [&] { stack.LowerIndices(); },
-                                                           [&] { stack.LowerOffset(); },
-                                                           [&] { stack.UpperOffset(); },
-                                                           [&] {
-                                                               (void)(stack < StackIterator(model, {0, 0, 0}, 1));
-                                                           },
-                                                           [&] {
-                                                               (void)(StackIterator(model, {0, 0, 0}, 1) < stack);
-                                                           }};
-    for (const auto& access : stackAccesses) EXPECT_EQ(MessageOf<std::out_of_range>(access), StackOutside);
+    const auto ofStack = [](const auto& access) { EXPECT_EQ(MessageOf<std::out_of_range>(access), StackOutside); };
+    ofStack([&] { stack.Validate(); });
+    ofStack([&] { stack.VoxelStoreRef(); });
+    ofStack([&] { stack.VoxelStackRef(); });
+    ofStack([&] { stack.LowerIndices(); });
+    ofStack([&] { stack.LowerOffset(); });
+    ofStack([&] { stack.UpperOffset(); });
+    ofStack([&] { (void)(stack < valid); });
+    ofStack([&] { (void)(valid < stack); });
 
     VoxelIterator voxel(model, 1);
     EXPECT_FALSE(voxel.IsValid());
     EXPECT_EQ(&voxel.VoxelModelRef(), &model);
     EXPECT_EQ(voxel.VoxelLOD(), 1);
-    const std::vector<std::function<void()>> voxelAccesses{[&] { voxel.Validate(); }, [&] { (void)voxel.Value(); },
-                                                           [&] { (void)voxel.VoxelIndices(); },
-                                                           [&] {
-                                                               voxel += {0, 0, 0};
-                                                           },
-                                                           [&] {
-                                                               (void)(voxel + Triple{1, 0, 0});
-                                                           }};
-    for (const auto& access : voxelAccesses) EXPECT_EQ(MessageOf<std::out_of_range>(access), VoxelOutside);
+    const Triple step{1, 0, 0};
+    const auto ofVoxel = [](const auto& access) { EXPECT_EQ(MessageOf<std::out_of_range>(access), VoxelOutside); };
+    ofVoxel([&] { voxel.Validate(); });
+    ofVoxel([&] { (void)voxel.Value(); });
+    ofVoxel([&] { (void)voxel.VoxelIndices(); });
+    ofVoxel([&] { voxel += step; });
+    ofVoxel([&] { (void)(voxel + step); });
 
     const VoxelModel<bool> other = SmallModel();
-    EXPECT_EQ(MessageOf([&] {
-                  (void)(ConstStackIterator(model, {0, 0, 0}, 1) < ConstStackIterator(other, {0, 0, 0}, 1));
-              }),
+    EXPECT_EQ(MessageOf([&] { (void)(valid < ConstStackIterator(other, step, 1)); }),
               "Attempt to compare iterators for different voxel models.");
 }
 

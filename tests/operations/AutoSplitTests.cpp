@@ -107,18 +107,5 @@ TEST(AutoSplit, SplitsAHundredThousandRegionsAndJoinsThemByOneWall)
     EXPECT_EQ(Differences(one.front(), comb), "");
 }
 
-// Two voxels as far apart as the grid allows to be built quickly: each result has a chunk of its own.
-TEST(AutoSplit, MakesResultsAsSmallAsTheirRegions)
-{
-    ReferenceModel reference(Extents(Frame, {-3000, 0, 0}, {3000, 3, 0}, 2), 2, 2);
-    reference.Set({-3000, 0, 0});
-    reference.Set({3000, 3, 0});
-    for (const VoxelModel<bool>& region : AutoSplit(MakeModel(reference))) {
-        EXPECT_EQ(region.LowerChunkIndices(), region.UpperChunkIndices());
-        EXPECT_EQ(CountFilled(region, 2), 1);
-    }
-    EXPECT_TRUE(AutoSplit(VoxelModel<bool>(Extents(Frame, {0, 0, 0}, {99, 99, 99}, 3), 3)).empty());
-}
-
 } // namespace
 } // namespace brix

@@ -66,12 +66,6 @@ Triple RandomVoxel(Random& random, const Extents& extents)
     return ::testing::AssertionSuccess();
 }
 
-::testing::AssertionResult FillsAreRight(const ReferenceModel& reference)
-{
-    Random random(1);
-    return FillsAreRight(reference, MakeModel(reference), random);
-}
-
 TEST(Fills, EqualTheVoxelByVoxelFlood)
 {
     for (const RandomModel& model : RandomModels(5000, 200)) {
@@ -96,36 +90,6 @@ TEST(Fills, FollowWindingCaves)
             return Random(seed ^ static_cast<std::uint64_t>(place)).Bits() % 100 < share;
         });
         ASSERT_TRUE(FillsAreRight(caves, MakeModel(caves), random)) << "seed " << seed;
-    }
-}
-
-// One corridor, one voxel wide, that winds through many stacks, lies down, stands up and comes back.
-TEST(Fills, FollowOneCorridorToItsEnd)
-{
-    const Extents extents(Axes(1, {0, 0, 0}, 0, 0), {-21, -20, 40}, {21, 20, 70}, 1);
-    const auto isGap = [](std::int64_t wall, std::int64_t lower, std::int64_t upper, std::int64_t at) {
-        return at == (FloorDivide(wall, 2) % 2 == 0 ? lower : upper);
-    };
-    for (std::size_t across = 0; across < 3; ++across) {
-        for (std::size_t along = 0; along < 3; ++along) {
-            if (along == across) continue;
-            const std::size_t third = 3 - across - along;
-            ReferenceModel maze(extents, 1, 1);
-            const Triple lower = Plus(extents.LowerIndices(), {1, 1, 1});
-            const Triple upper = Minus(extents.UpperIndices(), {1, 1, 1});
-            maze = maze.Where([&](const Triple& v) {
-                if (!IsWithin(v, lower, upper)) return true;
-                const std::int64_t sheet = v[third] - lower[third];
-                const std::int64_t wall = v[across] - lower[across];
-                if (sheet % 2 == 1)
-                    return v[along] != lower[along] || !isGap(sheet, 0, 28, wall); // between two sheets of the maze
-                return wall % 2 == 1 && !isGap(wall, lower[along], upper[along], v[along]);
-            });
-            EXPECT_TRUE(FillsAreRight(maze)) << "sealed, across " << across << ", along " << along;
-            maze.Set({lower[0], lower[1], lower[2] - 1}, false);
-            EXPECT_TRUE(FillsAreRight(maze)) << "open, across " << across << ", along " << along;
-            EXPECT_GT(PlainExposed(maze).CountFilled(), maze.CountFilled() + 1000) << "the corridor is long";
-        }
     }
 }
 

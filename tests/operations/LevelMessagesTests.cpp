@@ -29,41 +29,31 @@ struct LevelCase
     std::function<void(Model& model, std::int64_t lod)> call;
 };
 
+constexpr Triple Origin{};
+
 const std::vector<LevelCase> Cases{
-    {"vertical level of detail for a set of axes", false,
-     [](Model&, std::int64_t lod) {
-         Axes(1, {0, 0, 0}, 0, lod);
-     }},
-    {"level of detail for a set of extents", false, [](Model& m, std::int64_t lod) { m.ExtentsRef(0).RescaledCopy(lod); }},
-    {"finest level of detail in a voxel model", false, [](Model& m, std::int64_t lod) { Model(m.ExtentsRef(0), lod); }},
-    {"level of detail for voxel model refinement", false, [](Model& m, std::int64_t lod) { Refine(m, lod); }},
-    {"level of detail for voxel model union", false, [](Model& m, std::int64_t lod) { Union({&m}, lod, false); }},
-    {"level of detail for voxel model intersect", false, [](Model& m, std::int64_t lod) { Intersect({&m}, lod, false); }},
-    {"level of detail for voxel model subtraction", false, [](Model& m, std::int64_t lod) { Subtract(m, m, lod, false); }},
-    {"level of detail for a density map", false, [](Model& m, std::int64_t lod) { DensityMap({&m}, {1}, {1}, lod); }},
-    {"level of detail for voxel model operations", true, [](Model& m, std::int64_t lod) { CountFilled(m, lod); }},
-    {"level of detail for voxel model operations", true, [](Model& m, std::int64_t lod) { IsEmpty(m, lod); }},
-    {"level of detail for voxel model operations", true, [](Model& m, std::int64_t lod) { IsFull(m, lod); }},
-    {"level of detail for voxel model operations", true, [](Model& m, std::int64_t lod) { PropagateLevel(m, lod); }},
-    {"level of detail for row data retrieval", true,
-     [](Model& m, std::int64_t lod) { RowsAtSliceXIndex(m, 0, lod, false, false); }},
-    {"level of detail for row data retrieval", true,
-     [](Model& m, std::int64_t lod) { RowsAtSliceYIndex(m, 0, lod, false, false); }},
-    {"level of detail for row data retrieval", true,
-     [](Model& m, std::int64_t lod) { RowsAtSliceZIndex(m, 0, lod, false, false); }},
-    {"level of detail associated with an iterator", true,
-     [](Model& m, std::int64_t lod) {
-         StackIterator(m, {0, 0, 0}, lod);
-     }},
-    {"level of detail associated with an iterator", true, [](Model& m, std::int64_t lod) { StackIterator(m, lod); }},
-    {"level of detail associated with an iterator", true,
-     [](Model& m, std::int64_t lod) {
-         m.FindVoxel({0, 0, 0}, lod);
-     }},
-    {"level of detail associated with an iterator", true, [](Model& m, std::int64_t lod) { ConstVoxelIterator(m, lod); }},
-    {"level of detail for voxel cuboidization", true, [](Model& m, std::int64_t lod) { CuboidizeVoxelModel(m, lod); }},
-    {"level of detail for voxel solidization", true, [](Model& m, std::int64_t lod) { SolidizeVoxelModel(m, lod); }},
-    {"level of detail for voxel tessellation", true, [](Model& m, std::int64_t lod) {
+    {"vertical level of detail for a set of axes", false, [](auto&, auto lod) { Axes(1, {}, 0, lod); }},
+    {"level of detail for a set of extents", false, [](auto& m, auto lod) { m.ExtentsRef(0).RescaledCopy(lod); }},
+    {"finest level of detail in a voxel model", false, [](auto& m, auto lod) { Model(m.ExtentsRef(0), lod); }},
+    {"level of detail for voxel model refinement", false, [](auto& m, auto lod) { Refine(m, lod); }},
+    {"level of detail for voxel model union", false, [](auto& m, auto lod) { Union({&m}, lod, false); }},
+    {"level of detail for voxel model intersect", false, [](auto& m, auto lod) { Intersect({&m}, lod, false); }},
+    {"level of detail for voxel model subtraction", false, [](auto& m, auto lod) { Subtract(m, m, lod, false); }},
+    {"level of detail for a density map", false, [](auto& m, auto lod) { DensityMap({&m}, {1}, {1}, lod); }},
+    {"level of detail for voxel model operations", true, [](auto& m, auto lod) { CountFilled(m, lod); }},
+    {"level of detail for voxel model operations", true, [](auto& m, auto lod) { IsEmpty(m, lod); }},
+    {"level of detail for voxel model operations", true, [](auto& m, auto lod) { IsFull(m, lod); }},
+    {"level of detail for voxel model operations", true, [](auto& m, auto lod) { PropagateLevel(m, lod); }},
+    {"level of detail for row data retrieval", true, [](auto& m, auto lod) { RowsAtSliceXIndex(m, 0, lod, false, false); }},
+    {"level of detail for row data retrieval", true, [](auto& m, auto lod) { RowsAtSliceYIndex(m, 0, lod, false, false); }},
+    {"level of detail for row data retrieval", true, [](auto& m, auto lod) { RowsAtSliceZIndex(m, 0, lod, false, false); }},
+    {"level of detail associated with an iterator", true, [](auto& m, auto lod) { StackIterator(m, Origin, lod); }},
+    {"level of detail associated with an iterator", true, [](auto& m, auto lod) { StackIterator(m, lod); }},
+    {"level of detail associated with an iterator", true, [](auto& m, auto lod) { m.FindVoxel(Origin, lod); }},
+    {"level of detail associated with an iterator", true, [](auto& m, auto lod) { ConstVoxelIterator(m, lod); }},
+    {"level of detail for voxel cuboidization", true, [](auto& m, auto lod) { CuboidizeVoxelModel(m, lod); }},
+    {"level of detail for voxel solidization", true, [](auto& m, auto lod) { SolidizeVoxelModel(m, lod); }},
+    {"level of detail for voxel tessellation", true, [](auto& m, auto lod) {
          std::vector<WorldTriangle> triangles;
          TessellateVoxelModel(triangles, m, lod);
      }}};

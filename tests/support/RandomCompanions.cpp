@@ -47,20 +47,12 @@ std::int64_t LevelNear(Random& random, std::int64_t lod, std::int64_t distance)
 
 Extents MakeCompanionExtents(Random& random, const Extents& first, Placement placement)
 {
-    switch (placement) {
-    case Placement::SameExtents:
-        return first;
-    case Placement::OtherLevel:
-        for (;;) {
-            const std::int64_t lod = LevelNear(random, first.VoxelLOD(), 2);
-            if (lod != first.VoxelLOD()) return Overlapping(random, first.RescaledCopy(lod));
-        }
-    case Placement::OtherExtents:
-        return Overlapping(random, first);
-    case Placement::Disjoint:
-        return Beside(random, first);
-    case Placement::Covering:
-        break;
+    if (placement == Placement::SameExtents) return first;
+    if (placement == Placement::OtherExtents) return Overlapping(random, first);
+    if (placement == Placement::Disjoint) return Beside(random, first);
+    while (placement == Placement::OtherLevel) {
+        const std::int64_t lod = LevelNear(random, first.VoxelLOD(), 2);
+        if (lod != first.VoxelLOD()) return Overlapping(random, first.RescaledCopy(lod));
     }
     const std::int64_t more = random.Between(1, 4);
     return Extents(first.AxesRef(), Minus(first.LowerIndices(), {more, more, 2}), Plus(first.UpperIndices(), {1, more, more}),

@@ -78,27 +78,12 @@ ReferenceModel RandomContent(Random& random, const Extents& extents, std::int64_
 {
     ReferenceModel model(extents, finestLOD, lod);
     const auto noise = [&](std::int64_t oneIn) { return model.Where([&](const Triple&) { return random.OneIn(oneIn); }); };
-    switch (random.Between(0, 9)) {
-    case 0:
-        return model;
-    case 1:
-        return noise(1);
-    case 2:
-        return noise(100);
-    case 3:
-        return noise(2);
-    case 4:
-    case 5:
-        AddVerticalRuns(random, model);
-        return model;
-    case 6:
-    case 7:
-        AddLayers(random, model);
-        return model;
-    default:
-        AddBoxes(random, model);
-        return model;
-    }
+    const std::int64_t kind = random.Between(0, 9);
+    if (1 <= kind && kind <= 3) return noise(std::array{1, 100, 2}[static_cast<std::size_t>(kind - 1)]);
+    if (4 <= kind && kind <= 5) AddVerticalRuns(random, model);
+    if (6 <= kind && kind <= 7) AddLayers(random, model);
+    if (8 <= kind) AddBoxes(random, model);
+    return model;
 }
 
 RandomModel MakeRandomModel(std::uint64_t seed)

@@ -308,17 +308,11 @@ inline Triple RandomPoint(Random& random, const Extents& extents)
 {
     const Triple voxel = RandomVoxel(random, extents, random.OneIn(3) ? 9 : 0);
     const std::int64_t lod = extents.VoxelLOD();
-    switch (random.Between(0, 3)) {
-    case 0:
-        return extents.AxesRef().VoxelCenter(voxel, lod);
-    case 1:
-        return extents.AxesRef().VoxelCorner(voxel, lod);
-    default: {
-        Triple point = extents.AxesRef().VoxelCorner(voxel, lod);
-        for (std::size_t i = 0; i < 3; ++i) point[i] += random.Between(0, extents.AxesRef().VoxelSize(lod)[i] - 1);
-        return point;
-    }
-    }
+    const std::int64_t kind = random.Between(0, 3);
+    if (kind == 0) return extents.AxesRef().VoxelCenter(voxel, lod);
+    Triple point = extents.AxesRef().VoxelCorner(voxel, lod);
+    for (std::size_t i = 0; i < 3 && kind > 1; ++i) point[i] += random.Between(0, extents.AxesRef().VoxelSize(lod)[i] - 1);
+    return point;
 }
 
 inline PointCase RandomPointCase(Random& random, const Extents& extents)

@@ -1,9 +1,7 @@
 // The boxes of a model against their definition, voxel by voxel.
 #include "triangles/Cuboidization.h"
 
-#include "operations/BasicOperations.h"
 #include "operations/SolidOperations.h"
-#include "support/Messages.h"
 #include "support/RandomModels.h"
 
 #include <gtest/gtest.h>

@@ -1,9 +1,7 @@
 // The rectangles of a model's surface against their definition, face by face, and the laws of closed surfaces.
 #include "triangles/Solidization.h"
 
-#include "operations/BasicOperations.h"
 #include "operations/SolidOperations.h"
-#include "support/Messages.h"
 #include "support/RandomModels.h"
 
 #include <gtest/gtest.h>

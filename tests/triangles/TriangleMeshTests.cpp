@@ -43,13 +43,6 @@ TEST(TriangleMesh, ReportsTheFirstVertexIndexThatDoesNotExist)
     EXPECT_NE(MessageOf([] { TriangleMesh({}, {{0, 0, 0}}); }).find("There are 0 vertices"), std::string::npos);
 }
 
-TEST(TriangleMesh, SharesTheVerticesOfNeighbouringTriangles)
-{
-    const TriangleMesh mesh({{Square[0], Square[1], Square[2]}, {Square[0], Square[2], Square[3]}});
-    EXPECT_EQ(mesh.VerticesRef(), Square);
-    EXPECT_EQ(mesh.IndexedTrianglesRef(), (Indices{{0, 1, 2}, {0, 2, 3}}));
-}
-
 TEST(TriangleMesh, MergesOnlyVerticesThatAreExactlyEqual)
 {
     const WorldTriangle nearlyOne{{{0.0, 1, 2}, {-0.0, 1, 2}, {std::nextafter(0.0, 1.0), 1, 2}}};

@@ -3,16 +3,13 @@
 
 #include "model/CheckInvariants.h"
 #include "operations/BasicOperations.h"
-#include "operations/SolidOperations.h"
 #include "support/Messages.h"
 #include "support/ReferenceSight.h"
 #include "visibility/Sight.h"
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <limits>
-#include <optional>
 
 namespace brix {
 namespace {
