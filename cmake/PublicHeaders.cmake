@@ -24,6 +24,7 @@ set(BRIX_INTERNAL_HEADERS
     travel/VoxelPainter.h
     triangles/BoxesOfStack.h
     triangles/ByteReader.h
+    triangles/ExtentsAround.h
     triangles/HeightSweep.h
     triangles/Lanes.h
     triangles/PackWorldTriangles.h
@@ -35,6 +36,7 @@ set(BRIX_INTERNAL_HEADERS
     triangles/TriangleConditions.h
     triangles/TrianglePieces.h
     triangles/TriangleRaster.h
+    triangles/TriangleRows.h
     visibility/AxisCarrier.h
     visibility/BoxSweep.h
     visibility/Sight.h

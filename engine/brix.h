@@ -38,6 +38,7 @@
 #include "brix/triangles/Solidization.h"
 #include "brix/triangles/Tessellation.h"
 #include "brix/triangles/Voxelization.h"
+#include "brix/triangles/Voxelize.h"
 
 #include "brix/operations/AutoSplit.h"
 #include "brix/operations/BasicOperations.h"

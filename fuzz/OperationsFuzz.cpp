@@ -11,6 +11,7 @@
 #include "triangles/Cuboidization.h"
 #include "triangles/Solidization.h"
 #include "triangles/Voxelization.h"
+#include "triangles/Voxelize.h"
 #include "visibility/Visibility.h"
 
 #include <cstdio>
@@ -47,6 +48,25 @@ private:
     std::size_t size_;
 };
 
+void RequireWellFormed(const Voxels& model)
+{
+    const std::string reason = CheckInvariants(model, model.FinestLOD());
+    if (reason.empty()) return;
+    std::fprintf(stderr, "%s\n", reason.c_str());
+    std::abort();
+}
+
+// Whole, where the triangles together are not too large for a fuzzer's memory.
+void VoxelizeWhole(const Axes& axes, const std::vector<WorldTriangle>& triangles, std::int64_t finestLOD)
+{
+    try {
+        const Extents extents = DetectTriangleExtents(axes, triangles);
+        const Triple size = Minus(extents.UpperIndices(), extents.LowerIndices());
+        if (IsWithin(size, {}, {500, 500, 2000})) RequireWellFormed(Voxelize(axes, triangles, finestLOD));
+    } catch (const std::domain_error&) { // outside the index space
+    }
+}
+
 Voxels MakeModel(Bytes& bytes)
 {
     const Axes axes(bytes.Below(2) == 0 ? 1.0 : 40000.0, {0, 0, 0}, static_cast<double>(bytes.Small()), bytes.Below(6));
@@ -54,24 +74,19 @@ Voxels MakeModel(Bytes& bytes)
     const Triple upper = Plus(lower, {bytes.Below(6), bytes.Below(6), bytes.Below(70)});
     const Extents extents(axes, lower, upper, 0);
     Voxels model(extents, bytes.Below(4));
-    TriangleModel triangles(extents);
+    std::vector<WorldTriangle> triangles;
     for (std::int64_t i = bytes.Below(8); i > 0; --i) {
         WorldTriangle triangle{};
         for (auto& corner : triangle) {
             for (double& coordinate : corner) coordinate = bytes.Below(4) == 0 ? bytes.Take<double>() : bytes.Small() * 0.25;
         }
-        triangles.AddWorldTriangle(triangle);
+        triangles.push_back(triangle);
     }
-    VoxelizeTriangleModel(model, triangles);
+    VoxelizeWhole(axes, triangles, model.FinestLOD());
+    TriangleModel filed(extents);
+    filed.AddWorldTriangles(triangles);
+    VoxelizeTriangleModel(model, filed);
     return model;
-}
-
-void RequireWellFormed(const Voxels& model)
-{
-    const std::string reason = CheckInvariants(model, model.FinestLOD());
-    if (reason.empty()) return;
-    std::fprintf(stderr, "%s\n", reason.c_str());
-    std::abort();
 }
 
 void RequireEqual(std::int64_t value, std::int64_t expected)

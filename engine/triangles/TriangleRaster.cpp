@@ -193,18 +193,86 @@ void TriangleRaster::Fill(const TriangleChunk& triangles, InstructionSet instruc
     });
 }
 
-void TriangleRaster::Fill(const PackedTriangle& triangle)
+void TriangleRaster::Fill(const PackedTriangle& triangle, InstructionSet instructionSet)
 {
-    const PackedCorners corners(triangle, origin_);
+    RunWith(instructionSet, [&] { Fill(triangle); });
+}
+
+std::size_t TriangleRaster::FillThoseInside(std::span<const PackedTriangle> triangles, PackedBounds& bounds,
+                                            InstructionSet instructionSet)
+{
+    constexpr auto mostSpan = static_cast<std::int32_t>(MaxPieceSpan);
+    std::size_t count = 0;
+    RunWith(instructionSet, [&] {
+        for (; count < triangles.size(); ++count) {
+            const PackedCorners corners(triangles[count], origin_);
+            const RasterBox box = BoxOf(corners);
+            const Quad isOther =
+                (box.lower < lowerInExtents_) | (box.upper > upperInExtents_) | (corners.upper - corners.lower > mostSpan);
+            if (IsAnyOf(isOther)) return;
+            KeepLower(bounds.lower, corners.lower + origin_);
+            KeepUpper(bounds.upper, corners.upper + origin_);
+            FillIn(corners, box);
+        }
+    });
+    return count;
+}
+
+void TriangleRaster::FillWhole(const LatticeTriangle& triangle)
+{
+    const Triple corner = store_.LowerIndices();
+    const auto voxel = [&](const Quad& inChunk) { return Plus(corner, {inChunk[0], inChunk[1], inChunk[2]}); };
+    const Triple size{size_[0], size_[1], size_[2]};
+    TriangleRows(triangle, size)
+        .ForEachRow(voxel(lowerInExtents_), voxel(upperInExtents_), [&](std::int64_t y, std::int64_t z, const VoxelRun& columns) {
+            FillRow(static_cast<std::int32_t>(y - corner[1]), static_cast<std::int32_t>(z - corner[2]),
+                    {columns.first - corner[0], columns.last - corner[0]});
+        });
+}
+
+void TriangleRaster::FillRow(std::int32_t y, std::int32_t z, const VoxelRun& columns)
+{
+    const auto last = static_cast<std::int32_t>(columns.last);
+    for (auto x = static_cast<std::int32_t>(columns.first); x <= last; x = (x | (PlateRow - 1)) + 1) {
+        const std::int32_t lastHere = std::min(last, x | (PlateRow - 1));
+        Plate& plate = PlatesOf(x, y)[z];
+        plate.rows[static_cast<std::size_t>(y & (PlateRow - 1))] |=
+            static_cast<std::uint16_t>((2U << (lastHere & (PlateRow - 1))) - (1U << (x & (PlateRow - 1))));
+    }
+}
+
+void TriangleRaster::Close()
+{
+    for (std::size_t stack = 0; stack < plates_.size() && openStacks_ > 0; ++stack) {
+        if (plates_[stack] == nullptr) continue;
+        store_.VoxelStackRef({static_cast<std::int64_t>(stack % stacksPerRow_), static_cast<std::int64_t>(stack / stacksPerRow_)})
+            .Compress();
+        plates_[stack] = nullptr;
+        --openStacks_;
+    }
+}
+
+inline RasterBox TriangleRaster::BoxOf(const PackedCorners& corners) const
+{
     RasterBox box;
     ContainingCell(corners.lower, perSize_, box.lower);
     ContainingCell(corners.upper, perSize_, box.upper);
     box.lowerFilled = box.lower;
     box.upperFilled = box.upper;
+    return box;
+}
+
+void TriangleRaster::Fill(const PackedTriangle& triangle)
+{
+    const PackedCorners corners(triangle, origin_);
+    RasterBox box = BoxOf(corners);
     KeepUpper(box.lowerFilled, lowerInExtents_);
     KeepLower(box.upperFilled, upperInExtents_);
-    if (IsAnyOf(box.lowerFilled > box.upperFilled)) return;
+    if (!IsAnyOf(box.lowerFilled > box.upperFilled)) FillIn(corners, box);
+}
 
+inline void TriangleRaster::FillIn(const PackedCorners& corners, const RasterBox& box)
+{
     const Quad isThick = (box.lower < box.upper) & Quad{1, 2, 4, 0};
     switch (isThick[0] + isThick[1] + isThick[2]) {
     case 3:
@@ -266,14 +334,23 @@ inline PlateHalves TriangleRaster::HalvesOf(std::int32_t x, std::int32_t y, bool
     return {HalfOf(x, y), reachesNext ? HalfOf(x, y + HalfPlate) : nullptr};
 }
 
-// The half of the plate at height 0 that has voxel (x, y).
-inline std::byte* TriangleRaster::HalfOf(std::int32_t x, std::int32_t y)
+// The plates of the stack that has voxel (x, y).
+inline Plate* TriangleRaster::PlatesOf(std::int32_t x, std::int32_t y)
 {
     const std::uint32_t i = static_cast<std::uint32_t>(x) / PlateRow;
     const std::uint32_t j = static_cast<std::uint32_t>(y) / PlateRow;
     Plate*& plates = plates_[j * stacksPerRow_ + i];
-    if (plates == nullptr) plates = WritablePlates(store_.VoxelStackRef({i, j}));
-    return reinterpret_cast<std::byte*>(&plates->rows[static_cast<std::size_t>(y & HalfPlate)]);
+    if (plates == nullptr) {
+        plates = WritablePlates(store_.VoxelStackRef({i, j}));
+        ++openStacks_;
+    }
+    return plates;
+}
+
+// The half of the plate at height 0 that has voxel (x, y).
+inline std::byte* TriangleRaster::HalfOf(std::int32_t x, std::int32_t y)
+{
+    return reinterpret_cast<std::byte*>(&PlatesOf(x, y)->rows[static_cast<std::size_t>(y & HalfPlate)]);
 }
 
 } // namespace brix

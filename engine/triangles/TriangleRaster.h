@@ -21,7 +21,9 @@
 #include "../model/InstructionSet.h"
 #include "../model/VoxelStore.h"
 #include "TriangleConditions.h"
+#include "TriangleRows.h"
 
+#include <span>
 #include <vector>
 
 namespace brix {
@@ -31,6 +33,13 @@ struct RasterBox
 {
     Quad lower, upper;
     Quad lowerFilled, upperFilled;
+};
+
+/// The least and the greatest coordinates of some corners.
+struct PackedBounds
+{
+    Quad lower = Quad{} + MaxPackedCoordinate;
+    Quad upper = Quad{} - MaxPackedCoordinate;
 };
 
 /// Where eight rows of a stack are: the halves of the plate at height 0 that they begin and end in. Null where nothing is.
@@ -55,15 +64,31 @@ public:
 
     /// Fills the voxels of the store's chunk inside the extents that the triangles touch.
     void Fill(const TriangleChunk& triangles, InstructionSet instructionSet);
+    void Fill(const PackedTriangle& triangle, InstructionSet instructionSet);
+
+    /// Fills what the triangles touch, one after the other, up to the first that may touch a voxel outside of chunk or extents or
+    /// spans more than MaxPieceSpan. Returns how many that are, and widens `bounds` by their corners.
+    std::size_t FillThoseInside(std::span<const PackedTriangle> triangles, PackedBounds& bounds, InstructionSet instructionSet);
+
+    /// The same for a triangle of any size, which is not cut. Its corners lie within +-MaxPackedCoordinate.
+    void FillWhole(const LatticeTriangle& triangle);
+
+    /// The number of stacks that were written to, which Close compresses.
+    std::size_t OpenStacks() const { return openStacks_; }
+    void Close();
 
 private:
+    RasterBox BoxOf(const PackedCorners& corners) const;
     void Fill(const PackedTriangle& triangle);
+    void FillIn(const PackedCorners& corners, const RasterBox& box);
+    void FillRow(std::int32_t y, std::int32_t z, const VoxelRun& columns);
     void FillLarge(const LatticeTriangle& triangle);
     void FillAll(const RasterBox& box);
     template <ThickAlong thick> void FillTouched(const PackedCorners& corners, const RasterBox& box);
 
     template <class Visit> void ForEachTile(const RasterBox& box, const Visit& visit);
     PlateHalves HalvesOf(std::int32_t x, std::int32_t y, bool reachesNext);
+    VoxelPlate<bool>* PlatesOf(std::int32_t x, std::int32_t y);
     std::byte* HalfOf(std::int32_t x, std::int32_t y);
 
     VoxelStore<bool>& store_;
@@ -76,6 +101,7 @@ private:
     Quad upperInExtents_;
     std::uint32_t stacksPerRow_;
     std::vector<VoxelPlate<bool>*> plates_; // by stack: the plates of its heights, once it was written to
+    std::size_t openStacks_ = 0;
 };
 
 } // namespace brix

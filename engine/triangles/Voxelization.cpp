@@ -2,6 +2,7 @@
 
 #include "../frame/Require.h"
 #include "../model/PropagateChunk.h"
+#include "ExtentsAround.h"
 #include "PackWorldTriangles.h"
 #include "TriangleRaster.h"
 
@@ -63,8 +64,7 @@ Extents DetectTriangleExtents(const Axes& axes, const WorldTriangle* triangles, 
     const InstructionSet instructionSet = FastestInstructionSet();
     ForEachPackedBatch(axes, {triangles, count}, instructionSet,
                        [&](const PackedBatch& batch) { EncloseBatch(axes, batch, lower, upper, instructionSet); });
-    // The lower face of a voxel belongs to two voxels along x and y, but not along z.
-    return Extents(axes, axes.ContainingVoxel(Minus(lower, {1, 1, 0}), 0), axes.ContainingVoxel(upper, 0), 0);
+    return ExtentsAround(axes, lower, upper);
 }
 
 void VoxelizeTriangleModel(VoxelModel<bool>& model, const TriangleModel& triangles)

