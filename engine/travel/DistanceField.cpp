@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 namespace brix {
 namespace {
@@ -47,28 +48,26 @@ DistanceField::DistanceField(const PathModel& pathModel, const std::vector<std::
 {
     const std::vector<Index> grounds = Grounds(graph_, sources, pathModel.AgentHeightOffset());
     RequireNotNegative("The maximum distance used to construct a distance field", maxDistance);
-    DistanceSearch search(graph_);
-    search.Run(grounds, static_cast<double>(maxDistance));
-    TakeLabels(search.Labels(), maxDistance);
+    TravelLabels labels = DistanceSearch(graph_).Run(grounds, static_cast<double>(maxDistance));
+    distances_ = std::move(labels.distances);
+    bends_ = std::move(labels.bends);
     farthest_ = *std::min_element(grounds.begin(), grounds.end());
-    std::int64_t farthest = Rounded(farthest_);
-    for (Index voxel = 0; voxel < graph_.Size(); ++voxel) {
-        if (!IsReached(voxel) || Rounded(voxel) <= farthest) continue;
-        farthest_ = voxel;
-        farthest = Rounded(voxel);
-    }
+    CutAt(maxDistance);
 }
 
 // A limit cuts distances as they are told.
-void DistanceField::TakeLabels(const std::vector<TravelLabel>& labels, std::int64_t maxDistance)
+void DistanceField::CutAt(std::int64_t maxDistance)
 {
-    distances_.reserve(labels.size());
-    bends_.reserve(labels.size());
-    for (const TravelLabel& label : labels) {
-        const bool isReached = label.bend != TraversableGraph::None;
-        distances_.push_back(isReached ? label.distance : 0);
-        bends_.push_back(isReached && Rounded(static_cast<Index>(bends_.size())) <= maxDistance ? label.bend
-                                                                                                : TraversableGraph::None);
+    std::int64_t farthest = Rounded(farthest_);
+    for (Index voxel = 0; voxel < graph_.Size(); ++voxel) {
+        if (!IsReached(voxel)) continue;
+        const std::int64_t distance = Rounded(voxel);
+        if (distance > maxDistance) {
+            bends_[voxel] = TraversableGraph::None;
+        } else if (distance > farthest) {
+            farthest_ = voxel;
+            farthest = distance;
+        }
     }
 }
 

@@ -16,8 +16,6 @@
 
 namespace brix {
 
-struct TravelLabel;
-
 /// Immutable once made. Needs the path model only while it is made.
 class DistanceField
 {
@@ -88,7 +86,7 @@ private:
 
     bool IsReached(Index voxel) const { return bends_[voxel] != TraversableGraph::None; }
     std::int64_t Rounded(Index voxel) const { return static_cast<std::int64_t>(distances_[voxel] + 0.5); }
-    void TakeLabels(const std::vector<TravelLabel>& labels, std::int64_t maxDistance);
+    void CutAt(std::int64_t maxDistance);
     Index FindReached(const Triple& point) const; // None where nothing is reached
 
     TraversableGraph graph_;

@@ -2,7 +2,7 @@
 
 #include <bit>
 #include <cmath>
-#include <limits>
+#include <utility>
 
 namespace brix {
 namespace {
@@ -24,17 +24,17 @@ DistanceSearch::DistanceSearch(const TraversableGraph& graph)
       bucketWidth_(std::sqrt(squareWidth_) / 2),
       bucketsPerUnit_(1 / bucketWidth_),
       margin_(2 * std::sqrt(2 * squareWidth_ + squareHeight_)),
-      labels_(graph.Size(), TravelLabel{std::numeric_limits<double>::infinity(), TraversableGraph::None, {}}),
+      labels_(graph.Size()),
       sightLines_(graph, labels_),
       isExpanded_(graph.Size(), 0),
       buckets_(std::bit_ceil(static_cast<std::size_t>(margin_ / 2 / bucketWidth_) + 3))
 {}
 
 // After the margin above the limit nothing within it changes any more: Settle() sees to that.
-void DistanceSearch::Run(const std::vector<Index>& sources, double maxDistance)
+TravelLabels DistanceSearch::Run(const std::vector<Index>& sources, double maxDistance)
 {
     for (const Index source : sources) {
-        labels_[source] = {0, source, {}};
+        SetLabel(source, 0, source, {});
         Wait(source);
     }
     std::size_t emptyInARow = 0;
@@ -47,15 +47,23 @@ void DistanceSearch::Run(const std::vector<Index>& sources, double maxDistance)
         }
         bucket.clear();
     }
+    return std::move(labels_);
+}
+
+void DistanceSearch::SetLabel(Index voxel, double distance, Index bend, const Sight& sight)
+{
+    labels_.distances[voxel] = distance;
+    labels_.bends[voxel] = bend;
+    labels_.SetSight(voxel, sight);
 }
 
 void DistanceSearch::Expand(Index voxel)
 {
     Straighten(voxel);
     isExpanded_[voxel] = 1;
-    const Index bend = labels_[voxel].bend;
+    const Index bend = labels_.bends[voxel];
     graph_.ForEachStep(voxel, [&](Index to) {
-        if (labels_[to].bend != bend) Offer(voxel, to);
+        if (labels_.bends[to] != bend) Offer(voxel, to, bend);
     });
 }
 
@@ -63,39 +71,38 @@ void DistanceSearch::Expand(Index voxel)
 // the best bend when the straight way from it passes between them.
 void DistanceSearch::Straighten(Index voxel)
 {
-    const Index bend = labels_[voxel].bend;
+    const Index bend = labels_.bends[voxel];
     if (IsSource(bend)) return;
     if (std::max(std::abs(graph_.X(voxel) - graph_.X(bend)), std::abs(graph_.Y(voxel) - graph_.Y(bend))) <= Nearby)
         graph_.ForEachStep(bend, [&](Index other) { TryBend(other, voxel); });
-    if (labels_[voxel].sight.isLevel && labels_[bend].sight.isLevel) return;
-    TryBend(labels_[bend].bend, voxel);
+    if (labels_.IsLevel(voxel) && labels_.IsLevel(bend)) return;
+    TryBend(labels_.bends[bend], voxel);
     graph_.ForEachStep(voxel, [&](Index other) {
-        const Index b = labels_[other].bend;
+        const Index b = labels_.bends[other];
         if (b == TraversableGraph::None) return;
         TryBend(b, voxel);
-        TryBend(labels_[b].bend, voxel);
+        TryBend(labels_.bends[b], voxel);
     });
 }
 
 void DistanceSearch::TryBend(Index bend, Index voxel)
 {
-    if (labels_[bend].bend == TraversableGraph::None || bend == voxel || bend == labels_[voxel].bend) return;
-    const double distance = labels_[bend].distance + Length(bend, voxel);
-    if (!(distance < labels_[voxel].distance * LeastGain)) return;
+    if (!IsReached(bend) || bend == voxel || bend == labels_.bends[voxel]) return;
+    const double distance = labels_.distances[bend] + Length(bend, voxel);
+    if (!(distance < labels_.distances[voxel] * LeastGain)) return;
     Sight sight;
     if (sightLines_.Sees(bend, voxel, sight)) Settle(voxel, distance, bend, sight);
 }
 
 // The way by the neighbour's bend is never longer than the one by the neighbour.
-void DistanceSearch::Offer(Index from, Index to)
+void DistanceSearch::Offer(Index from, Index to, Index bend)
 {
-    const Index bend = labels_[from].bend;
-    const double straight = labels_[bend].distance + Length(bend, to);
-    const double atMost = labels_[to].distance * LeastGain;
+    const double straight = labels_.distances[bend] + Length(bend, to);
+    const double atMost = labels_.distances[to] * LeastGain;
     if (!(straight < atMost)) return;
     Sight sight;
     if (sightLines_.Sees(bend, to, sight) && Settle(to, straight, bend, sight)) return;
-    const double bent = labels_[from].distance + Length(from, to);
+    const double bent = labels_.distances[from] + Length(from, to);
     if (!(bent < atMost)) return;
     sightLines_.Sees(from, to, sight); // beside each other
     Settle(to, bent, from, sight);
@@ -105,9 +112,9 @@ void DistanceSearch::Offer(Index from, Index to)
 bool DistanceSearch::Settle(Index voxel, double distance, Index bend, const Sight& sight)
 {
     if (distance < Front() - margin_) return false;
-    const bool isNew = labels_[voxel].bend == TraversableGraph::None;
+    const bool isNew = !IsReached(voxel);
     if (!isNew) Release(voxel);
-    labels_[voxel] = {distance, bend, sight};
+    SetLabel(voxel, distance, bend, sight);
     Adopt(bend, voxel);
     Wait(voxel);
     if (!isNew) ShortenChildren(voxel);
@@ -123,7 +130,7 @@ void DistanceSearch::ShortenChildren(Index voxel)
         const Index bend = waiting.back();
         waiting.pop_back();
         for (Index child = families_[bend].first; child != TraversableGraph::None; child = families_[child].next) {
-            labels_[child].distance = labels_[bend].distance + Length(bend, child);
+            labels_.distances[child] = labels_.distances[bend] + Length(bend, child);
             Wait(child);
             waiting.push_back(child);
         }
@@ -156,7 +163,7 @@ void DistanceSearch::Release(Index child)
 void DistanceSearch::Wait(Index voxel)
 {
     isExpanded_[voxel] = 0;
-    BucketAt(std::max(current_, static_cast<std::int64_t>(labels_[voxel].distance * bucketsPerUnit_))).push_back(voxel);
+    BucketAt(std::max(current_, static_cast<std::int64_t>(labels_.distances[voxel] * bucketsPerUnit_))).push_back(voxel);
 }
 
 double DistanceSearch::Length(Index a, Index b) const

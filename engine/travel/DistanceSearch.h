@@ -17,11 +17,9 @@ public:
 
     explicit DistanceSearch(const TraversableGraph& graph);
 
-    /// To be called once. What is within `maxDistance` of the sources, as rounded numbers tell it, has its final label in
-    /// Labels(); others have any. Source voxels have themselves as bends.
-    void Run(const std::vector<Index>& sources, double maxDistance);
-
-    const std::vector<TravelLabel>& Labels() const { return labels_; }
+    /// To be called once. What is within `maxDistance` of the sources, as rounded numbers tell it, has its final label; others
+    /// have any. Source voxels have themselves as bends.
+    TravelLabels Run(const std::vector<Index>& sources, double maxDistance);
 
 private:
     // The voxels whose ways bend last at the same voxel, as a list; sources, which never improve, have none.
@@ -35,13 +33,15 @@ private:
     void Expand(Index voxel);
     void Straighten(Index voxel);
     void TryBend(Index bend, Index voxel);
-    void Offer(Index from, Index to);
+    void Offer(Index from, Index to, Index bend);
     bool Settle(Index voxel, double distance, Index bend, const Sight& sight);
     void ShortenChildren(Index voxel);
     void Adopt(Index bend, Index child);
     void Release(Index child);
     void Wait(Index voxel);
-    bool IsSource(Index voxel) const { return labels_[voxel].bend == voxel; }
+    void SetLabel(Index voxel, double distance, Index bend, const Sight& sight);
+    bool IsReached(Index voxel) const { return labels_.bends[voxel] != TraversableGraph::None; }
+    bool IsSource(Index voxel) const { return labels_.bends[voxel] == voxel; }
     std::vector<Index>& BucketAt(std::int64_t number)
     {
         return buckets_[static_cast<std::size_t>(number) & (buckets_.size() - 1)];
@@ -54,7 +54,7 @@ private:
     double bucketWidth_;
     double bucketsPerUnit_;
     double margin_;
-    std::vector<TravelLabel> labels_;
+    TravelLabels labels_;
     SightLines sightLines_;
     std::vector<Family> families_; // none as long as all ways bend at sources
     std::vector<std::uint8_t> isExpanded_;

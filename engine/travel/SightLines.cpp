@@ -1,5 +1,7 @@
 #include "SightLines.h"
 
+#include <limits>
+
 namespace brix {
 namespace {
 
@@ -67,6 +69,8 @@ Sight LevelSight()
     return sight;
 }
 
+bool HasLimits(const Sight& sight) { return IsDirection(sight.limits[Left]) || IsDirection(sight.limits[Right]); }
+
 SightSide OtherSide(SightSide side) { return side == Left ? Right : Left; }
 
 void Tighten(Sight& sight, SightSide side, const SightDirection& limit, bool isKnown)
@@ -89,9 +93,34 @@ SightDirection Corner(const SightDirection& centre, SightSide side)
 
 } // namespace
 
+TravelLabels::TravelLabels(Index voxels)
+    : distances(voxels, std::numeric_limits<double>::infinity()),
+      bends(voxels, TraversableGraph::None),
+      sights_(voxels, Uneven),
+      known_{Sight{}, LevelSight()}
+{}
+
+void TravelLabels::SetSight(Index voxel, const Sight& sight)
+{
+    Index& number = sights_[voxel];
+    if (!sight.isLevel || !HasLimits(sight)) {
+        if (number > Unlimited) unused_.push_back(number);
+        number = sight.isLevel ? Unlimited : Uneven;
+        return;
+    }
+    if (number <= Unlimited && unused_.empty()) {
+        number = static_cast<Index>(known_.size());
+        known_.emplace_back();
+    } else if (number <= Unlimited) {
+        number = unused_.back();
+        unused_.pop_back();
+    }
+    known_[number] = sight;
+}
+
 inline bool SightLines::IsInLevelSight(Index bend, Index voxel) const
 {
-    return labels_[voxel].bend == bend && labels_[voxel].sight.isLevel;
+    return labels_.bends[voxel] == bend && labels_.IsLevel(voxel);
 }
 
 inline SightDirection SightLines::DirectionOf(Index bend, Index voxel) const
@@ -113,7 +142,7 @@ inline void SightLines::TakeLimits(Sight& sight, const Pair& pair, Index bend) c
     for (const SightSide side : {Left, Right}) {
         const bool seesSide = side == Left ? pair.seesLeft : pair.seesRight;
         const Index beside = side == Left ? pair.left : pair.right;
-        const Sight& seen = labels_[seesSide ? beside : (side == Left ? pair.right : pair.left)].sight;
+        const Sight& seen = labels_.SightOf(seesSide ? beside : (side == Left ? pair.right : pair.left));
         if (IsDirection(seen.limits[side])) Tighten(sight, side, seen.limits[side], seen.isKnown[side]);
         if (!seesSide && beside != TraversableGraph::None) Tighten(sight, side, DirectionOf(bend, beside), false);
     }
@@ -222,7 +251,7 @@ SightLines::View SightLines::ViewBetween(const SightDirection& line, const Pair&
 // What a voxel in sight knows of a line that passes it on a side, within a voxel.
 SightLines::View SightLines::ViewBeside(const SightDirection& line, Index seen, SightSide side) const
 {
-    const Sight& sight = labels_[seen].sight;
+    const Sight& sight = labels_.SightOf(seen);
     if (!IsBeyond(line, side, sight.limits[side])) return View::Clear;
     return sight.isKnown[side] ? View::Hidden : View::Unknown;
 }
@@ -272,7 +301,7 @@ SightLines::Shadow SightLines::ShadowBehind(Index bend, const Pair& pair, const 
 {
     const Index seen = pair.seesLeft ? pair.left : pair.right;
     const Index hidden = pair.seesLeft ? pair.right : pair.left;
-    const SightDirection& limit = labels_[seen].sight.limits[pair.seesLeft ? Right : Left];
+    const SightDirection& limit = labels_.SightOf(seen).limits[pair.seesLeft ? Right : Left];
     const SightDirection end = hidden == TraversableGraph::None ? line : DirectionOf(bend, hidden);
     const SightDirection at = DirectionOf(bend, seen);
     const bool isMainlyX = IsMainlyX(line);

@@ -38,12 +38,29 @@ struct Sight
     bool isLevel = false; // all voxels that the line crosses are of the same height
 };
 
-/// What the search knows of a voxel. 32 bytes, so that two share a line of the cache.
-struct TravelLabel
+/// What the search knows of the voxels. Most of those in level sight have no limits, and need no room for them.
+class TravelLabels
 {
-    double distance; // in base units; infinite where nothing is known
-    TraversableGraph::Index bend = TraversableGraph::None;
-    Sight sight;
+public:
+    using Index = TraversableGraph::Index;
+
+    explicit TravelLabels(Index voxels);
+
+    void SetSight(Index voxel, const Sight& sight);
+    bool IsLevel(Index voxel) const { return sights_[voxel] != Uneven; }
+    bool IsLevelWithoutLimits(Index voxel) const { return sights_[voxel] == Unlimited; }
+    const Sight& SightOf(Index voxel) const { return known_[sights_[voxel]]; }
+
+    std::vector<double> distances; // in base units; infinite where nothing is known
+    std::vector<Index> bends;      // None where nothing is known
+
+private:
+    static constexpr Index Uneven = 0;
+    static constexpr Index Unlimited = 1;
+
+    std::vector<Index> sights_; // numbers in known_
+    std::vector<Sight> known_;
+    std::vector<Index> unused_; // numbers
 };
 
 class SightLines
@@ -52,7 +69,7 @@ public:
     using Index = TraversableGraph::Index;
 
     /// Both must outlive it. Labels change meanwhile: what they tell of sight must be true whenever a question is asked.
-    SightLines(const TraversableGraph& graph, const std::vector<TravelLabel>& labels)
+    SightLines(const TraversableGraph& graph, const TravelLabels& labels)
         : graph_(graph), labels_(labels), shadows_(ShadowCount)
     {}
 
@@ -109,7 +126,7 @@ private:
     void LimitBeside(Sight& sight, SightSide side, Index voxel, Index bend, TraversableGraph::Direction beside) const;
 
     const TraversableGraph& graph_;
-    const std::vector<TravelLabel>& labels_;
+    const TravelLabels& labels_;
     std::vector<Shadow> shadows_;
 };
 
