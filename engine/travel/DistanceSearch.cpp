@@ -10,9 +10,6 @@ namespace {
 // Bends up to so many voxels away are moved. Ways that are too long begin there.
 constexpr std::int64_t Nearby = 3;
 
-// What differs by rounding alone is not shorter.
-constexpr double LeastGain = 1 - 1e-12;
-
 double Square(std::int64_t number) { return static_cast<double>(number) * static_cast<double>(number); }
 
 } // namespace
@@ -89,7 +86,7 @@ void DistanceSearch::TryBend(Index bend, Index voxel)
 {
     if (!IsReached(bend) || bend == voxel || bend == labels_.bends[voxel]) return;
     const double distance = labels_.distances[bend] + Length(bend, voxel);
-    if (!(distance < labels_.distances[voxel] * LeastGain)) return;
+    if (!IsShorter(distance, voxel)) return;
     Sight sight;
     if (sightLines_.Sees(bend, voxel, sight)) Settle(voxel, distance, bend, sight);
 }
@@ -98,14 +95,13 @@ void DistanceSearch::TryBend(Index bend, Index voxel)
 void DistanceSearch::Offer(Index from, Index to, Index bend)
 {
     const double straight = labels_.distances[bend] + Length(bend, to);
-    const double atMost = labels_.distances[to] * LeastGain;
-    if (!(straight < atMost)) return;
-    Sight sight;
-    if (sightLines_.Sees(bend, to, sight) && Settle(to, straight, bend, sight)) return;
+    if (!IsShorter(straight, to)) return;
+    Sight sight = LevelSight();
+    const bool isPlain = labels_.IsLevelWithoutLimits(from) && sightLines_.SeesOverPlain(bend, to);
+    if ((isPlain || sightLines_.Sees(bend, to, sight)) && Settle(to, straight, bend, sight)) return;
     const double bent = labels_.distances[from] + Length(from, to);
-    if (!(bent < atMost)) return;
-    sightLines_.Sees(from, to, sight); // beside each other
-    Settle(to, bent, from, sight);
+    if (!IsShorter(bent, to)) return;
+    Settle(to, bent, from, sightLines_.SightOfStep(from, to));
 }
 
 // Returns whether the voxel has the distance now.
@@ -115,7 +111,7 @@ bool DistanceSearch::Settle(Index voxel, double distance, Index bend, const Sigh
     const bool isNew = !IsReached(voxel);
     if (!isNew) Release(voxel);
     SetLabel(voxel, distance, bend, sight);
-    Adopt(bend, voxel);
+    if (!IsSource(bend)) Adopt(bend, voxel);
     Wait(voxel);
     if (!isNew) ShortenChildren(voxel);
     return true;
@@ -139,7 +135,6 @@ void DistanceSearch::ShortenChildren(Index voxel)
 
 void DistanceSearch::Adopt(Index bend, Index child)
 {
-    if (IsSource(bend)) return;
     if (families_.empty()) families_.resize(graph_.Size()); // open floor does without
     const Index next = families_[bend].first;
     families_[child].next = next;
@@ -157,21 +152,6 @@ void DistanceSearch::Release(Index child)
     (isFirst ? families_[previous].first : families_[previous].next) = next;
     if (next != TraversableGraph::None) families_[next].previous = previous;
     families_[child] = {first, TraversableGraph::None, TraversableGraph::None};
-}
-
-// Rounding, or an improvement after the voxel's turn, may place a distance before the bucket at work.
-void DistanceSearch::Wait(Index voxel)
-{
-    isExpanded_[voxel] = 0;
-    BucketAt(std::max(current_, static_cast<std::int64_t>(labels_.distances[voxel] * bucketsPerUnit_))).push_back(voxel);
-}
-
-double DistanceSearch::Length(Index a, Index b) const
-{
-    const double x = graph_.X(a) - graph_.X(b);
-    const double y = graph_.Y(a) - graph_.Y(b);
-    const double z = graph_.Z(a) - graph_.Z(b);
-    return std::sqrt((x * x + y * y) * squareWidth_ + z * z * squareHeight_);
 }
 
 } // namespace brix

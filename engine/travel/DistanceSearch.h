@@ -8,6 +8,8 @@
 
 #include "SightLines.h"
 
+#include <cmath>
+
 namespace brix {
 
 class DistanceSearch
@@ -38,7 +40,14 @@ private:
     void ShortenChildren(Index voxel);
     void Adopt(Index bend, Index child);
     void Release(Index child);
-    void Wait(Index voxel);
+
+    // Rounding, or an improvement after the voxel's turn, may place a distance before the bucket at work.
+    void Wait(Index voxel)
+    {
+        isExpanded_[voxel] = 0;
+        BucketAt(std::max(current_, static_cast<std::int64_t>(labels_.distances[voxel] * bucketsPerUnit_))).push_back(voxel);
+    }
+
     void SetLabel(Index voxel, double distance, Index bend, const Sight& sight);
     bool IsReached(Index voxel) const { return labels_.bends[voxel] != TraversableGraph::None; }
     bool IsSource(Index voxel) const { return labels_.bends[voxel] == voxel; }
@@ -47,7 +56,17 @@ private:
         return buckets_[static_cast<std::size_t>(number) & (buckets_.size() - 1)];
     }
     double Front() const { return static_cast<double>(current_) * bucketWidth_; }
-    double Length(Index a, Index b) const;
+
+    // What differs by rounding alone is not shorter.
+    bool IsShorter(double distance, Index voxel) const { return distance < labels_.distances[voxel] * (1 - 1e-12); }
+
+    double Length(Index a, Index b) const
+    {
+        const double x = graph_.X(a) - graph_.X(b);
+        const double y = graph_.Y(a) - graph_.Y(b);
+        const double z = graph_.Z(a) - graph_.Z(b);
+        return std::sqrt((x * x + y * y) * squareWidth_ + z * z * squareHeight_);
+    }
 
     const TraversableGraph& graph_;
     double squareWidth_, squareHeight_; // of a voxel

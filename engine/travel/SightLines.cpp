@@ -12,8 +12,6 @@ bool IsBeyond(const SightDirection& a, SightSide side, const SightDirection& b)
     return side == Left ? cross > 0 : cross < 0;
 }
 
-bool IsDirection(const SightDirection& direction) { return direction.x != 0 || direction.y != 0; }
-
 using Step = TraversableGraph::Direction;
 
 // What depends only on the eighth of the circle in which a line from a bend runs, or on its diagonal.
@@ -62,15 +60,6 @@ SightDirection Next(const SightDirection& direction, Step step)
 
 bool IsMainlyX(const SightDirection& line) { return std::abs(line.x) >= std::abs(line.y); }
 
-Sight LevelSight()
-{
-    Sight sight;
-    sight.isLevel = true;
-    return sight;
-}
-
-bool HasLimits(const Sight& sight) { return IsDirection(sight.limits[Left]) || IsDirection(sight.limits[Right]); }
-
 SightSide OtherSide(SightSide side) { return side == Left ? Right : Left; }
 
 void Tighten(Sight& sight, SightSide side, const SightDirection& limit, bool isKnown)
@@ -100,11 +89,10 @@ TravelLabels::TravelLabels(Index voxels)
       known_{Sight{}, LevelSight()}
 {}
 
-void TravelLabels::SetSight(Index voxel, const Sight& sight)
+void TravelLabels::SetLimitedSight(Index& number, const Sight& sight)
 {
-    Index& number = sights_[voxel];
     if (!sight.isLevel || !HasLimits(sight)) {
-        if (number > Unlimited) unused_.push_back(number);
+        unused_.push_back(number);
         number = sight.isLevel ? Unlimited : Uneven;
         return;
     }
@@ -139,6 +127,8 @@ inline void SightLines::LimitBeside(Sight& sight, SightSide side, Index voxel, I
 // What limits sight on a side behind two voxels, at least one of them in sight.
 inline void SightLines::TakeLimits(Sight& sight, const Pair& pair, Index bend) const
 {
+    if (pair.seesLeft && pair.seesRight && labels_.IsLevelWithoutLimits(pair.left) && labels_.IsLevelWithoutLimits(pair.right))
+        return;
     for (const SightSide side : {Left, Right}) {
         const bool seesSide = side == Left ? pair.seesLeft : pair.seesRight;
         const Index beside = side == Left ? pair.left : pair.right;
@@ -151,13 +141,25 @@ inline void SightLines::TakeLimits(Sight& sight, const Pair& pair, Index bend) c
 // A limit counts as far as the next voxels to both sides.
 inline void SightLines::LimitBesides(Sight& sight, Index voxel, Index bend, const SightDirection& line) const
 {
+    const bool isOnPlain = graph_.IsOnPlain(voxel);
+    if (isOnPlain && !HasLimits(sight)) return;
     const std::array<Step, 2> besides = OctantOf(line).besides;
     for (const SightSide side : {Left, Right}) {
-        LimitBeside(sight, side, voxel, bend, besides[side]);
+        if (!isOnPlain) LimitBeside(sight, side, voxel, bend, besides[side]);
         if (!IsDirection(sight.limits[side]) || IsBeyond(Next(line, besides[side]), side, sight.limits[side])) continue;
         sight.limits[side] = {};
         sight.isKnown[side] = true;
     }
+}
+
+// The same where all voxels around are known to be there, also of a diagonal.
+inline SightLines::Pair SightLines::PairOnPlain(Index bend, Index voxel, const SightDirection& line) const
+{
+    const Octant& octant = OctantOf(line);
+    const auto [one, other] = ColumnBeforeOnPlain(voxel, line.x, line.y);
+    const bool seesOne = IsInLevelSight(bend, one);
+    const bool seesOther = IsInLevelSight(bend, other);
+    return octant.isNearerLeft ? Pair{one, other, seesOne, seesOther} : Pair{other, one, seesOther, seesOne};
 }
 
 // The two voxels that the line passes between in the column before, or the one that it passes through: nobody where it runs along
@@ -165,6 +167,7 @@ inline void SightLines::LimitBesides(Sight& sight, Index voxel, Index bend, cons
 inline SightLines::Pair SightLines::PairBefore(Index bend, Index voxel, const SightDirection& line) const
 {
     constexpr Pair nobody{TraversableGraph::None, TraversableGraph::None, false, false};
+    if (graph_.IsOnPlain(voxel)) return PairOnPlain(bend, voxel, line);
     const Octant& octant = OctantOf(line);
     const std::int32_t z = graph_.Z(voxel);
     const Index one = graph_.Beside(voxel, octant.along, z);
@@ -175,6 +178,22 @@ inline SightLines::Pair SightLines::PairBefore(Index bend, Index voxel, const Si
     if (other != TraversableGraph::None && graph_.Z(other) != z) other = TraversableGraph::None;
     const bool seesOther = other != TraversableGraph::None && IsInLevelSight(bend, other);
     return octant.isNearerLeft ? Pair{one, other, seesOne, seesOther} : Pair{other, one, seesOther, seesOne};
+}
+
+// What a voxel in sight knows of a line that passes it on a side, within a voxel.
+inline SightLines::View SightLines::ViewBeside(const SightDirection& line, Index seen, SightSide side) const
+{
+    const Sight& sight = labels_.SightOf(seen);
+    if (!IsBeyond(line, side, sight.limits[side])) return View::Clear;
+    return sight.isKnown[side] ? View::Hidden : View::Unknown;
+}
+
+// What a pair of voxels knows of the line between them.
+inline SightLines::View SightLines::ViewBetween(const SightDirection& line, const Pair& pair) const
+{
+    if (pair.seesLeft && pair.seesRight) return View::Clear;
+    if (!pair.seesLeft && !pair.seesRight) return View::Unknown;
+    return ViewBeside(line, pair.seesLeft ? pair.left : pair.right, pair.seesLeft ? Right : Left);
 }
 
 bool SightLines::Sees(Index bend, Index voxel, Sight& sight)
@@ -199,6 +218,14 @@ bool SightLines::Sees(Index bend, Index voxel, Sight& sight)
     return walk.Length() <= UnevenReach && IsStraightPiece(graph_, voxel, bend);
 }
 
+Sight SightLines::SightOfStep(Index bend, Index voxel)
+{
+    if (!IsAtHeight(bend, voxel)) return {};
+    Sight sight = LevelSight();
+    LimitBesides(sight, voxel, bend, DirectionOf(bend, voxel));
+    return sight;
+}
+
 // Walks from the voxel towards the bend until it is known whether the rest of the line is free.
 SightLines::View SightLines::LevelView(Index bend, Index voxel, Sight& sight)
 {
@@ -208,17 +235,27 @@ SightLines::View SightLines::LevelView(Index bend, Index voxel, Sight& sight)
     sight = LevelSight();
     const std::array<Step, 2> besides = OctantOf(line).besides;
     std::int64_t steps = 0;
+    bool isOnPlain = graph_.IsOnPlain(voxel);
+    const auto isEitherKnown = [&](Index here, Index other) {
+        return steps == 0 || IsInLevelSight(bend, here) || IsInLevelSight(bend, other);
+    };
     for (;;) {
         const Index last = walk.Here();
-        if (!walk.Advance()) {
+        if (isOnPlain) {
+            walk.AdvanceOverPlain(isEitherKnown);
+        } else if (!walk.Advance()) {
             if (!walk.IsAtCorner()) CastShadow(bend, voxel, ShadowOf(Next(DirectionOf(bend, last), walk.Heading()), line));
             return View::Hidden;
         }
-        if (!IsAtHeight(walk.Here(), bend)) return View::Unknown;
+        const Index here = walk.Here();
+        if (!isOnPlain && !IsAtHeight(here, bend)) return View::Unknown;
         if (walk.IsInLastColumn()) break;
+        isOnPlain = graph_.IsOnPlain(here);
         if (walk.Steps() != steps) { // not a step across the main axis
             steps = walk.Steps();
-            const Pair pair = PairAt(walk, bend, line);
+            Index other = walk.OtherSide();
+            if (!isOnPlain && other != TraversableGraph::None && !IsAtHeight(other, bend)) other = TraversableGraph::None;
+            const Pair pair = PairAt(bend, line, here, other);
             const View view = ViewBetween(line, pair);
             if (view == View::Hidden) {
                 CastShadow(bend, voxel, ShadowBehind(bend, pair, line));
@@ -234,26 +271,11 @@ SightLines::View SightLines::LevelView(Index bend, Index voxel, Sight& sight)
                 if (known == View::Clear) break;
             }
         }
-        for (const SightSide side : {Left, Right}) LimitBeside(sight, side, walk.Here(), bend, besides[side]);
+        if (isOnPlain) continue;
+        for (const SightSide side : {Left, Right}) LimitBeside(sight, side, here, bend, besides[side]);
     }
     LimitBesides(sight, voxel, bend, line);
     return View::Clear;
-}
-
-// What a pair of voxels knows of the line between them.
-SightLines::View SightLines::ViewBetween(const SightDirection& line, const Pair& pair) const
-{
-    if (pair.seesLeft && pair.seesRight) return View::Clear;
-    if (!pair.seesLeft && !pair.seesRight) return View::Unknown;
-    return ViewBeside(line, pair.seesLeft ? pair.left : pair.right, pair.seesLeft ? Right : Left);
-}
-
-// What a voxel in sight knows of a line that passes it on a side, within a voxel.
-SightLines::View SightLines::ViewBeside(const SightDirection& line, Index seen, SightSide side) const
-{
-    const Sight& sight = labels_.SightOf(seen);
-    if (!IsBeyond(line, side, sight.limits[side])) return View::Clear;
-    return sight.isKnown[side] ? View::Hidden : View::Unknown;
 }
 
 // What the next voxels to both sides know of the line.
@@ -272,13 +294,11 @@ SightLines::View SightLines::ViewFromBeside(Index bend, Index voxel, const Sight
     return View::Unknown;
 }
 
-SightLines::Pair SightLines::PairAt(const LineWalk& walk, Index bend, const SightDirection& line) const
+// The two voxels beside a walked line, by side: `here` is in the walk, `other` on the other side of the line.
+SightLines::Pair SightLines::PairAt(Index bend, const SightDirection& line, Index here, Index other) const
 {
-    const Index here = walk.Here();
     const bool seesHere = IsInLevelSight(bend, here);
-    Index other = walk.OtherSide();
     if (other == here) return {here, here, seesHere, seesHere};
-    if (other != TraversableGraph::None && !IsAtHeight(other, bend)) other = TraversableGraph::None;
     const bool seesOther = other != TraversableGraph::None && IsInLevelSight(bend, other);
     if (IsBeyond(DirectionOf(bend, here), Left, line)) return {here, other, seesHere, seesOther};
     return {other, here, seesOther, seesHere};

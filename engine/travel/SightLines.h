@@ -38,6 +38,17 @@ struct Sight
     bool isLevel = false; // all voxels that the line crosses are of the same height
 };
 
+/// Along a level line, without limits.
+inline Sight LevelSight()
+{
+    Sight sight;
+    sight.isLevel = true;
+    return sight;
+}
+
+inline bool IsDirection(const SightDirection& direction) { return direction.x != 0 || direction.y != 0; }
+inline bool HasLimits(const Sight& sight) { return IsDirection(sight.limits[Left]) || IsDirection(sight.limits[Right]); }
+
 /// What the search knows of the voxels. Most of those in level sight have no limits, and need no room for them.
 class TravelLabels
 {
@@ -46,7 +57,14 @@ public:
 
     explicit TravelLabels(Index voxels);
 
-    void SetSight(Index voxel, const Sight& sight);
+    void SetSight(Index voxel, const Sight& sight)
+    {
+        Index& number = sights_[voxel];
+        if (number <= Unlimited && (!sight.isLevel || !HasLimits(sight)))
+            number = sight.isLevel ? Unlimited : Uneven;
+        else
+            SetLimitedSight(number, sight);
+    }
     bool IsLevel(Index voxel) const { return sights_[voxel] != Uneven; }
     bool IsLevelWithoutLimits(Index voxel) const { return sights_[voxel] == Unlimited; }
     const Sight& SightOf(Index voxel) const { return known_[sights_[voxel]]; }
@@ -57,6 +75,8 @@ public:
 private:
     static constexpr Index Uneven = 0;
     static constexpr Index Unlimited = 1;
+
+    void SetLimitedSight(Index& number, const Sight& sight);
 
     std::vector<Index> sights_; // numbers in known_
     std::vector<Sight> known_;
@@ -69,13 +89,24 @@ public:
     using Index = TraversableGraph::Index;
 
     /// Both must outlive it. Labels change meanwhile: what they tell of sight must be true whenever a question is asked.
-    SightLines(const TraversableGraph& graph, const TravelLabels& labels)
-        : graph_(graph), labels_(labels), shadows_(ShadowCount)
+    SightLines(const TraversableGraph& graph, const TravelLabels& labels) : graph_(graph), labels_(labels), shadows_(ShadowCount)
     {}
+
+    /// Whether it is plain that a bend sees a voxel: over level ground without limits, in the midst of such ground.
+    bool SeesOverPlain(Index bend, Index voxel) const
+    {
+        if (!graph_.IsOnPlain(voxel) || !IsAtHeight(bend, voxel)) return false;
+        const auto [one, other] = ColumnBeforeOnPlain(voxel, graph_.X(voxel) - graph_.X(bend), graph_.Y(voxel) - graph_.Y(bend));
+        return labels_.bends[one] == bend && labels_.bends[other] == bend && labels_.IsLevelWithoutLimits(one) &&
+               labels_.IsLevelWithoutLimits(other);
+    }
 
     /// Whether a bend sees a voxel, and if so what is known of the sight. It may miss what it sees: over uneven ground at
     /// distances of more than UnevenReach columns, and behind an obstacle that level ground ends at.
     bool Sees(Index bend, Index voxel, Sight& sight);
+
+    /// What is known of the sight of a bend around a voxel that a step leads to from it.
+    Sight SightOfStep(Index bend, Index voxel);
 
     /// Lines over uneven ground are walked to the end. To leave out the longer ones bounds the cost, and adds nothing worth
     /// mentioning to a way, which may go straight on after a bend: half a voxel aside in 64 are 0.003 %.
@@ -108,11 +139,23 @@ private:
     static constexpr std::size_t ShadowCount = 1 << 14; // the latest ones, as the front of the search moves on
 
     Pair PairBefore(Index bend, Index voxel, const SightDirection& line) const;
+    // The two voxels around a voxel on a plain that a line of this direction comes from, the one along its main axis first.
+    std::array<Index, 2> ColumnBeforeOnPlain(Index voxel, std::int32_t x, std::int32_t y) const
+    {
+        const Index alongX = x > 0 ? voxel - 1 : voxel + 1;
+        const Index alongY = graph_.LowestBeside(voxel, y > 0 ? TraversableGraph::South : TraversableGraph::North);
+        const Index diagonal = alongY + alongX - voxel;
+        const std::int32_t rest = std::abs(x) - std::abs(y);
+        const Index one = rest > 0 ? alongX : rest < 0 ? alongY : diagonal;
+        return {one, x == 0 || y == 0 ? one : diagonal};
+    }
+
+    Pair PairOnPlain(Index bend, Index voxel, const SightDirection& line) const;
     View LevelView(Index bend, Index voxel, Sight& sight);
     View ViewBetween(const SightDirection& line, const Pair& pair) const;
     View ViewBeside(const SightDirection& line, Index seen, SightSide side) const;
     View ViewFromBeside(Index bend, Index voxel, const SightDirection& line, Sight& sight) const;
-    Pair PairAt(const LineWalk& walk, Index bend, const SightDirection& line) const;
+    Pair PairAt(Index bend, const SightDirection& line, Index here, Index other) const;
     bool IsInLevelSight(Index bend, Index voxel) const;
     bool IsAtHeight(Index voxel, Index other) const { return graph_.Z(voxel) == graph_.Z(other); }
     SightDirection DirectionOf(Index bend, Index voxel) const;

@@ -52,6 +52,9 @@ public:
         for (Index other = first + 1; hasLowRooms_ && IsAbove(other, first) && IsStep(voxel, other); ++other) visit(other);
     }
 
+    /// The lowest voxel beside that a step leads to, or None.
+    Index LowestBeside(Index voxel, Direction direction) const { return voxels_[voxel].links[direction]; }
+
     /// The voxel beside that a step leads to; of several in a low room the one nearest to a height, given as numerator and
     /// (positive) denominator, the lower one of two; or None.
     Index Beside(Index voxel, Direction direction, std::int64_t numerator, std::int64_t denominator = 1) const
@@ -78,11 +81,24 @@ public:
     /// Calls visit(voxel) for each voxel that a step leads to, diagonal ones last.
     template <class Visit> void ForEachStep(Index voxel, const Visit& visit) const
     {
+        if (IsOnPlain(voxel)) return ForEachStepOnPlain(voxel, visit);
         if (!hasLowRooms_) return ForEachStepBelowHighRooms(voxel, visit);
         for (const Direction direction : {East, North, West, South}) ForEachBeside(voxel, direction, visit);
         for (const Direction along : {East, West}) {
             for (const Direction across : {North, South}) ForEachDiagonal(voxel, along, across, visit);
         }
+    }
+
+    /// Whether steps lead to just the eight voxels around at the same height, which are numbered one after the other in each of
+    /// the three rows.
+    bool IsOnPlain(Index voxel) const { return (plains_[voxel / 64] >> voxel % 64 & 1) != 0; }
+
+    /// Of a voxel on a plain: the voxel diagonally beside.
+    Index DiagonalOnPlain(Index voxel, Direction along, Direction across) const
+    {
+        const bool isAlongX = along == East || along == West;
+        const Index beside = voxels_[voxel].links[isAlongX ? across : along];
+        return (isAlongX ? along : across) == East ? beside + 1 : beside - 1;
     }
 
     /// Whether two voxels are at most one voxel apart in height.
@@ -94,6 +110,13 @@ private:
         std::int32_t x, y, z;
         std::array<Index, 4> links; // the lowest voxel of each column beside that a step leads to
     };
+
+    template <class Visit> void ForEachStepOnPlain(Index voxel, const Visit& visit) const
+    {
+        const Index north = voxels_[voxel].links[North];
+        const Index south = voxels_[voxel].links[South];
+        for (const Index to : {voxel + 1, north, voxel - 1, south, north + 1, south + 1, north - 1, south - 1}) visit(to);
+    }
 
     // Where each link leads to one voxel: the same, faster.
     template <class Visit> void ForEachStepBelowHighRooms(Index voxel, const Visit& visit) const
@@ -124,10 +147,13 @@ private:
     void AddRows(const VoxelModel<bool>& traversable);
     void FindLowRooms(Index first);
     void LinkRow(Direction direction, Index begin, Index end, Index other, Index otherEnd);
+    void FindPlains();
+    bool IsLevelRow(Index middle) const;
 
     Extents extents_;
     std::vector<Voxel> voxels_;
-    std::vector<Index> rowStarts_; // the first voxel of every y of the extents, and the end
+    std::vector<Index> rowStarts_;      // the first voxel of every y of the extents, and the end
+    std::vector<std::uint64_t> plains_; // a bit a voxel
     bool hasLowRooms_ = false; // whether a column holds voxels less than three voxels apart, so that a step may lead to several
 };
 
