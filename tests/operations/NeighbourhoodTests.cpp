@@ -1,59 +1,17 @@
-// What voxels see of their neighbours, voxel by voxel; and passes over a level with every instruction set.
+// Passes over a level with every instruction set.
 #include "operations/Neighbourhood.h"
 
 #include "operations/NeighbourhoodPass.h"
-#include "support/Picture.h"
 #include "support/RandomCompanions.h"
 #include "support/ReferenceOperations.h"
-#include "support/Stacks.h"
 
 #include <gtest/gtest.h>
-
-#include <limits>
 
 namespace brix {
 namespace {
 
 using namespace tests;
 using Plate = VoxelPlate<bool>;
-
-TEST(Towards, ReachesEveryDistanceUpToTheWholeNeighbour)
-{
-    Random random(1);
-    const Heights plates = RandomHeights(random);
-    for (std::size_t i = 0; i + 1 < plates.size(); ++i) {
-        const Plate& here = plates[i];
-        const Plate& beyond = plates[i + 1];
-        for (int distance = 1; distance <= 16; ++distance) {
-            const Plate seen[]{TowardsLowerX(here, beyond, distance), TowardsUpperX(here, beyond, distance),
-                               TowardsLowerY(here, beyond, distance), TowardsUpperY(here, beyond, distance)};
-            ForEachTriple({0, 0, 0}, {15, 15, 3}, [&](const Triple& voxel) {
-                std::array<std::int64_t, 2> place{voxel[0], voxel[1]};
-                std::int64_t& moved = place[voxel[2] < 2 ? 0 : 1];
-                moved += voxel[2] % 2 == 0 ? -distance : distance;
-                const bool isHere = 0 <= moved && moved < 16;
-                moved = (moved + 16) % 16;
-                ASSERT_EQ(seen[voxel[2]].Value({voxel[0], voxel[1]}), (isHere ? here : beyond).Value(place));
-            });
-        }
-    }
-}
-
-TEST(AtLeast, CountsVoxelByVoxel)
-{
-    const Plate a = Picture(".#.#.#.#.#.#.#.#"); // column x holds the four bits of x
-    const Plate b = Picture("..##..##..##..##");
-    const Plate c = Picture("....####....####");
-    const Plate d = Picture("........########");
-    const std::array<std::int64_t, 9> counts{std::numeric_limits<std::int64_t>::min(), -1, 0, 1, 2, 3, 4, 5,
-                                             std::numeric_limits<std::int64_t>::max()};
-    for (const std::int64_t count : counts) {
-        for (std::int64_t x = 0; x < 16; ++x) {
-            EXPECT_EQ(AtLeast(count, a, b, c, d).Value({x, 0}), std::popcount(static_cast<unsigned>(x)) >= count);
-            EXPECT_EQ(AtLeast(count, c, d).Value({x, 0}), std::popcount(static_cast<unsigned>(x / 4)) >= count);
-        }
-    }
-}
 
 // A level on which a pass runs, and what it must become.
 struct PassCase
