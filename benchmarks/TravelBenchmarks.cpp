@@ -1,12 +1,14 @@
 // Distance fields, beside plain Dijkstra on a dense grid: eight neighbours, a binary heap, distances along the grid's steps. That
 // is less accurate, too: up to 8 % too long on open floor, and stairs are counted step by step.
 //
-//   DistanceField/open       1024 x 1024 voxels of open floor           DistanceFieldBaseline
+//   DistanceField/open       1024 x 1024 voxels of open floor
 //   DistanceField/pillars    the same with a pillar in every stack
 //   DistanceField/building   six storeys, voxels of 2.5 x 2.5 x 20 cm
 //   DistanceField/city       voxels of 25 x 25 x 50 cm
 //   DistanceField/hills      rolling ground, 512 x 512 voxels of 25 cm
 //   DistanceField/terraces   eight terraces with ramps, and flights between cheeks, 512 x 512 voxels of 25 cm
+//
+// TraversableGraph is the field's graph alone, GraphDijkstra a Dijkstra with buckets over it: what the field costs without sight.
 #include "Measure.h"
 #include "model/ForEachStack.h"
 #include "model/PropagateLevel.h"
@@ -260,6 +262,33 @@ private:
     std::vector<Step> steps_;
 };
 
+// Plain Dijkstra over the graph that the field works on. Returns the sum of the distances.
+double SearchGraph(const TraversableGraph& graph, const std::vector<Triple>& sources)
+{
+    const Triple size = graph.ExtentsRef().AxesRef().VoxelSize(Level);
+    const auto square = [](std::int64_t number) { return static_cast<double>(number * number); };
+    std::vector<double> distances(graph.Size(), std::numeric_limits<double>::infinity());
+    Buckets queue(static_cast<double>(size[0]), std::hypot(size[0], size[1], size[2]));
+    for (const Triple& source : sources) {
+        distances[graph.Find(source)] = 0;
+        queue.Push(0, graph.Find(source));
+    }
+    double sum = 0;
+    queue.Run([&](double distance, std::uint32_t voxel) {
+        if (distance > distances[voxel]) return;
+        sum += distance;
+        graph.ForEachStep(voxel, [&](std::uint32_t to) {
+            const double inPlan = square(graph.X(to) - graph.X(voxel)) + square(graph.Y(to) - graph.Y(voxel));
+            const double rise = square(graph.Z(to) - graph.Z(voxel));
+            const double offered = distance + std::sqrt(inPlan * square(size[0]) + rise * square(size[2]));
+            if (!(offered < distances[to])) return;
+            distances[to] = offered;
+            queue.Push(offered, to);
+        });
+    });
+    return sum;
+}
+
 // The voxels that the field starts from.
 std::vector<Triple> SourceVoxels(const DistanceField& field)
 {
@@ -279,6 +308,21 @@ void MeasureField(State& state, const std::string& name)
     std::int64_t count = 0;
     field.ForEachReachable([&](const Triple&, std::int64_t) { ++count; });
     state.counters["voxels"] = static_cast<double>(count);
+}
+
+void MeasureGraph(State& state, const std::string& name)
+{
+    const TravelScene& scene = SceneOf(name);
+    MeasureResult(
+        state, [&] { return TraversableGraph(scene.path.TraversableVoxels()); }, [](const TraversableGraph&) {});
+}
+
+void MeasureGraphSearch(State& state, const std::string& name)
+{
+    const TravelScene& scene = SceneOf(name);
+    const std::vector<Triple> sources = SourceVoxels(DistanceField(scene.path, scene.sources, NoLimit));
+    const TraversableGraph graph(scene.path.TraversableVoxels());
+    for (auto _ : state) benchmark::DoNotOptimize(SearchGraph(graph, sources));
 }
 
 template <class Queue> void MeasureBaseline(State& state, const std::string& name)
@@ -315,6 +359,8 @@ const bool AreRegistered = [] {
         registerAs("DistanceField", MeasureField);
         registerAs("HeapDijkstra", MeasureBaseline<Heap>);
         registerAs("BucketDijkstra", MeasureBaseline<Buckets>);
+        registerAs("TraversableGraph", MeasureGraph);
+        registerAs("GraphDijkstra", MeasureGraphSearch);
     }
     return true;
 }();
