@@ -50,8 +50,9 @@ public:
     /// long on hills and kerbs with voxels 32 times as high as wide. Really shortest ways bend at the corners of walls, these at
     /// centres of voxels: around the end of a wall one voxel thick they are up to 0.83 widths longer, which is 5 % of a way of 16
     /// voxels, and 1.3 % of one of 64.
-    /// Cost: 0.3 microseconds a voxel on open floor, 0.6 to 1 in a building and among pillars, 5 on the ground of a city, where a
-    /// Dijkstra with buckets takes 0.03 on open floor; 40 bytes a voxel kept, 34 more meanwhile, or 46 where ways bend.
+    /// Cost: 0.2 microseconds a voxel on open floor, 0.5 to 0.8 in a building and among pillars, 1 on terraces with ramps, 2 on
+    /// hills, 4 on the ground of a city, where a Dijkstra with buckets takes 0.025 on open floor. 40 bytes a voxel kept, 5 more
+    /// meanwhile, or 17 where ways bend; and up to 60 for each voxel whose sight an obstacle limits, mostly those behind it.
     DistanceField(const PathModel& pathModel, const std::vector<std::array<std::int64_t, 3>>& sources, std::int64_t maxDistance);
 
     /// The frame, and the bounds of the path model's traversable voxels, at its level.

@@ -27,8 +27,8 @@ public:
     };
     static constexpr Direction Opposite(Direction direction) { return static_cast<Direction>(direction ^ 2U); }
 
-    /// Of the filled voxels of a model at its finest level. 28 bytes per filled voxel; one pass over the stored layers and one
-    /// over the voxels. Throws std::domain_error for 2^32 - 1 voxels or more.
+    /// Of the filled voxels of a model at its finest level. 28 bytes and a bit per filled voxel; one pass over the stored layers
+    /// and two over the voxels. Throws std::domain_error for 2^32 - 1 voxels or more.
     explicit TraversableGraph(const VoxelModel<bool>& traversable);
 
     /// The extents of the model, at its finest level.
