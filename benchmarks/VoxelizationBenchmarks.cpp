@@ -3,10 +3,16 @@
 //   File             world triangles -> triangle model     beside   FileBaseline      conversion to base units into one list
 //   Voxelize         triangle model  -> voxel model        beside   VoxelizeBaseline  pieces in base units -> dense bit set
 //   FileAndVoxelize  world triangles -> voxel model
+//   VoxelizeWhole    the same in one call, without cuts
+//   Pole             a pole of 128 triangles, so many voxels of level 0 long, in one call and, where memory allows, filed
 //
 // The baseline's triangles are converted, and cut where filing cuts them, before its time starts, and its bit set is zeroed; it
 // makes the finest level only, while the engine makes all six.
 #include "VoxelizationMeasures.h"
+#include "frame/Require.h"
+
+#include <cmath>
+#include <functional>
 
 namespace brix::benchmarks {
 namespace {
@@ -55,7 +61,71 @@ void MeasureVoxelizeBaseline(State& state, const GriddedScene& scene)
     }
 }
 
+// A tube along x of 64 sides and radius 1.
+std::vector<WorldTriangle> MakePole(double length)
+{
+    constexpr int sides = 64;
+    const auto corner = [](int side, double x) {
+        const double angle = 2 * 3.14159265358979323846 * side / sides;
+        return std::array<double, 3>{x + 0.2, std::cos(angle) + 0.3, std::sin(angle) + 0.4};
+    };
+    std::vector<WorldTriangle> triangles;
+    for (int side = 0; side < sides; ++side) {
+        const auto a = corner(side, 0);
+        const auto b = corner(side + 1, 0);
+        const auto c = corner(side + 1, length);
+        triangles.push_back({a, b, c});
+        triangles.push_back({a, c, corner(side, length)});
+    }
+    return triangles;
+}
+
+void MeasurePole(State& state, double length,
+                 const std::function<VoxelModel<bool>(const Axes&, const std::vector<WorldTriangle>&)>& voxelize)
+{
+    const Axes axes(1, {0, 0, 0}, 0, 0);
+    const std::vector<WorldTriangle> triangles = MakePole(length);
+    MeasureResult(
+        state, [&] { return voxelize(axes, triangles); },
+        [&](const VoxelModel<bool>& model) {
+            const std::int64_t filled = CountFilledVoxels(model, GriddedScene::FinestLOD);
+            Require(filled > static_cast<std::int64_t>(length) * 3000, "A pole lacks voxels.");
+            state.counters["voxels"] = static_cast<double>(filled);
+            state.counters["bytes"] = static_cast<double>(model.AllocatedBytes());
+        });
+}
+
+VoxelModel<bool> Filed(const Axes& axes, const std::vector<WorldTriangle>& triangles)
+{
+    const Extents extents = DetectTriangleExtents(axes, triangles);
+    TriangleModel filed(extents);
+    filed.AddWorldTriangles(triangles);
+    VoxelModel<bool> model(extents, GriddedScene::FinestLOD);
+    VoxelizeTriangleModel(model, filed);
+    return model;
+}
+
+VoxelModel<bool> Whole(const Axes& axes, const std::vector<WorldTriangle>& triangles)
+{
+    return Voxelize(axes, triangles, GriddedScene::FinestLOD);
+}
+
+void RegisterPoles()
+{
+    const auto registerPole = [](const char* name, double length, const auto& voxelize) {
+        benchmark::RegisterBenchmark(name, [=](State& state) {
+            MeasurePole(state, length, voxelize);
+        })->Unit(benchmark::kMillisecond);
+    };
+    registerPole("Pole/4000", 4000, Whole);
+    registerPole("Pole/16000", 16000, Whole);
+    registerPole("PoleFiled/1000", 1000, Filed);
+    registerPole("PoleFiled/4000", 4000, Filed);
+}
+
 const bool registered = [] {
+    RegisterPoles();
+    RegisterForScenes("VoxelizeWhole", MeasureVoxelizeWhole, Resolutions);
     RegisterForScenes("File", MeasureFile, Resolutions);
     RegisterForScenes("FileBaseline", MeasureFileBaseline, Resolutions);
     RegisterForScenes("Voxelize", MeasureVoxelize, Resolutions);

@@ -2,13 +2,15 @@
 //
 //   Voxelize         triangles filed beforehand -> voxel model, all levels
 //   FileAndVoxelize  triangles in world units   -> voxel model, all levels
+//   VoxelizeWhole    the same in one call, which finds the extents, too
 //
-// The empty voxel model is made before the time starts.
+// The empty voxel model is made before the time starts where it is filled.
 #pragma once
 
 #include "Baselines.h"
 #include "Measure.h"
 #include "triangles/Voxelization.h"
+#include "triangles/Voxelize.h"
 
 namespace brix::benchmarks {
 
@@ -39,6 +41,13 @@ inline void MeasureFileAndVoxelize(benchmark::State& state, const GriddedScene& 
         filed.AddWorldTriangles(scene.worldTriangles);
         VoxelizeTriangleModel(model, filed);
     });
+}
+
+inline void MeasureVoxelizeWhole(benchmark::State& state, const GriddedScene& scene)
+{
+    MeasureResult(
+        state, [&] { return Voxelize(scene.axes, scene.worldTriangles, GriddedScene::FinestLOD); },
+        [&](const VoxelModel<bool>& model) { CheckVoxels(scene, model); });
 }
 
 } // namespace brix::benchmarks

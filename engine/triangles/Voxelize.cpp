@@ -14,8 +14,8 @@
 namespace brix {
 namespace {
 
-// 32 MiB of plates.
-constexpr std::size_t MostOpenStacks = 16384;
+// 8 MiB of plates.
+constexpr std::size_t MostOpenStacks = 4096;
 
 // What small triangles fill of a chunk, before the extents are known.
 class Canvas
@@ -112,8 +112,8 @@ private:
                 openStacks_ += raster.OpenStacks() - before;
             }
             if (i < batch.packed.size()) AddElsewhere(batch.packed[i], batch.world[i]);
+            if (openStacks_ > MostOpenStacks) CloseAll();
         }
-        if (openStacks_ > MostOpenStacks) CloseAll();
     }
 
     // A triangle that is not wholly in the current chunk. Those that follow will often be where it is.

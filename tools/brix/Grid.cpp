@@ -6,8 +6,8 @@
 #include "TriangleFiles.h"
 
 #include <brix/operations/BasicOperations.h>
-#include <brix/triangles/TriangleModel.h>
 #include <brix/triangles/Voxelization.h>
+#include <brix/triangles/Voxelize.h>
 
 #include <algorithm>
 #include <cmath>
@@ -72,17 +72,10 @@ std::vector<WorldTriangle> ReadTriangles(const std::filesystem::path& filePath, 
     return triangles;
 }
 
-VoxelModel<bool> FilledModel(const Extents& extents, std::int64_t finestLOD, const std::vector<WorldTriangle>& triangles)
+VoxelModel<bool> FilledModel(const Axes& axes, std::int64_t finestLOD, const std::vector<WorldTriangle>& triangles)
 {
-    Progress progress("voxelizing " + std::to_string(triangles.size()) + " triangles");
-    TriangleModel triangleModel(extents);
-    for (std::size_t first = 0; first < triangles.size(); first += 10'000) {
-        triangleModel.AddWorldTriangles(triangles.data() + first, std::min<std::size_t>(10'000, triangles.size() - first));
-        progress.Update(static_cast<double>(first), 2 * static_cast<double>(triangles.size())); // the other half is the filling
-    }
-    VoxelModel<bool> model(extents, finestLOD);
-    VoxelizeTriangleModel(model, triangleModel);
-    return model;
+    const Progress progress("voxelizing " + std::to_string(triangles.size()) + " triangles");
+    return brix::Voxelize(axes, triangles, finestLOD);
 }
 
 } // namespace
@@ -109,7 +102,7 @@ VoxelModel<bool> Voxelize(Input input, const GridOptions& options, const std::ve
     RequireMemoryForModel(input, extents, options, steps);
 
     const Stopwatch watch;
-    VoxelModel<bool> model = FilledModel(extents, options.lod, input.triangles);
+    VoxelModel<bool> model = FilledModel(input.axes, options.lod, input.triangles);
     PrintStep("voxelize",
               BytesText(static_cast<double>(model.AllocatedBytes())) + " for levels 0.." + std::to_string(model.FinestLOD()) +
                   " " + watch.Text(),

@@ -3,7 +3,8 @@
 #include "Report.h"
 #include "TriangleFiles.h"
 
-#include <brix/triangles/TriangleModel.h>
+#include <brix/model/VoxelModel.h>
+#include <brix/triangles/Triangle.h>
 
 #include <algorithm>
 #include <cmath>
@@ -87,6 +88,14 @@ double LongestEdge(const WorldTriangle& triangle)
     return longest;
 }
 
+// The boxes of a grid that a triangle crosses: its area's, and those of its edges.
+double BoxesCrossed(const WorldTriangle& triangle, double width, double height)
+{
+    const auto [x, y, z] = ProjectedAreas(triangle);
+    const double edge = LongestEdge(triangle);
+    return z / (width * width) + (x + y) / (width * height) + (edge > width ? 2 * edge / width + 1 : 0);
+}
+
 // The layers of the stacks that a triangle crosses at the finest level. A level or upright one leaves most heights of a stack
 // alike; a slanted one makes a plate for each height that it passes within the stack's width.
 double LayerBytes(const WorldTriangle& triangle, const GridSize& size)
@@ -95,18 +104,23 @@ double LayerBytes(const WorldTriangle& triangle, const GridSize& size)
     const double height = 64 * size.height;
     const auto [x, y, z] = ProjectedAreas(triangle);
     const double upright = std::hypot(x, y);
-    double stacks = z / (width * width) + (x + y) / (width * height);
-    if (const double edge = LongestEdge(triangle); edge > width) stacks += 2 * edge / width + 1; // those that its edges cross
     const double passed = z < 1e-9 * upright ? 0 : std::min(64.0, width / size.height * upright / z);
-    return stacks * (26 + 33 * (3 + passed));
+    return BoxesCrossed(triangle, width, height) * (26 + 33 * (3 + passed));
 }
 
-// Triangles longer than half a chunk are quartered until they are not; a piece takes 36 bytes in each chunk that it touches.
-double FiledBytes(const WorldTriangle& triangle, const GridSize& size)
+// Triangles longer than half a chunk are put by, and listed in the chunks that they cross.
+double ListedBytes(const WorldTriangle& triangle, const GridSize& size)
 {
-    const double halfChunk = 8 * size.voxel * static_cast<double>(std::int64_t{1} << size.lod);
-    const double edge = LongestEdge(triangle);
-    return 36 * 2 * (edge > halfChunk ? std::pow(4, std::ceil(std::log2(edge / halfChunk))) : 1);
+    const double width = 16 * size.voxel * static_cast<double>(std::int64_t{1} << size.lod);
+    if (LongestEdge(triangle) <= width / 2) return 0;
+    return 2 * sizeof(LatticeTriangle) + 128 * (1 + BoxesCrossed(triangle, width, 64 * size.height));
+}
+
+// While the finest level is filled: the pointers to its stacks once more, and plates for all heights of those written to lately.
+double FillingBytes(const GridSize& size)
+{
+    const double stacks = size.chunks * static_cast<double>(std::int64_t{1} << 2 * size.lod);
+    return stacks * 16 + std::min(stacks, 5120.0) * 2138;
 }
 
 struct Estimate
@@ -118,10 +132,10 @@ struct Estimate
 Estimate EstimateModel(const std::vector<WorldTriangle>& triangles, const GridSize& size)
 {
     double layers = 0;
-    double making = static_cast<double>(sizeof(WorldTriangle) * triangles.size()) + size.chunks * (sizeof(TriangleChunk) + 64);
+    double making = static_cast<double>(sizeof(WorldTriangle) * triangles.size()) + FillingBytes(size);
     for (const WorldTriangle& triangle : triangles) {
         layers += LayerBytes(triangle, size);
-        making += FiledBytes(triangle, size);
+        making += ListedBytes(triangle, size);
     }
     // The coarser levels of upright walls halve with each level, those of floors quarter. No stack has more than 64 layers.
     return {size.EmptyBytes() + std::min(2 * layers, size.Stacks() * 2138), making};
@@ -222,7 +236,8 @@ void RequireSpaceForTriangles(double triangleCount, double bytesBeside, bool asc
 {
     const double voxel = model.AxesRef().WorldVoxelWidth(model.FinestLOD());
     const double memory =
-        ProgramBytes + static_cast<double>(model.AllocatedBytes()) + triangleCount * (sizeof(WorldTriangle) + bytesBeside);
+        ProgramBytes + static_cast<double>(model.AllocatedBytes()) + triangleCount * (sizeof(WorldTriangle) + bytesBeside) +
+        FillingBytes(SizeOf(model.ExtentsRef(0), model.FinestLOD())); // given back, but in pieces between what stayed
     PrintDetail("estimate", BytesText(memory) + " of memory for " + Text(triangleCount) + " triangles",
                 {{"bytes", memory}, {"triangles", triangleCount}});
     if (const double limit = MemoryLimit(options); memory > limit)
