@@ -113,15 +113,37 @@ private:
             VoxelRun rows{first[1], last[1]};
             for (const Edge& edge : zy_) rows.KeepWhereNotNegative(edge.At(z, rows.first), edge.perSecond);
             KeepReached(rows, columns, z, plane);
+            const bool areWhole = AreWhole(rows, columns, z, plane);
             for (std::int64_t y = rows.first; y <= rows.last; ++y) {
-                VoxelRun run = columns;
-                for (const Edge& edge : xy_) run.KeepWhereNotNegative(edge.At(run.first, y), edge.perFirst);
-                run.KeepWhereNotNegative(plane.At(run.first, y, z), plane.step[0]);
-                run.KeepWhereNotNegative(plane.thickness - plane.At(run.first, y, z), -plane.step[0]);
+                const VoxelRun run = areWhole ? columns : RunOf(y, columns, z, plane);
                 if (run.IsEmpty()) continue;
                 visit(y + lower_[1], z + lower_[2], VoxelRun{run.first + lower_[0], run.last + lower_[0]});
             }
         }
+    }
+
+    template <class Number>
+    VoxelRun RunOf(std::int64_t y, const VoxelRun& columns, std::int64_t z, const Plane<Number>& plane) const
+    {
+        VoxelRun run = columns;
+        for (const Edge& edge : xy_) run.KeepWhereNotNegative(edge.At(run.first, y), edge.perFirst);
+        run.KeepWhereNotNegative(plane.At(run.first, y, z), plane.step[0]);
+        run.KeepWhereNotNegative(plane.thickness - plane.At(run.first, y, z), -plane.step[0]);
+        return run;
+    }
+
+    // Whether all of these voxels are touched, as they mostly are within a wall or floor: a linear number is least in a corner.
+    template <class Number>
+    bool AreWhole(const VoxelRun& rows, const VoxelRun& columns, std::int64_t z, const Plane<Number>& plane) const
+    {
+        if (rows.IsEmpty()) return false;
+        const auto isInside = [&](std::int64_t x, std::int64_t y) {
+            const Number number = plane.At(x, y, z);
+            return number >= 0 && number <= plane.thickness &&
+                   std::all_of(xy_.begin(), xy_.end(), [&](const Edge& edge) { return edge.At(x, y) >= 0; });
+        };
+        return isInside(columns.first, rows.first) && isInside(columns.last, rows.last) && isInside(columns.last, rows.first) &&
+               isInside(columns.first, rows.last);
     }
 
     // Drops rows that have no voxel in these columns, which only happens where the box cuts the triangle: each condition is asked
