@@ -74,6 +74,19 @@ struct Edges
     Quad base;
 };
 
+/// Of a projection two voxels wide: bit i + 2 * j tells whether voxel (i, j) is outside.
+inline std::uint32_t OutsideOfFour(const Edges& edges)
+{
+    constexpr Quad isSecondOfFirst{0, -1, 0, -1};
+    constexpr Quad isSecondOfSecond{0, 0, -1, -1};
+    const auto atFour = [&](int edge) {
+        return (Quad{} + edges.base[edge]) + ((Quad{} + edges.perFirst[edge]) & isSecondOfFirst) +
+               ((Quad{} + edges.perSecond[edge]) & isSecondOfSecond);
+    };
+    const Quad bits = ((atFour(0) | atFour(1) | atFour(2)) < 0) & Quad{1, 2, 4, 8};
+    return static_cast<std::uint32_t>(bits[0] | bits[1] | bits[2] | bits[3]);
+}
+
 /// Columns are swept in groups, which may go beyond the last one.
 inline constexpr std::int32_t GroupSize = 2;
 constexpr std::int32_t Groups(std::int32_t columns) { return (columns + GroupSize - 1) / GroupSize; }
@@ -328,6 +341,28 @@ template <ThickAlong thick> struct Conditions
                            static_cast<std::int64_t>(normal[2])},
                           sizes);
         }
+    }
+
+    /// Of a box that is two voxels wide where it is thick: bit x + 2 * y + 4 * z tells whether a voxel is touched.
+    std::uint32_t TouchedOfEight() const
+    {
+        std::uint32_t outside = 0;
+        if constexpr (HasXY) outside |= OutsideOfFour(xy) * 0x11;
+        if constexpr (HasXZ) {
+            const std::uint32_t ofRows = OutsideOfFour(xz); // x + 2 * z
+            outside |= (ofRows & 3) * 5 | (ofRows >> 2) * 0x50;
+        }
+        if constexpr (HasYZ) {
+            const std::uint32_t ofRows = OutsideOfFour(zy); // z + 2 * y
+            outside |= (ofRows & 1) * 3 | (ofRows >> 1 & 1) * 0x30 | (ofRows >> 2 & 1) * 0xC | (ofRows >> 3) * 0xC0;
+        }
+        if constexpr (HasPlane) {
+            for (std::uint32_t voxel = 0; voxel < 8; ++voxel) {
+                const std::int64_t number = plane.At({voxel & 1, voxel >> 1 & 1, voxel >> 2});
+                outside |= std::uint32_t{number < 0 || number > plane.thickness} << voxel;
+            }
+        }
+        return ~outside;
     }
 
     Edges xy; // columns along x, lanes along y

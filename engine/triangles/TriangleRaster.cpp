@@ -288,8 +288,32 @@ inline void TriangleRaster::FillIn(const PackedCorners& corners, const RasterBox
     }
 }
 
+// At most two voxels along each axis, all of them in one stack and to be filled where they are touched.
+inline bool TriangleRaster::IsSmall(const RasterBox& box) const
+{
+    const Quad isOther = (box.upper - box.lower > 1) | (box.lower != box.lowerFilled) | (box.upper != box.upperFilled) |
+                         (((box.lower ^ box.upper) & Quad{-PlateRow, -PlateRow, 0, 0}) != 0);
+    return !IsAnyOf(isOther);
+}
+
+// Fills the voxels of a small box for which bit x + 2 * y + 4 * z is set.
+inline void TriangleRaster::FillSmall(const RasterBox& box, std::uint32_t touched)
+{
+    const Quad isTwo = box.upper - box.lower;
+    const std::uint32_t columns = isTwo[0] != 0 ? 3 : 1;
+    const std::int32_t x = box.lower[0] & (PlateRow - 1);
+    const std::int32_t y = box.lower[1] & (PlateRow - 1);
+    Plate* const plates = PlatesOf(box.lower[0], box.lower[1]);
+    for (std::int32_t z = 0; z <= isTwo[2]; ++z) {
+        std::uint16_t* const rows = &plates[box.lower[2] + z].rows[static_cast<std::size_t>(y)];
+        rows[0] |= static_cast<std::uint16_t>((touched >> 4 * z & columns) << x);
+        if (isTwo[1] != 0) rows[1] |= static_cast<std::uint16_t>((touched >> (4 * z + 2) & columns) << x);
+    }
+}
+
 void TriangleRaster::FillAll(const RasterBox& box)
 {
+    if (IsSmall(box)) return FillSmall(box, ~std::uint32_t{0});
     ForEachTile(box, [&](const RasterTile& tile) {
         for (std::int32_t z = box.lowerFilled[2]; z <= box.upperFilled[2]; ++z) FillRows(tile, z, tile.rows);
     });
@@ -299,6 +323,7 @@ template <ThickAlong thick> void TriangleRaster::FillTouched(const PackedCorners
 {
     const Quad corner = box.lower * size_;
     const Conditions<thick> conditions(Corners(corners.a - corner, corners.b - corner, corners.c - corner), sizes_);
+    if (IsSmall(box)) return FillSmall(box, conditions.TouchedOfEight());
     if constexpr (thick == ThickAlong::XYZ) {
         const Quad size = box.upper - box.lower + 1;
         if (std::int64_t{size[0]} * size[1] * size[2] > mostVoxelsOfNarrowPlane_) {

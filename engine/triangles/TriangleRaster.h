@@ -84,6 +84,8 @@ private:
     void FillRow(std::int32_t y, std::int32_t z, const VoxelRun& columns);
     void FillLarge(const LatticeTriangle& triangle);
     void FillAll(const RasterBox& box);
+    bool IsSmall(const RasterBox& box) const;
+    void FillSmall(const RasterBox& box, std::uint32_t touched);
     template <ThickAlong thick> void FillTouched(const PackedCorners& corners, const RasterBox& box);
 
     template <class Visit> void ForEachTile(const RasterBox& box, const Visit& visit);

@@ -14,8 +14,8 @@
 namespace brix {
 namespace {
 
-// 8 MiB of plates.
-constexpr std::size_t MostOpenStacks = 4096;
+// 32 MiB of plates.
+constexpr std::size_t MostOpenStacks = 16384;
 
 // What small triangles fill of a chunk, before the extents are known.
 class Canvas
@@ -119,8 +119,11 @@ private:
     // A triangle that is not wholly in the current chunk. Those that follow will often be where it is.
     [[gnu::noinline]] void AddElsewhere(const PackedTriangle& packed, const WorldTriangle& world)
     {
-        const LatticeTriangle triangle{axes_.FromWorldCoordinates(world[0]), axes_.FromWorldCoordinates(world[1]),
-                                       axes_.FromWorldCoordinates(world[2])};
+        LatticeTriangle triangle = Unpacked(packed);
+        const bool isHeld = std::find(packed.begin(), packed.end(), MaxPackedCoordinate) != packed.end(); // at the bound
+        if (isHeld || !IsPackable(triangle))
+            triangle = {axes_.FromWorldCoordinates(world[0]), axes_.FromWorldCoordinates(world[1]),
+                        axes_.FromWorldCoordinates(world[2])};
         for (const Triple& corner : triangle) {
             lower_ = Lowest(lower_, corner);
             upper_ = Highest(upper_, corner);

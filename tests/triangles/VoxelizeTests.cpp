@@ -308,11 +308,15 @@ TEST(Voxelize, RefusesWhatNoModelHolds)
                                                                            {0, 1e9, 0},
                                                                            {0, 0, 4e8},
                                                                            {1e300, 0, 0},
+                                                                           {2e9, 2e9, 2e9},
                                                                            {0, 0, -4.0001e8}}) {
-        const std::vector<WorldTriangle> triangles{{{{0, 0, 0}, corner, {1, 0, 0}}}};
-        const std::string message = MessageOf([&] { Voxelize(axes, triangles, 5); });
-        EXPECT_EQ(message, MessageOf([&] { DetectTriangleExtents(axes, triangles); }));
-        EXPECT_NE(message.find(" extent in the "), std::string::npos) << message;
+        for (const WorldTriangle& triangle :
+             {WorldTriangle{{{0, 0, 0}, corner, {1, 0, 0}}}, WorldTriangle{corner, corner, corner}}) {
+            const std::vector<WorldTriangle> triangles{triangle};
+            const std::string message = MessageOf([&] { Voxelize(axes, triangles, 5); });
+            EXPECT_EQ(message, MessageOf([&] { DetectTriangleExtents(axes, triangles); }));
+            EXPECT_NE(message.find(" extent in the "), std::string::npos) << message;
+        }
     }
 }
 

@@ -120,7 +120,7 @@ double ListedBytes(const WorldTriangle& triangle, const GridSize& size)
 double FillingBytes(const GridSize& size)
 {
     const double stacks = size.chunks * static_cast<double>(std::int64_t{1} << 2 * size.lod);
-    return stacks * 16 + std::min(stacks, 5120.0) * 2138;
+    return stacks * 16 + std::min(stacks, 20480.0) * 2138;
 }
 
 struct Estimate
