@@ -12,6 +12,7 @@
 
 #include "brix/model/StackLattice.h"
 
+#include "brix/model/LevelBounds.h"
 #include "brix/model/VoxelPlate.h"
 #include "brix/model/VoxelStack.h"
 #include "brix/model/VoxelStore.h"
@@ -23,6 +24,7 @@
 #include "brix/model/VoxelChunk.h"
 #include "brix/model/VoxelModel.h"
 
+#include "brix/model/AreFilled.h"
 #include "brix/model/StackIterator.h"
 #include "brix/model/VoxelIterator.h"
 

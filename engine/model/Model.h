@@ -4,16 +4,13 @@
 
 #include "../frame/NotEnoughMemory.h"
 #include "ChunkTable.h"
+#include "LevelBounds.h"
 #include "ReaderChunks.h"
-#include "StackLattice.h"
 
 #include <memory>
 #include <vector>
 
 namespace brix {
-
-/// The extents of a model by level, 0..5: one object for all chunks of a model and of its copies.
-using LevelExtents = std::vector<Extents>;
 
 template <class Chunk> class Model
 {
@@ -28,7 +25,7 @@ public:
     Model& operator=(Model&&) = default;
     virtual ~Model() = default;
 
-    const Axes& AxesRef() const { return extents_->front().AxesRef(); }
+    const Axes& AxesRef() const { return ExtentsAtLevel(0).AxesRef(); }
 
     /// The lowest and the highest chunk indices of the grid, inclusive.
     Triple LowerChunkIndices() const { return chunks_.LowerIndices(); }
@@ -83,28 +80,33 @@ public:
 
 protected:
     /// The extents that the grid was made from, at a level.
-    const Extents& ExtentsAtLevel(std::int64_t lod) const { return (*extents_)[static_cast<std::size_t>(lod)]; }
+    const Extents& ExtentsAtLevel(std::int64_t lod) const { return (*bounds_)[static_cast<std::size_t>(lod)].ExtentsRef(); }
 
     std::int64_t FinestLevel() const { return finestLOD_; }
 
     /// Gives back the memory of the chunks for which isErased(chunk) is true. References to them end.
     template <class IsErased> void EraseChunksIf(const IsErased& isErased) { chunks_.EraseIf(isErased); }
 
-    std::size_t TableBytes() const { return chunks_.AllocatedBytes(); }
+    std::size_t TableBytes() const
+    {
+        std::size_t bytes = chunks_.AllocatedBytes();
+        for (const LevelBounds& bounds : *bounds_) bytes += bounds.AllocatedBytes();
+        return bytes;
+    }
 
 private:
-    static std::shared_ptr<const LevelExtents> AtAllLevels(const Extents& extents)
+    static std::shared_ptr<const BoundsOfLevels> AtAllLevels(const Extents& extents)
     {
-        LevelExtents levels;
+        BoundsOfLevels levels;
         levels.reserve(static_cast<std::size_t>(LevelCount));
-        for (std::int64_t lod = 0; lod < LevelCount; ++lod) levels.push_back(extents.RescaledCopy(lod));
-        return std::make_shared<const LevelExtents>(std::move(levels));
+        for (std::int64_t lod = 0; lod < LevelCount; ++lod) levels.emplace_back(extents.RescaledCopy(lod));
+        return std::make_shared<const BoundsOfLevels>(std::move(levels));
     }
 
     std::unique_ptr<Chunk> MakeChunk(const Triple& chunkIndices) const
     {
         try {
-            auto chunk = std::make_unique<Chunk>(*extents_, chunkIndices);
+            auto chunk = std::make_unique<Chunk>(*bounds_, chunkIndices);
             if constexpr (requires { chunk->Initialize(finestLOD_); }) chunk->Initialize(finestLOD_);
             return chunk;
         } catch (const std::bad_alloc&) {
@@ -112,7 +114,7 @@ private:
         }
     }
 
-    std::shared_ptr<const LevelExtents> extents_;
+    std::shared_ptr<const BoundsOfLevels> bounds_;
     std::int64_t finestLOD_;
     ChunkTable<Chunk> chunks_;
     mutable ReaderChunks<Chunk> readerChunks_;
@@ -120,9 +122,9 @@ private:
 
 template <class Chunk>
 Model<Chunk>::Model(const Extents& extents, std::int64_t finestLOD)
-    : extents_(AtAllLevels(extents)),
+    : bounds_(AtAllLevels(extents)),
       finestLOD_(finestLOD),
-      chunks_(ChunkOfVoxel(extents_->front().LowerIndices(), 0), ChunkOfVoxel(extents_->front().UpperIndices(), 0))
+      chunks_(ChunkOfVoxel(ExtentsAtLevel(0).LowerIndices(), 0), ChunkOfVoxel(ExtentsAtLevel(0).UpperIndices(), 0))
 {}
 
 } // namespace brix

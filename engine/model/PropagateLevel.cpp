@@ -44,35 +44,64 @@ void BuildFinerStack(Store& fine, const StackIndices& ij, const Stack& coarse, b
     fine.VoxelStackRef(ij) = std::move(stack);
 }
 
+// Makes a store that has no stacks, and to whose stacks nobody has references, what a uniform one next to it makes it. The lowest
+// layer of a full stack that is cut sideways becomes something else at a finer level.
+bool TakeUniform(Store& store, const Store& from)
+{
+    if (!store.IsUniform() || !from.IsUniform()) return false;
+    const bool isFiner = store.StacksPerRow() > from.StacksPerRow();
+    if (from.IsUniformlyFull() && isFiner && from.IsCutSideways()) return false;
+    store.MakeUniform(from.IsUniformlyFull());
+    return true;
+}
+
 void Propagate(VoxelChunk<bool>& chunk, std::int64_t lod, std::int64_t finestLOD)
 {
     for (std::int64_t coarser = lod - 1; coarser >= 0; --coarser) {
         const Store& fine = chunk.VoxelStoreRef(coarser + 1);
-        ForEachStackOfStore(chunk.VoxelStoreRef(coarser), [&](Store& coarse, const StackIndices& ij) {
-            BuildCoarserStack(coarse.VoxelStackRef(ij), fine, ij);
-        });
+        Store& coarse = chunk.VoxelStoreRef(coarser);
+        if (TakeUniform(coarse, fine)) continue;
+        ForEachStackOfStore(coarse,
+                            [&](Store&, const StackIndices& ij) { BuildCoarserStack(coarse.VoxelStackRef(ij), fine, ij); });
     }
     for (std::int64_t finer = lod + 1; finer <= finestLOD; ++finer) {
         const Store& coarse = chunk.VoxelStoreRef(finer - 1);
-        ForEachStackOfStore(chunk.VoxelStoreRef(finer), [&](Store& fine, const StackIndices& ij) {
+        Store& fine = chunk.VoxelStoreRef(finer);
+        if (TakeUniform(fine, coarse)) continue;
+        ForEachStackOfStore(fine, [&](Store&, const StackIndices& ij) {
             BuildFinerStack(fine, ij, coarse.VoxelStackRef({ij[0] / 2, ij[1] / 2}), ij[0] % 2 == 1, ij[1] % 2 == 1);
         });
     }
+}
+
+template <class PropagateOne> void PropagateAll(VoxelModel<bool>& model, std::int64_t lod, const PropagateOne& propagateOne)
+{
+    RequireLevelOf(model.FinestLOD(), "The level of detail for voxel model operations", lod);
+    const InstructionSet instructionSet = FastestInstructionSet();
+    model.ForEachChunk(
+        [&](const Triple&, VoxelChunk<bool>& chunk) { propagateOne(chunk, lod, model.FinestLOD(), instructionSet); });
+}
+
+void PropagateInPlace(VoxelChunk<bool>& chunk, std::int64_t lod, std::int64_t finestLOD, InstructionSet instructionSet)
+{
+    RunWith(instructionSet, [&] { Propagate(chunk, lod, finestLOD); });
 }
 
 } // namespace
 
 void PropagateChunk(VoxelChunk<bool>& chunk, std::int64_t lod, std::int64_t finestLOD, InstructionSet instructionSet)
 {
-    RunWith(instructionSet, [&] { Propagate(chunk, lod, finestLOD); });
+    chunk.VoxelStoreRef(lod).ReleaseUniformStacks(); // the levels beside it take over that it is uniform
+    PropagateInPlace(chunk, lod, finestLOD, instructionSet);
+    for (std::int64_t other = 0; other <= finestLOD; ++other) chunk.VoxelStoreRef(other).ReleaseUniformStacks();
 }
 
-void PropagateLevel(VoxelModel<bool>& model, std::int64_t lod)
+void PropagateResult(VoxelModel<bool>& model, std::int64_t lod)
 {
-    RequireLevelOf(model.FinestLOD(), "The level of detail for voxel model operations", lod);
-    const InstructionSet instructionSet = FastestInstructionSet();
-    model.ForEachChunk(
-        [&](const Triple&, VoxelChunk<bool>& chunk) { PropagateChunk(chunk, lod, model.FinestLOD(), instructionSet); });
+    PropagateAll(model, lod, PropagateChunk);
+    model.ReleaseEmptyChunks();
 }
+
+void PropagateLevel(VoxelModel<bool>& model, std::int64_t lod) { PropagateAll(model, lod, PropagateInPlace); }
 
 } // namespace brix

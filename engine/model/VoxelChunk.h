@@ -16,16 +16,16 @@ template <> class VoxelChunk<bool>
 public:
     static constexpr const char* ModelName = "a voxel model"; // in messages
 
-    /// A chunk without stores. `extents` are those of the whole model, by level; they must outlive the chunk and its copies.
-    VoxelChunk(const LevelExtents& extents, const Triple& chunkIndices) : extents_(&extents), chunkIndices_(chunkIndices) {}
-    VoxelChunk(LevelExtents&& extents, const Triple& chunkIndices) = delete;
+    /// A chunk without stores. `bounds` are those of the whole model; they must outlive the chunk and its copies.
+    VoxelChunk(const BoundsOfLevels& bounds, const Triple& chunkIndices) : bounds_(&bounds), chunkIndices_(chunkIndices) {}
+    VoxelChunk(BoundsOfLevels&& bounds, const Triple& chunkIndices) = delete;
 
     /// Makes empty stores for the levels 0..finestLOD.
     void Initialize(std::int64_t finestLOD)
     {
         stores_.reserve(static_cast<std::size_t>(finestLOD + 1));
         for (std::int64_t lod = 0; lod <= finestLOD; ++lod) {
-            stores_.emplace_back((*extents_)[static_cast<std::size_t>(lod)], ChunkLowerIndices(chunkIndices_, lod));
+            stores_.emplace_back((*bounds_)[static_cast<std::size_t>(lod)], ChunkLowerIndices(chunkIndices_, lod));
         }
     }
 
@@ -47,7 +47,7 @@ public:
     }
 
 private:
-    const LevelExtents* extents_;
+    const BoundsOfLevels* bounds_;
     Triple chunkIndices_;
     std::vector<VoxelStore<bool>> stores_; // by level
 };

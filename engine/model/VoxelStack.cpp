@@ -17,16 +17,18 @@ constexpr std::uint8_t NoOffset = 0;
 
 constinit const VoxelStack<bool> EmptyStack;
 
+constinit const VoxelStack<bool>::Filled VoxelStack<bool>::filled{{1, 1, 1, {}}, FilledPlate()};
+
 VoxelStack<bool>::Block* VoxelStack<bool>::MakeBlock(std::size_t capacity)
 {
+    static_assert(sizeof(Block) == PlatesStart(1) && sizeof(Filled) == BlockBytes(1));
     void* const memory = ::operator new(BlockBytes(capacity));
-    return new (memory) Block{0, 0, static_cast<std::uint8_t>(capacity)};
+    return new (memory) Block{0, 0, static_cast<std::uint8_t>(capacity), {}};
 }
 
 void VoxelStack<bool>::Release() noexcept
 {
-    if (block_ == nullptr) return;
-    ::operator delete(block_);
+    if (OwnsBlock()) ::operator delete(block_);
     block_ = nullptr;
 }
 
@@ -35,16 +37,13 @@ VoxelStack<bool>::VoxelStack(const VoxelStack& other) { *this = other; }
 VoxelStack<bool>& VoxelStack<bool>::operator=(const VoxelStack& other)
 {
     if (this == &other) return *this;
-    if (other.block_ == nullptr) {
+    if (!other.OwnsBlock()) {
         Release();
+        block_ = other.block_;
         return *this;
     }
     const std::size_t capacity = other.block_->capacity;
-    if (block_ == nullptr || block_->capacity != capacity) {
-        Block* const block = MakeBlock(capacity);
-        Release();
-        block_ = block;
-    }
+    OwnBlockOf(capacity);
     std::memcpy(static_cast<void*>(block_), other.block_, BlockBytes(capacity));
     return *this;
 }
@@ -63,12 +62,11 @@ std::span<const std::uint8_t> VoxelStack<bool>::LayerOffsets() const
 
 void VoxelStack<bool>::Assign(std::span<const Plate> plates, std::span<const std::uint8_t> layerOffsets)
 {
-    if (plates.size() == 1 && brix::IsEmpty(plates.front())) return Release();
-    if (block_ == nullptr || block_->capacity != plates.size()) {
-        Block* const block = MakeBlock(plates.size());
-        Release();
-        block_ = block;
+    if (plates.size() == 1 && (brix::IsEmpty(plates.front()) || IsFull(plates.front()))) {
+        *this = IsFull(plates.front()) ? WhollyFilled() : VoxelStack();
+        return;
     }
+    OwnBlockOf(plates.size());
     HeightSet starts = 0;
     for (const std::uint8_t offset : layerOffsets) starts |= HeightSet{1} << offset;
     block_->layerStarts = starts;
@@ -77,15 +75,25 @@ void VoxelStack<bool>::Assign(std::span<const Plate> plates, std::span<const std
     std::copy(plates.begin(), plates.end(), PlatesOf(block_));
 }
 
-// Gives an unallocated stack its one layer to write to.
-void VoxelStack<bool>::Allocate()
+// Gives a stack without memory its one layer to write to.
+void VoxelStack<bool>::Own()
 {
-    if (block_ != nullptr) return;
+    if (OwnsBlock()) return;
+    const Plate plate = Plates().front();
     block_ = MakeBlock(1);
     block_->layerStarts = 1;
     block_->layerCount = 1;
     *Offsets(block_) = 0;
-    *PlatesOf(block_) = Plate{};
+    *PlatesOf(block_) = plate;
+}
+
+// A block of this capacity, with arbitrary content.
+void VoxelStack<bool>::OwnBlockOf(std::size_t capacity)
+{
+    if (OwnsBlock() && block_->capacity == capacity) return;
+    Block* const block = MakeBlock(capacity);
+    Release();
+    block_ = block;
 }
 
 // Makes room for exactly `layerCount` layers; existing layers keep their place, new ones are for the caller to write.
@@ -105,13 +113,13 @@ void VoxelStack<bool>::Resize(std::size_t layerCount)
 
 Plate& VoxelStack<bool>::LayerVoxelPlateRef(std::int32_t layer)
 {
-    Allocate();
+    Own();
     return PlatesOf(block_)[layer];
 }
 
 void VoxelStack<bool>::Compress()
 {
-    if (block_ == nullptr) return;
+    if (!OwnsBlock()) return;
     std::uint8_t* const offsets = Offsets(block_);
     Plate* const plates = PlatesOf(block_);
     std::size_t kept = 1;
@@ -126,7 +134,7 @@ void VoxelStack<bool>::Compress()
         }
         ++kept;
     }
-    if (kept == 1 && brix::IsEmpty(plates[0])) return Release();
+    if (kept == 1 && (brix::IsEmpty(plates[0]) || IsFull(plates[0]))) return Assign({plates, 1}, {offsets, 1});
     block_->layerCount = static_cast<std::uint8_t>(kept); // holds even if there is no memory to move to a smaller block
     Resize(kept);
 }
@@ -146,7 +154,7 @@ void VoxelStack<bool>::InsertCopyOfLayer(std::int32_t layer, std::int64_t z)
 
 std::int32_t VoxelStack<bool>::IsolateLevel(std::int64_t z, bool splitBelow, bool splitAbove)
 {
-    Allocate();
+    Own();
     std::int32_t layer = LayerID(z);
     if (splitBelow && LowerOffset(layer) < z) InsertCopyOfLayer(layer++, z);
     if (splitAbove && UpperOffset(layer) > z) InsertCopyOfLayer(layer, z + 1);
@@ -155,7 +163,7 @@ std::int32_t VoxelStack<bool>::IsolateLevel(std::int64_t z, bool splitBelow, boo
 
 void VoxelStack<bool>::Decompress()
 {
-    Allocate();
+    Own();
     if (IsFullyDecompressed()) return;
     Block* const block = MakeBlock(StackHeight);
     std::uint8_t* const offsets = Offsets(block);

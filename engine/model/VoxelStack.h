@@ -9,7 +9,8 @@
 //    z  0 +--------+
 //
 // No two adjacent layers are equal once a stack is compressed, so stacks of equal content have equal layers. A stack that is
-// wholly empty owns no memory and takes the 8 bytes of a pointer; any other owns one block that holds offsets and plates.
+// wholly empty or wholly filled owns no memory and takes the 8 bytes of a pointer; any other owns one block that holds offsets
+// and plates.
 #pragma once
 
 #include "VoxelPlate.h"
@@ -42,6 +43,15 @@ template <> class VoxelStack<bool>
 public:
     /// Wholly empty: one layer with an empty plate.
     VoxelStack() noexcept = default;
+
+    /// Wholly filled: one layer with a filled plate.
+    static VoxelStack WhollyFilled() noexcept
+    {
+        VoxelStack stack;
+        stack.block_ = FilledBlock();
+        return stack;
+    }
+
     VoxelStack(const VoxelStack& other);
     VoxelStack(VoxelStack&& other) noexcept : block_(other.block_) { other.block_ = nullptr; }
     VoxelStack& operator=(const VoxelStack& other);
@@ -77,6 +87,9 @@ public:
     /// Whether the stack is stored as wholly empty. A compressed stack without filled voxels always is.
     bool IsUnallocated() const { return block_ == nullptr; }
 
+    /// Whether the stack is stored as wholly filled. A compressed stack without empty voxels always is.
+    bool IsWhollyFilled() const { return block_ == FilledBlock(); }
+
     /// Merges adjacent equal layers and gives spare memory back.
     void Compress();
 
@@ -101,19 +114,23 @@ public:
     /// Replaces the content by these layers; adjacent plates must differ and the first offset must be 0.
     void Assign(std::span<const VoxelPlate<bool>> plates, std::span<const std::uint8_t> layerOffsets);
 
+    /// Tells the processor that the layers will be read.
+    void Prefetch() const { __builtin_prefetch(block_); }
+
     /// Bytes of the heap that the stack owns.
-    std::size_t AllocatedBytes() const { return block_ == nullptr ? 0 : BlockBytes(block_->capacity); }
+    std::size_t AllocatedBytes() const { return OwnsBlock() ? BlockBytes(block_->capacity) : 0; }
 
     friend bool operator==(const VoxelStack& a, const VoxelStack& b);
 
 private:
-    // The head of the one allocation; layerOffsets[capacity] follow at once, in the head's spare bytes, and plates[capacity] at
-    // the next multiple of 16 bytes.
+    // The head of the one allocation; layerOffsets[capacity] begin in it, and plates[capacity] follow at the next multiple of 16
+    // bytes.
     struct Block
     {
         HeightSet layerStarts; // what the offsets say, as a set
         std::uint8_t layerCount;
         std::uint8_t capacity;
+        std::array<std::uint8_t, 6> firstLayerOffsets;
     };
 
     static constexpr std::size_t OffsetsStart = sizeof(HeightSet) + 2;
@@ -131,10 +148,22 @@ private:
 
     static constexpr VoxelPlate<bool> NoPlate{}; // the layer of a stack without memory
 
+    static Block* FilledBlock() { return const_cast<Block*>(&filled.block); }
+
+    bool OwnsBlock() const { return block_ != nullptr && !IsWhollyFilled(); }
     void Release() noexcept;
-    void Allocate();
+    void Own();
+    void OwnBlockOf(std::size_t capacity);
     void Resize(std::size_t layerCount);
     void InsertCopyOfLayer(std::int32_t layer, std::int64_t z);
+
+    // What all wholly filled stacks point to, laid out as every block is. Nobody writes to it.
+    struct Filled
+    {
+        Block block;
+        VoxelPlate<bool> plate;
+    };
+    static const Filled filled;
 
     Block* block_ = nullptr;
 };

@@ -2,7 +2,7 @@
 
 #include "../model/CombineStacks.h"
 #include "../model/ForEachStack.h"
-#include "../model/PropagateLevel.h"
+#include "../model/PropagateChunk.h"
 #include "FilledBounds.h"
 #include "RegionLabels.h"
 
@@ -159,7 +159,7 @@ std::vector<VoxelModel<bool>> Splitter::MakeModels(const Axes& axes, std::int64_
             Part& part = parts_[number];
             MakeStack(model, StackOfVoxel(part.corner), lod) = std::move(part.content);
         }
-        PropagateLevel(model, lod);
+        PropagateResult(model, lod);
     }
     return models;
 }

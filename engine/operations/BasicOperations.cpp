@@ -73,8 +73,11 @@ std::int64_t CountFilled(const VoxelModel<bool>& model, std::int64_t lod)
     std::int64_t count = 0;
     RunWith(FastestInstructionSet(), [&] {
         ForEachStoredStack(model, lod, [&](const Store& store, const StackIndices& ij) {
-            const Stack& stack = store.VoxelStackRef(ij);
-            if (!stack.IsUnallocated()) count += CountFilled(stack);
+            const Stack& stack = store.ValidStackRef(ij);
+            if (stack.IsWhollyFilled())
+                count += PlateWidth * PlateWidth * StackHeight;
+            else if (!stack.IsUnallocated())
+                count += CountFilled(stack);
         });
     });
     return count;

@@ -4,7 +4,7 @@
 #include "../model/CombineStacks.h"
 #include "../model/ForEachStack.h"
 #include "../model/InstructionSet.h"
-#include "../model/PropagateLevel.h"
+#include "../model/PropagateChunk.h"
 #include "BasicOperations.h"
 #include "MergedExtents.h"
 
@@ -214,8 +214,7 @@ std::vector<VoxelModel<bool>> DensityMap(const std::vector<const VoxelModel<bool
         RunWith(FastestInstructionSet(), [&] { WriteChunk(results, chunk, sources, weights, thresholds, stacks); });
     }
     for (VoxelModel<bool>& result : results) {
-        result.ReleaseEmptyChunks();
-        PropagateLevel(result, lod);
+        PropagateResult(result, lod);
     }
     return results;
 }

@@ -47,9 +47,6 @@ public:
     /// stacks until all are written. What all sources leave empty becomes empty without being written.
     template <class Write> void Rewrite(std::span<const Source> sources, const Write& write);
 
-    /// The same for every stack of the grid, whatever it holds.
-    template <class Write> void RewriteAll(const Write& write);
-
     /// A model on the extents whose finest level holds the grid's stacks, which are gone afterwards; coarser levels are left
     /// empty.
     VoxelModel<bool> TakeModel();
@@ -123,12 +120,6 @@ template <class Write> void LevelGrid::WriteBlock(const Triple& chunk, const Row
 template <class Write> void LevelGrid::Rewrite(std::span<const Source> sources, const Write& write)
 {
     for (const Triple& chunk : ChunksToWrite(sources)) WriteBlock(chunk, StacksToWrite(chunk, sources), write);
-    ReplaceByWritten();
-}
-
-template <class Write> void LevelGrid::RewriteAll(const Write& write)
-{
-    ForEachTriple(ChunkOf(lower_), ChunkOf(upper_), [&](const Triple& chunk) { WriteBlock(chunk, StacksOfGrid(chunk), write); });
     ReplaceByWritten();
 }
 

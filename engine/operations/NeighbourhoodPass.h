@@ -105,7 +105,8 @@ bool Pass(LevelGrid& grid, std::initializer_list<LevelGrid::Source> sources, con
     return isChanged;
 }
 
-// PassAlong for one axis and side. What is seen lies in two stacks, which are `skipped` and one more stacks away.
+// PassAlong for one axis and side. What is seen lies in two stacks, which are `skipped` and one more stacks away; without a
+// barrier there is no plate of it.
 template <Axis axis, Side side, class Rule, class Restrain>
 bool PassTowards(LevelGrid& grid, std::int64_t distance, const Rule& rule, const Restraint<Restrain>& restraint,
                  InstructionSet instructionSet)
@@ -113,27 +114,40 @@ bool PassTowards(LevelGrid& grid, std::int64_t distance, const Rule& rule, const
     using Plate = VoxelPlate<bool>;
     const std::int64_t skipped = (distance - 1) / StackSizeAlong(axis);
     const std::int64_t steps = distance - skipped * StackSizeAlong(axis);
-    const auto withSeen = [&](const Triple& stack, const auto& combine) {
+    const auto withSeen = [&](const Triple& stack, const auto& combine, const auto&... barrier) {
         const VoxelStack<bool>& near = grid.StackAt(NeighbourOf(stack, axis, side, skipped));
         const VoxelStack<bool>& far = grid.StackAt(NeighbourOf(stack, axis, side, skipped + 1));
         if constexpr (axis == Axis::Z)
-            combine(grid.StackAt(stack), SeenTowards<side>(near, far, steps));
+            combine(grid.StackAt(stack), SeenTowards<side>(near, far, steps), barrier...);
         else
-            combine(grid.StackAt(stack), near, far);
+            combine(grid.StackAt(stack), near, far, barrier...);
+    };
+    const auto seenBeyond = [&](const Plate& seen, const auto&... barrier) {
+        if constexpr (sizeof...(barrier) == 0)
+            return seen;
+        else
+            return restraint.restrain(seen, barrier...);
+    };
+    const auto ruleTowards = [&](const Plate& here, const auto&... plates) {
+        if constexpr (axis == Axis::Z)
+            return rule(here, seenBeyond(plates...));
+        else
+            return [&](const Plate& near, const Plate& far, const auto&... barrier) {
+                return rule(here, seenBeyond(Towards<axis, side>(near, far, steps), barrier...));
+            }(plates...);
     };
     const LevelGrid::Source nearSource{&grid, NeighbourOf({}, axis, side, skipped)};
     const LevelGrid::Source farSource{&grid, NeighbourOf({}, axis, side, skipped + 1)};
-    if constexpr (axis == Axis::Z) {
-        return Pass(grid, {{&grid}, nearSource, farSource}, withSeen, rule, restraint, instructionSet);
-    } else {
-        const auto ruleTowards = [&](const Plate& here, const Plate& near, const Plate& far) {
-            return rule(here, Towards<axis, side>(near, far, steps));
-        };
-        return Pass(grid, {{&grid}, nearSource, farSource}, withSeen, ruleTowards, restraint, instructionSet);
-    }
+    if (restraint.guide == nullptr)
+        return Pass(grid, {{&grid}, nearSource, farSource}, withSeen, ruleTowards, Unrestrained, instructionSet);
+    const auto withBarrier = [&](const Triple& stack, const auto& combine) {
+        withSeen(stack, combine, restraint.guide->StackAt(stack));
+    };
+    return Pass(grid, {{&grid}, nearSource, farSource}, withBarrier, ruleTowards, Unrestrained, instructionSet);
 }
 
-/// Rewrites every plate by rule(here, seen), each voxel of `seen` being what the voxel sees where the pass looks.
+/// Rewrites every plate by rule(here, seen), each voxel of `seen` being what the voxel sees where the pass looks. A restraint
+/// holds what is seen, not the result. The rule must be empty where `here` and `seen` are.
 template <class Rule, class Restrain>
 bool PassAlong(LevelGrid& grid, const Look& look, const Rule& rule, const Restraint<Restrain>& restraint,
                InstructionSet instructionSet = FastestInstructionSet())

@@ -3,7 +3,7 @@
 #include "../model/CombineStacks.h"
 #include "../model/ForEachStack.h"
 #include "../model/InstructionSet.h"
-#include "../model/PropagateLevel.h"
+#include "../model/PropagateChunk.h"
 #include "BasicOperations.h"
 
 #include <utility>
@@ -41,8 +41,7 @@ template <class Source> VoxelModel<bool> TransferOneLevel(Source& source, const 
 
 VoxelModel<bool> Propagated(VoxelModel<bool>&& model, std::int64_t lod)
 {
-    model.ReleaseEmptyChunks();
-    PropagateLevel(model, lod);
+    PropagateResult(model, lod);
     return std::move(model);
 }
 

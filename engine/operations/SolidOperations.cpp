@@ -4,6 +4,7 @@
 #include "../model/CombineStacks.h"
 #include "../model/ForEachStack.h"
 #include "../model/InstructionSet.h"
+#include "../model/PropagateChunk.h"
 #include "../model/PropagateLevel.h"
 #include "BasicOperations.h"
 #include "MergedExtents.h"
@@ -77,6 +78,55 @@ const Store* StoreOf(const VoxelModel<bool>* model, const Triple& chunk, std::in
     return found != nullptr ? &found->VoxelStoreRef(lod) : nullptr;
 }
 
+// The voxels of a chunk that extents hold; none where an upper index lies below its lower one.
+struct ChunkPart
+{
+    ChunkPart(const Store& store, const Extents& extents)
+        : lower(extents.LowerCornerClamp(store.LowerIndices())),
+          upper(extents.UpperCornerClamp(Plus(store.LowerIndices(store.LastStack()), LastOffset)))
+    {}
+    bool Covers(const ChunkPart& other) const
+    {
+        return IsWithin(other.lower, lower, upper) && IsWithin(other.upper, lower, upper);
+    }
+
+    Triple lower;
+    Triple upper;
+};
+
+// Whether a store is empty (0) or full (1) throughout the part; nothing if it is neither.
+std::optional<bool> UniformValue(const Store* store, const ChunkPart& part)
+{
+    if (store == nullptr || (store->IsUniform() && !store->IsUniformlyFull())) return false;
+    if (store->IsUniformlyFull() && ChunkPart(*store, store->ExtentsRef()).Covers(part)) return true;
+    return std::nullopt;
+}
+
+// What a rule makes of two stores throughout, if that follows without a look at their stacks.
+template <class Rule> std::optional<bool> UniformResult(const Rule& rule, std::optional<bool> a, std::optional<bool> b)
+{
+    std::array<bool, 2> canBe{};
+    for (const bool x : {false, true}) {
+        for (const bool y : {false, true}) {
+            const auto plateOf = [](bool value) { return value ? FilledPlate() : Plate{}; };
+            if (a.value_or(x) == x && b.value_or(y) == y) canBe[IsFull(rule(plateOf(x), plateOf(y))) ? 1 : 0] = true;
+        }
+    }
+    if (canBe[0] == canBe[1]) return std::nullopt;
+    return canBe[1];
+}
+
+// Combines two chunks' stores if the result follows without a look at their stacks.
+template <class Rule>
+bool CombineUniform(Store& to, const Rule& rule, const Store* a, const Store* b, const std::optional<Extents>& clip)
+{
+    const ChunkPart whole(to, to.ExtentsRef());
+    if (clip && !ChunkPart(to, *clip).Covers(whole)) return false;
+    const std::optional<bool> value = UniformResult(rule, UniformValue(a, whole), UniformValue(b, whole));
+    if (value) to.MakeUniform(*value);
+    return value.has_value();
+}
+
 // The chunks of `result` in which a combination may leave something.
 std::vector<Triple> ChunksOf(Where where, const VoxelModel<bool>& result, const VoxelModel<bool>* first,
                              const VoxelModel<bool>* second)
@@ -108,7 +158,9 @@ void Combine(VoxelModel<bool>& result, std::int64_t lod, const Rule& rule, const
     const auto combineChunk = [&](const Triple& chunk) {
         const Store* const a = StoreOf(first, chunk, lod);
         const Store* const b = StoreOf(second, chunk, lod);
-        ForEachStackOfStore(result.ChunkRef(chunk).VoxelStoreRef(lod), [&](Store& to, const StackIndices& ij) {
+        Store& combined = result.ChunkRef(chunk).VoxelStoreRef(lod);
+        if (CombineUniform(combined, rule, a, b, clip)) return;
+        ForEachStackOfStore(combined, [&](Store& to, const StackIndices& ij) {
             Stack& stack = to.VoxelStackRef(ij);
             const Stack& x = a != nullptr ? a->VoxelStackRef(ij) : EmptyStack;
             const Stack& y = b != nullptr ? b->VoxelStackRef(ij) : EmptyStack;
@@ -167,8 +219,7 @@ void CombineAll(VoxelModel<bool>& result, const Rule& rule, const ModelPointers&
 VoxelModel<bool> CroppedOrPropagated(VoxelModel<bool>&& model, bool autoCrop)
 {
     if (autoCrop) return AutoCrop(std::move(model));
-    model.ReleaseEmptyChunks();
-    PropagateLevel(model, model.FinestLOD());
+    PropagateResult(model, model.FinestLOD());
     return std::move(model);
 }
 
@@ -229,7 +280,7 @@ VoxelModel<bool> Invert(const VoxelModel<bool>& model)
     const std::int64_t lod = model.FinestLOD();
     VoxelModel<bool> result(model.ExtentsRef(lod), lod);
     Combine(result, lod, NotInFirst(), &model, nullptr, model.ExtentsRef(lod));
-    PropagateLevel(result, lod);
+    PropagateResult(result, lod);
     return result;
 }
 

@@ -5,6 +5,7 @@
 #include "BasicOperations.h"
 #include "RebuildModel.h"
 
+#include <bit>
 #include <utility>
 
 namespace brix {
@@ -30,11 +31,23 @@ SurfacePasses<Change>::SurfacePasses(const VoxelModel<bool>& source, const std::
     Pass(grid_, {{&grid_}, {&*guide_}}, withGuide, Change::Restrain, Unrestrained);
 }
 
-// With a guide a pass looks one voxel far, as the guide may stop growth at each of them.
-template <class Change> void SurfacePasses<Change>::StepByStep(Axis axis, Side seenSide, std::int64_t count)
+// With a guide the steps double as well (the occluded fill of Kogge and Stone): a voxel that looks `step` voxels far sees past no
+// guide voxel, which is to say, none of the `step` voxels from itself on is one. Those for which one is are the guide grown by
+// step - 1 voxels. After `moved` voxels the next step may be moved + 1.
+template <class Change> void SurfacePasses<Change>::AlongGuide(Axis axis, Side seenSide, std::int64_t count)
 {
-    for (std::int64_t moved = 0; moved < count; ++moved) {
-        if (!PassAlong(grid_, {axis, seenSide, 1}, Change::Along, Guided())) return; // all further passes would do nothing
+    LevelGrid barrier(*guideVoxels_, grid_.ExtentsRef());
+    std::int64_t barrierStep = 1;
+    std::int64_t moved = 0;
+    for (auto passes = static_cast<int>(std::bit_width(static_cast<std::uint64_t>(count))); passes-- > 0;) {
+        const std::int64_t step = (count >> passes) - moved; // moved is half of what it will be, rounded down
+        while (barrierStep < step) {
+            const std::int64_t farther = std::min(barrierStep, step - barrierStep);
+            PassAlong(barrier, {axis, seenSide, farther}, Growth::Along, Unrestrained);
+            barrierStep += farther;
+        }
+        if (!PassAlong(grid_, {axis, seenSide, step}, Change::Along, Restraint{&barrier, Change::Restrain})) return;
+        moved += step;
     }
 }
 
@@ -43,9 +56,9 @@ template <class Change> bool SurfacePasses<Change>::Look(Axis axis, std::int64_t
 {
     const bool isNear = towardsLower <= StackSizeAlong(axis) && towardsUpper <= StackSizeAlong(axis);
     if (isNear && towardsLower > 0 && towardsUpper > 0)
-        return PassBothWays(grid_, axis, towardsLower, towardsUpper, Change::Along, Guided());
-    const bool isLower = towardsLower > 0 && PassAlong(grid_, {axis, Side::Lower, towardsLower}, Change::Along, Guided());
-    const bool isUpper = towardsUpper > 0 && PassAlong(grid_, {axis, Side::Upper, towardsUpper}, Change::Along, Guided());
+        return PassBothWays(grid_, axis, towardsLower, towardsUpper, Change::Along, Unrestrained);
+    const bool isLower = towardsLower > 0 && PassAlong(grid_, {axis, Side::Lower, towardsLower}, Change::Along, Unrestrained);
+    const bool isUpper = towardsUpper > 0 && PassAlong(grid_, {axis, Side::Upper, towardsUpper}, Change::Along, Unrestrained);
     return isLower || isUpper;
 }
 
@@ -56,8 +69,8 @@ template <class Change> void SurfacePasses<Change>::Along(Axis axis, std::int64_
 {
     constexpr bool areSidesCrossed = Change::SeenSideOfLower == Side::Upper;
     if (guide_) {
-        StepByStep(axis, Change::SeenSideOfLower, lower);
-        StepByStep(axis, Change::SeenSideOfUpper, upper);
+        AlongGuide(axis, Change::SeenSideOfLower, lower);
+        AlongGuide(axis, Change::SeenSideOfUpper, upper);
         return;
     }
     std::int64_t toSeeLower = areSidesCrossed ? upper : lower;

@@ -75,7 +75,7 @@ public:
 private:
     auto Guided() const { return Restraint{guide_ ? &*guide_ : nullptr, Change::Restrain}; }
 
-    void StepByStep(Axis axis, Side seenSide, std::int64_t count);
+    void AlongGuide(Axis axis, Side seenSide, std::int64_t count);
     bool Look(Axis axis, std::int64_t towardsLower, std::int64_t towardsUpper);
 
     const VoxelModel<bool>& source_;

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "../model/ForEachStack.h"
-#include "../model/PropagateLevel.h"
+#include "../model/PropagateChunk.h"
 #include "../model/StackIterator.h"
 
 #include <utility>
@@ -33,7 +33,7 @@ public:
             VoxelStack<bool>& stack = store.VoxelStackRef(ij);
             if (stack.IsFullyDecompressed()) stack.Compress();
         });
-        PropagateLevel(model_, model_.FinestLOD());
+        PropagateResult(model_, model_.FinestLOD());
         return std::move(model_);
     }
 

@@ -27,7 +27,7 @@ class TriangleChunk
 public:
     static constexpr const char* ModelName = "a triangle model"; // in messages
 
-    TriangleChunk(const LevelExtents&, const Triple&) {}
+    TriangleChunk(const BoundsOfLevels&, const Triple&) {}
 
     /// Appends a triangle (base units) as it stands, whether it concerns the chunk or not. Corners farther than MaxCoordinate
     /// from the origin are moved to that bound.

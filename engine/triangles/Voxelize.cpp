@@ -21,7 +21,7 @@ constexpr std::size_t MostOpenStacks = 16384;
 class Canvas
 {
 public:
-    Canvas(const Extents& indexSpace, const Triple& lowerIndices) : store_(std::in_place, indexSpace, lowerIndices) {}
+    Canvas(const LevelBounds& indexSpace, const Triple& lowerIndices) : store_(std::in_place, indexSpace, lowerIndices) {}
 
     TriangleRaster& Open(const Triple& voxelSize)
     {
@@ -78,7 +78,8 @@ public:
           voxelSize_(axes.VoxelSize(finestLOD)),
           chunkSize_(ChunkSize(axes)),
           indexSpace_(IndexSpace(axes, finestLOD)),
-          canvases_(ChunkOfVoxel(indexSpace_.LowerIndices(), finestLOD), ChunkOfVoxel(indexSpace_.UpperIndices(), finestLOD))
+          canvases_(ChunkOfVoxel(indexSpace_.ExtentsRef().LowerIndices(), finestLOD),
+                    ChunkOfVoxel(indexSpace_.ExtentsRef().UpperIndices(), finestLOD))
     {}
 
     void Add(std::span<const WorldTriangle> triangles)
@@ -200,7 +201,7 @@ private:
     const std::int64_t finestLOD_;
     const Triple voxelSize_;
     const Triple chunkSize_; // in base units
-    const Extents indexSpace_;
+    const LevelBounds indexSpace_;
     const InstructionSet instructionSet_ = FastestInstructionSet();
     ChunkTable<Canvas> canvases_;
     Canvas* current_ = nullptr;

@@ -1,7 +1,7 @@
 #include "Visibility.h"
 
 #include "../frame/Require.h"
-#include "../model/PropagateLevel.h"
+#include "../model/PropagateChunk.h"
 #include "../operations/BasicOperations.h"
 #include "Sight.h"
 #include "SightOpening.h"
@@ -103,7 +103,7 @@ VoxelModel<bool> VisibleFromPoint(const VoxelModel<bool>& model, const View& vie
 {
     if (autoAdjustExtents) return VisibleBeyondExtents(model, view);
     VoxelModel<bool> result = VisibleInExtents(model, view);
-    PropagateLevel(result, view.lod);
+    PropagateResult(result, view.lod);
     return result;
 }
 
@@ -134,7 +134,7 @@ VoxelModel<bool> VisibilityFromDirection(const VoxelModel<bool>& voxelModel, con
 
     VoxelModel<bool> result(voxelModel.ExtentsRef(lod), lod);
     sight::MarkFromDirection(result, voxelModel, direction, lod, threshold, FastestInstructionSet());
-    PropagateLevel(result, lod);
+    PropagateResult(result, lod);
     return result;
 }
 

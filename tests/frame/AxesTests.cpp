@@ -41,6 +41,10 @@ TEST(Axes, TurnCounterClockwiseAboutTheOrigin)
     EXPECT_NEAR(world[0], 10 - 200, 1e-6);
     EXPECT_NEAR(world[1], 20 + 1000, 1e-6);
     EXPECT_EQ(world[2], 37);
+
+    // As hosts turn things, by degrees * pi / 180 as a double: at 90 degrees the cosine is what half of pi lacks.
+    const double unit = Axes(1, {0, 0, 0}, 0, 0).ToWorldDistance(1);
+    EXPECT_EQ(Axes(1, {0, 0, 0}, 90, 0).ToWorldCoordinates({1, 0, 0})[0], 0x1.1a62633145c07p-54 * unit);
 }
 
 TEST(Axes, ReturnToTheSamePointFromWorldCoordinates)

@@ -39,11 +39,12 @@ std::size_t BytesOf(int layers)
     return stack.AllocatedBytes();
 }
 
-// Of a model of one chunk without a filled voxel.
-std::size_t BytesOfChunk(std::int64_t finestLOD, const Triple& upper, std::int64_t lod)
+// Of a model of one chunk without a filled voxel, with stacks or without.
+std::size_t BytesOfChunk(std::int64_t finestLOD, const Triple& upper, std::int64_t lod, bool hasStacks)
 {
     VoxelModel<bool> model(Extents(Axes(1, {0, 0, 0}, 0, 0), {0, 0, 0}, upper, lod), finestLOD);
-    model.ChunkRef({0, 0, 0});
+    VoxelChunk<bool>& chunk = model.ChunkRef({0, 0, 0});
+    for (std::int64_t level = 0; hasStacks && level <= finestLOD; ++level) chunk.VoxelStoreRef(level).VoxelStackRef({0, 0});
     return model.AllocatedBytes();
 }
 
@@ -51,15 +52,16 @@ TEST(Memory, IsAsTheDocumentSays)
 {
     if (sizeof(void*) != 8) GTEST_SKIP() << "the table is of 64-bit pointers";
     const std::map<std::string, std::size_t> found{
-        {"an empty stack: a null pointer in its store", sizeof(VoxelStack<bool>)},
+        {"an empty or full stack: a pointer in its store", sizeof(VoxelStack<bool>)},
         {"a stack of one layer", BytesOf(1)},
         {"a stack of two layers", BytesOf(2)},
         {"a stack of 64 layers", BytesOf(64)},
         {"a store without its stacks, which are 8 for each that is touched", sizeof(VoxelStore<bool>)},
         {"a chunk without its stores", sizeof(VoxelChunk<bool>)},
-        {"an empty chunk with levels 0 to 3, and its place in the table", BytesOfChunk(3, {15, 15, 63}, 0)},
-        {"the same with levels 0 to 5: 512 x 512 x 64 voxels of level 5", BytesOfChunk(5, {15, 15, 63}, 0)},
-        {"the same in a model that is a single voxel of level 5", BytesOfChunk(5, {0, 0, 0}, 5)}};
+        {"an empty or full chunk with levels 0 to 5, and its place in the table", BytesOfChunk(5, {15, 15, 63}, 0, false)},
+        {"the same with all its stacks: 512 x 512 x 64 voxels of level 5", BytesOfChunk(5, {15, 15, 63}, 0, true)},
+        {"the same with levels 0 to 3 only", BytesOfChunk(3, {15, 15, 63}, 0, true)},
+        {"the same in a model that is a single voxel of level 5", BytesOfChunk(5, {0, 0, 0}, 5, true)}};
     auto documented = DocumentedTable("model.md", "memory");
     for (const auto& [what, bytes] : found) EXPECT_EQ(documented[what], std::to_string(bytes)) << what;
     EXPECT_EQ(documented.size(), found.size() + 1) << "a row without a figure of its own";
