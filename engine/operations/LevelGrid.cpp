@@ -58,7 +58,8 @@ std::vector<Triple> LevelGrid::ChunksToWrite(std::span<const Source> sources) co
 {
     std::vector<Triple> chunks;
     for (const Source& source : sources) {
-        source.grid->blocks_.ForEach([&](const Triple& chunk, const Block&) {
+        source.grid->blocks_.ForEach([&](const Triple& chunk, const Block& block) {
+            if (!block.IsOccupied()) return; // nothing came of writing it
             const Triple first = Minus(Triple{chunk[0] << bits_, chunk[1] << bits_, chunk[2]}, source.offset);
             const Triple last = Plus(first, {PerRow() - 1, PerRow() - 1, 0});
             ForEachTriple(Highest(ChunkOf(first), ChunkOf(lower_)), Lowest(ChunkOf(last), ChunkOf(upper_)),

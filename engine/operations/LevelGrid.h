@@ -3,6 +3,7 @@
 
 #include "../model/VoxelModel.h"
 
+#include <algorithm>
 #include <span>
 
 namespace brix {
@@ -61,6 +62,11 @@ private:
         const VoxelStack<bool>& StackAt(std::int64_t i, std::int64_t j, std::int64_t bits) const
         {
             return looksAt != nullptr ? looksAt->VoxelStackRef({i, j}) : stacks[static_cast<std::size_t>(j << bits | i)];
+        }
+
+        bool IsOccupied() const
+        {
+            return std::any_of(occupied.begin(), occupied.end(), [](std::uint32_t row) { return row != 0; });
         }
 
         Rows occupied{};

@@ -1,6 +1,9 @@
 // Growth and shrinkage against their definitions, voxel by voxel and pass by pass; every sentence that they raise.
 #include "operations/SurfaceOperations.h"
 
+#include "operations/BasicOperations.h"
+#include "operations/SolidOperations.h"
+#include "support/FailingAllocations.h"
 #include "support/Messages.h"
 #include "support/RandomCompanions.h"
 #include "support/ReferenceOperations.h"
@@ -209,6 +212,21 @@ TEST(SurfaceOperations, WorkAtTheLimitsOfTheIndexSpace)
                       ? "The upper extent in the X direction must be less than 800000. The value encountered was 800000."
                       : "The lower extent in the X direction cannot be less than -800000. The value encountered was -800001.");
     }
+}
+
+// A room whose walls the guide holds. Passes go where the last one left something, not to what lay beside that before.
+TEST(SurfaceOperations, TouchNothingBehindTheGuide)
+{
+    const Axes axes(1, {0, 0, 0}, 0, 0);
+    const ReferenceModel room = ReferenceModel(Extents(axes, {-60, -60, 0}, {60, 60, 2}, 0), 0, 0).Where([](const Triple& voxel) {
+        return std::max(std::abs(voxel[0]), std::abs(voxel[1])) == 60;
+    });
+    const VoxelModel<bool> source = Invert(VoxelModel<bool>(Extents(axes, {0, 0, 0}, {0, 0, 2}, 0), 0));
+    const std::optional<VoxelModel<bool>> guide = MakeModel(room);
+    const std::int64_t before = AllocationCount();
+    const VoxelModel<bool> grown = ExpandHorizontally(source, 9000, guide, true);
+    EXPECT_LT(AllocationCount() - before, 20000);
+    EXPECT_EQ(CountFilled(grown, 0), 119 * 119 * 3);
 }
 
 } // namespace
