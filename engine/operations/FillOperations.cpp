@@ -8,6 +8,7 @@
 #include "../model/PropagateChunk.h"
 #include "../model/VoxelIterator.h"
 #include "EmptyRegions.h"
+#include "Neighbourhood.h"
 #include "PlateFlood.h"
 
 #include <algorithm>
@@ -52,12 +53,6 @@ struct StackRuns
 constexpr std::size_t NumberOf(Axis axis, Side side)
 {
     return 2 * static_cast<std::size_t>(axis) + (side == Side::Upper ? 1 : 0);
-}
-
-Triple Beside(Triple chunk, Axis axis, Side side)
-{
-    chunk[static_cast<std::size_t>(axis)] += side == Side::Lower ? -1 : 1;
-    return chunk;
 }
 
 // What the flood can come to: a stack of a chunk that is neither empty nor full, by its number; a region of empty chunks, which
@@ -209,7 +204,7 @@ void Flood::FindNeighbours()
         for (const Axis axis : {Axis::X, Axis::Y, Axis::Z}) {
             for (const Side side : {Side::Lower, Side::Upper}) {
                 Place& place = mixed_[i].beside[NumberOf(axis, side)];
-                const Triple beside = Beside(mixed_[i].chunk, axis, side);
+                const Triple beside = NeighbourOf(mixed_[i].chunk, axis, side);
                 if (const auto found = numbers.find(beside); found != numbers.end()) {
                     place = found->second * StacksPerChunk();
                 } else if (const std::size_t region = regions_->RegionOf(beside); region != EmptyRegions::None) {

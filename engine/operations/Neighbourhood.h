@@ -10,6 +10,13 @@
 
 namespace brix {
 
+/// The stack or chunk `count` places away.
+inline Triple NeighbourOf(Triple place, Axis axis, Side side, std::int64_t count = 1)
+{
+    place[static_cast<std::size_t>(axis)] += side == Side::Lower ? -count : count;
+    return place;
+}
+
 /// What the voxels of a plate see beside them.
 struct HorizontalNeighbours
 {

@@ -29,12 +29,6 @@ template <class Restrain> Restraint(const LevelGrid*, Restrain) -> Restraint<Res
 
 inline constexpr Restraint Unrestrained{nullptr, [](const VoxelPlate<bool>& plate, const VoxelPlate<bool>&) { return plate; }};
 
-inline Triple NeighbourOf(Triple stack, Axis axis, Side side, std::int64_t count = 1)
-{
-    stack[static_cast<std::size_t>(axis)] += side == Side::Lower ? -count : count;
-    return stack;
-}
-
 /// The stacks beside those of a grid, as what a pass reads.
 inline LevelGrid::Source Beside(const LevelGrid& grid, Axis axis, Side side) { return {&grid, NeighbourOf({}, axis, side)}; }
 
