@@ -8,7 +8,7 @@ set(BRIX_INTERNAL_HEADERS
     model/CombineStacks.h
     model/ForEachStack.h
     model/InstructionSet.h
-    model/PropagateChunk.h
+    model/PropagateStores.h
     operations/EmptyRegions.h
     operations/FilledBounds.h
     operations/LevelGrid.h

@@ -19,6 +19,7 @@
 
 #include "brix/model/ChunkTable.h"
 #include "brix/model/ReaderChunks.h"
+#include "brix/model/SpinLock.h"
 
 #include "brix/model/Model.h"
 #include "brix/model/VoxelChunk.h"

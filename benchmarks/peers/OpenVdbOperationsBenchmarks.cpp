@@ -7,10 +7,15 @@
 //                                   (intersection) of one pass over four and one over two neighbours
 //   ExpandAlongX<n> ..              the engine along one axis, both sides; ExpandAlongXThenYThenZ<n> grows into the whole box
 //   ExpandHorizontally<n>           the engine by a disc of n voxels across
+//   ExpandFace16                    the same sixteen times, one result after the other, other levels made at the end
 //   Union .., VdbUnion ..           two sets, the second moved against the first
+//   UnionInPlace .., Vdb..InPlace   the same with a first set that is given away: its copy is not timed
+//   FindVoxel, AreFilled            100,000 random places, beside OpenVDB's cached accessor
+//   Line..                          as many places, one after the other along straight lines
 #include "Measure.h"
 #include "OperationScenes.h"
 
+#include "model/AreFilled.h"
 #include "model/VoxelIterator.h"
 #include "operations/BasicOperations.h"
 #include "operations/SolidOperations.h"
@@ -102,6 +107,20 @@ Model ExpandFaces(const Model& model)
     return Union({&beside, &stacked}, model.FinestLOD(), true);
 }
 
+// What a host does that grows step by step: nobody looks at the other levels in between.
+Model ExpandFaces(const Model& model, int times)
+{
+    Model result = model;
+    result.MakeLevels(OtherLevels::WhenAskedFor);
+    for (int i = 0; i < times; ++i) {
+        const Model stacked = ExpandAlongZ(result, 1, 1, {}, true);
+        result = ExpandByOneVoxel(result, 1, 0, {}, true);
+        UnionInPlace(result, stacked);
+    }
+    result.MakeLevels(OtherLevels::AtOnce);
+    return result;
+}
+
 Model ReduceFaces(const Model& model)
 {
     const Model beside = ReduceByOneVoxel(model, 1, 0, {}, true);
@@ -127,6 +146,37 @@ std::vector<Triple> RandomPlaces(const Scene& scene)
     return places;
 }
 
+// A straight line through the extents, from any voxel in any of the 26 directions.
+struct Line
+{
+    Triple from;
+    Triple step;
+    std::int64_t length;
+};
+
+// Lines of 100,000 voxels together.
+std::vector<Line> RandomLines(const Scene& scene)
+{
+    std::mt19937_64 random(11);
+    std::vector<Line> lines;
+    std::int64_t left = 100'000;
+    for (const Triple& from : RandomPlaces(scene)) {
+        Line line{from, {}, left};
+        const auto direction = static_cast<std::int64_t>(random() % 26);
+        const std::int64_t code = direction < 13 ? direction : direction + 1; // not the middle one
+        for (std::size_t i = 0; i < 3; ++i) {
+            line.step[i] = std::array<std::int64_t, 3>{code % 3, code / 3 % 3, code / 9}[i] - 1;
+            const std::int64_t room =
+                line.step[i] < 0 ? from[i] - scene.extents.LowerIndices()[i] : scene.extents.UpperIndices()[i] - from[i];
+            if (line.step[i] != 0) line.length = std::min(line.length, room + 1);
+        }
+        lines.push_back(line);
+        left -= line.length;
+        if (left == 0) break;
+    }
+    return lines;
+}
+
 // All benchmarks of one scene, registered under its name.
 class SceneBenchmarks
 {
@@ -137,6 +187,7 @@ public:
     {
         RegisterSurfaces();
         RegisterSolids();
+        RegisterAllInPlace();
         RegisterQueries();
     }
 
@@ -165,7 +216,7 @@ private:
     {
         for (const int n : {1, 16}) {
             const std::string number = std::to_string(n);
-            RegisterRun("VdbDilateFace" + number, n == 1 ? "face growth" : "", [=](const Scene& scene) {
+            RegisterRun("VdbDilateFace" + number, n == 1 ? "face growth" : "face growth 16", [=](const Scene& scene) {
                 return Changed(TreesOf(scene).tree, openvdb::tools::dilateActiveValues<Tree>, n);
             });
             RegisterRun("VdbErodeFace" + number, n == 1 ? "face shrinkage" : "", [=](const Scene& scene) {
@@ -180,6 +231,7 @@ private:
             RegisterRun("ExpandAlongXThenYThenZ" + number, "", [=](const Scene& scene) { return ExpandBox(scene.model, n); });
         }
         RegisterRun("ExpandFace1", "face growth", [](const Scene& scene) { return ExpandFaces(scene.model); });
+        RegisterRun("ExpandFace16", "face growth 16", [](const Scene& scene) { return ExpandFaces(scene.model, 16); });
         RegisterRun("ReduceFace1", "face shrinkage", [](const Scene& scene) { return ReduceFaces(scene.model); });
         RegisterRun("ExpandByOneVoxel(1,0)", "",
                     [](const Scene& scene) { return ExpandByOneVoxel(scene.model, 1, 0, {}, true); });
@@ -212,6 +264,31 @@ private:
         });
     }
 
+    // Measures change(first set, second set) with a first set that it may use up.
+    template <class Change, class VdbChange>
+    void RegisterInPlace(const std::string& name, const Change& change, const VdbChange& vdbChange) const
+    {
+        const std::string what = name + " in place " + scene_ + std::to_string(voxels_);
+        Register(name + "InPlace", [=](State& state, const Scene& scene) {
+            MeasureOnFresh(
+                state, [&] { return Model(scene.model); }, [&](Model& model) { change(model, scene.other); },
+                [&](const Model& model) { RequireSameCount(what, CountOf(model)); });
+        });
+        Register("Vdb" + name + "InPlace", [=](State& state, const Scene& scene) {
+            const Trees& trees = TreesOf(scene);
+            MeasureOnFresh(
+                state, [&] { return Tree(trees.tree); }, [&](Tree& tree) { vdbChange(tree, trees.other); },
+                [&](const Tree& tree) { RequireSameCount(what, CountOf(tree)); });
+        });
+    }
+
+    void RegisterAllInPlace() const
+    {
+        RegisterInPlace("Union", UnionInPlace, [](Tree& tree, const Tree& other) { tree.topologyUnion(other); });
+        RegisterInPlace("Intersect", IntersectInPlace, [](Tree& tree, const Tree& other) { tree.topologyIntersection(other); });
+        RegisterInPlace("Subtract", SubtractInPlace, [](Tree& tree, const Tree& other) { tree.topologyDifference(other); });
+    }
+
     void RegisterQueries() const
     {
         Register("CountFilled", [](State& state, const Scene& scene) {
@@ -222,7 +299,11 @@ private:
             for (auto _ : state) benchmark::DoNotOptimize(CountOf(TreesOf(scene).tree));
         });
         Register("FindVoxel", MeasureFindVoxel);
+        Register("AreFilled", MeasureAreFilled);
         Register("VdbAccessor", MeasureAccessor);
+        Register("LineFindVoxel", MeasureLineFindVoxel);
+        Register("LineIterator", MeasureLineIterator);
+        Register("VdbLineAccessor", MeasureLineAccessor);
         Register("Memory", MeasureMemory);
     }
 
@@ -250,6 +331,64 @@ private:
             benchmark::DoNotOptimize(filled);
         }
         RequireSameCount("random voxels of " + std::to_string(CountDensely(scene.dense)), filled);
+    }
+
+    static void MeasureAreFilled(State& state, const Scene& scene)
+    {
+        const std::vector<Triple> places = RandomPlaces(scene);
+        const auto filled = std::make_unique<bool[]>(places.size());
+        for (auto _ : state) {
+            AreFilled(scene.model, scene.Level(), places, {filled.get(), places.size()});
+            benchmark::DoNotOptimize(filled[0]);
+        }
+        RequireSameCount("random voxels of " + std::to_string(CountDensely(scene.dense)),
+                         std::count(filled.get(), filled.get() + places.size(), true));
+    }
+
+    // Times walk(line), which counts filled voxels, for all lines.
+    template <class Walk> static void MeasureLines(State& state, const Scene& scene, const Walk& walk)
+    {
+        const std::vector<Line> lines = RandomLines(scene);
+        std::int64_t filled = 0;
+        for (auto _ : state) {
+            filled = 0;
+            for (const Line& line : lines) filled += walk(line);
+            benchmark::DoNotOptimize(filled);
+        }
+        RequireSameCount("voxels on lines of " + std::to_string(CountDensely(scene.dense)), filled);
+    }
+
+    static void MeasureLineFindVoxel(State& state, const Scene& scene)
+    {
+        MeasureLines(state, scene, [&](const Line& line) {
+            std::int64_t filled = 0;
+            Triple voxel = line.from;
+            for (std::int64_t i = 0; i < line.length; ++i, voxel = Plus(voxel, line.step))
+                filled += scene.model.FindVoxel(voxel, scene.Level()).Value() ? 1 : 0;
+            return filled;
+        });
+    }
+
+    static void MeasureLineIterator(State& state, const Scene& scene)
+    {
+        MeasureLines(state, scene, [&](const Line& line) {
+            std::int64_t filled = 0;
+            auto voxel = scene.model.FindVoxel(line.from, scene.Level());
+            for (std::int64_t i = 0; i < line.length; ++i, voxel += line.step) filled += voxel.Value() ? 1 : 0;
+            return filled;
+        });
+    }
+
+    static void MeasureLineAccessor(State& state, const Scene& scene)
+    {
+        openvdb::tree::ValueAccessor<const Tree> accessor(TreesOf(scene).tree);
+        MeasureLines(state, scene, [&](const Line& line) {
+            std::int64_t filled = 0;
+            Triple voxel = line.from;
+            for (std::int64_t i = 0; i < line.length; ++i, voxel = Plus(voxel, line.step))
+                filled += accessor.isValueOn(CoordOf(voxel)) ? 1 : 0;
+            return filled;
+        });
     }
 
     // The time means nothing here; the counters are bytes.

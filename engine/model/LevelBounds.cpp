@@ -12,8 +12,8 @@ namespace brix {
         OffsetBox inside;
         for (std::size_t i = 0; i < 3; ++i) {
             const std::size_t faces = kind >> 2 * i & 3;
-            if ((faces & 1) != 0) inside.lower[i] = extents_.LowerIndices()[i] - lower_[i] * StackSize[i];
-            if ((faces & 2) != 0) inside.upper[i] = extents_.UpperIndices()[i] - upper_[i] * StackSize[i];
+            if ((faces & 1) != 0) inside.lower[i] = extents_.LowerIndices()[i] - LowerStack()[i] * StackSize[i];
+            if ((faces & 2) != 0) inside.upper[i] = extents_.UpperIndices()[i] - UpperStack()[i] * StackSize[i];
         }
         (*made)[kind] = VoxelStack<bool>::WhollyFilled();
         (*made)[kind].FillOutsideBox(inside.lower, inside.upper, false);

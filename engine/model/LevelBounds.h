@@ -16,9 +16,7 @@ namespace brix {
 class LevelBounds
 {
 public:
-    explicit LevelBounds(const Extents& extents)
-        : extents_(extents), lower_(StackOfVoxel(extents.LowerIndices())), upper_(StackOfVoxel(extents.UpperIndices()))
-    {}
+    explicit LevelBounds(const Extents& extents) : extents_(extents) {}
     LevelBounds(LevelBounds&& other) noexcept : LevelBounds(other.extents_) {} // made again when it is asked for
     LevelBounds(const LevelBounds&) = delete;
     LevelBounds& operator=(const LevelBounds&) = delete;
@@ -36,7 +34,7 @@ public:
     /// Whether the level has so many stacks that those which are full share one of each kind.
     bool SharesFullStacks() const
     {
-        const Triple size = Plus(Minus(upper_, lower_), {1, 1, 1});
+        const Triple size = Plus(Minus(UpperStack(), LowerStack()), {1, 1, 1});
         return size[0] * size[1] * size[2] > static_cast<std::int64_t>(KindCount);
     }
 
@@ -47,20 +45,24 @@ private:
     static constexpr std::size_t KindCount = 64;
     using FullStacks = std::array<VoxelStack<bool>, KindCount>;
 
+    // The first and the last stack that the extents touch.
+    Triple LowerStack() const { return StackOfVoxel(extents_.LowerIndices()); }
+    Triple UpperStack() const { return StackOfVoxel(extents_.UpperIndices()); }
+
     std::size_t KindOf(const Triple& stack) const
     {
+        const Triple lower = LowerStack();
+        const Triple upper = UpperStack();
         std::size_t kind = 0;
         for (std::size_t i = 3; i-- > 0;)
-            kind = kind << 2 | static_cast<std::size_t>(stack[i] == upper_[i]) << 1 |
-                   static_cast<std::size_t>(stack[i] == lower_[i]);
+            kind =
+                kind << 2 | static_cast<std::size_t>(stack[i] == upper[i]) << 1 | static_cast<std::size_t>(stack[i] == lower[i]);
         return kind;
     }
 
     const FullStacks& MakeFullStacks() const;
 
     Extents extents_;
-    Triple lower_; // the first and the last stack that the extents touch
-    Triple upper_;
     mutable std::atomic<const FullStacks*> full_{nullptr};
 };
 

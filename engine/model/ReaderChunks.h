@@ -4,8 +4,8 @@
 #pragma once
 
 #include "../frame/Triples.h"
+#include "SpinLock.h"
 
-#include <atomic>
 #include <map>
 #include <memory>
 
@@ -27,7 +27,7 @@ public:
     /// The chunk of a place, made by make() (a unique_ptr) when it is asked for first. May be called by several threads.
     template <class Make> const Chunk& FindOrMake(const Triple& chunkIndices, const Make& make)
     {
-        const Lock lock(isBusy_);
+        const SpinLock::Holder holder(isBusy_);
         if (chunks_ == nullptr) chunks_ = std::make_unique<Chunks>();
         std::unique_ptr<Chunk>& chunk = (*chunks_)[chunkIndices];
         if (chunk == nullptr) chunk = make();
@@ -45,20 +45,7 @@ public:
 private:
     using Chunks = std::map<Triple, std::unique_ptr<Chunk>>;
 
-    struct Lock
-    {
-        explicit Lock(std::atomic_flag& flag) : isBusy(flag)
-        {
-            while (isBusy.test_and_set(std::memory_order_acquire)) {
-            }
-        }
-        Lock(const Lock&) = delete;
-        Lock& operator=(const Lock&) = delete;
-        ~Lock() { isBusy.clear(std::memory_order_release); }
-        std::atomic_flag& isBusy;
-    };
-
-    std::atomic_flag isBusy_ = ATOMIC_FLAG_INIT;
+    SpinLock isBusy_;
     std::unique_ptr<Chunks> chunks_; // none, mostly
 };
 

@@ -16,12 +16,13 @@ const Extents& ExtentsForLevel(const Extents& extents, std::int64_t finestLOD)
 
 } // namespace
 
-VoxelModel<bool>::VoxelModel(const Extents& extents, std::int64_t finestLOD)
-    : Model(ExtentsForLevel(extents, finestLOD), finestLOD)
+VoxelModel<bool>::VoxelModel(const Extents& extents, std::int64_t finestLOD, OtherLevels otherLevels)
+    : Model(ExtentsForLevel(extents, finestLOD), finestLOD), otherLevels_(otherLevels)
 {}
 
 VoxelModel<bool>& VoxelModel<bool>::operator=(VoxelModel&& other) noexcept
 {
+    otherLevels_ = other.otherLevels_;
     Model::operator=(std::move(other));
     return *this;
 }
@@ -30,6 +31,32 @@ const Extents& VoxelModel<bool>::ExtentsRef(std::int64_t lod) const
 {
     RequireLevelOf(FinestLOD(), "The level of detail for voxel model operations", lod);
     return ExtentsAtLevel(lod);
+}
+
+void VoxelModel<bool>::MakeLevels(OtherLevels when)
+{
+    if (when == OtherLevels::AtOnce) ForEachChunk([](const Triple&, VoxelChunk<bool>& chunk) { chunk.MakeAllLevels(); });
+    otherLevels_ = when;
+}
+
+void VoxelModel<bool>::FinishChunk(VoxelChunk<bool>& chunk, std::int64_t lod) const
+{
+    chunk.LetLevelsFollow(lod);
+    if (otherLevels_ == OtherLevels::AtOnce) chunk.MakeAllLevels();
+}
+
+void VoxelModel<bool>::FinishLevels(std::int64_t lod)
+{
+    RequireLevelOf(FinestLOD(), "The level of detail for voxel model operations", lod);
+    ForEachChunk([&](const Triple&, VoxelChunk<bool>& chunk) { FinishChunk(chunk, lod); });
+    ReleaseEmptyChunks();
+}
+
+void VoxelModel<bool>::FinishLevels(std::int64_t lod, const std::vector<Triple>& chunks)
+{
+    RequireLevelOf(FinestLOD(), "The level of detail for voxel model operations", lod);
+    for (const Triple& chunk : chunks) FinishChunk(ChunkRef(chunk), lod);
+    ReleaseEmptyChunks();
 }
 
 void VoxelModel<bool>::ReleaseEmptyChunks()

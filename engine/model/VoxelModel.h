@@ -16,6 +16,15 @@ template <class Value> class VoxelModel;
 using VoxelIterator = VoxelIteratorBase<VoxelModel<bool>>;
 using ConstVoxelIterator = VoxelIteratorBase<const VoxelModel<bool>>;
 
+/// When the levels that an operation has not written itself are made: with the result, or chunk by chunk when one of them is
+/// first asked for. Whoever applies many operations one after the other, and looks at one level in between, pays for that level
+/// alone.
+enum class OtherLevels : std::uint8_t
+{
+    AtOnce,
+    WhenAskedFor
+};
+
 template <> class VoxelModel<bool> : public virtual Model<VoxelChunk<bool>>
 {
 public:
@@ -23,7 +32,7 @@ public:
     /// the size of the extents: a chunk takes memory from the moment it is asked for to be written, which may throw
     /// NotEnoughMemory.
     /// Throws std::domain_error when the finest level is negative or not less than 6.
-    VoxelModel(const Extents& extents, std::int64_t finestLOD);
+    VoxelModel(const Extents& extents, std::int64_t finestLOD, OtherLevels otherLevels = OtherLevels::AtOnce);
 
     VoxelModel(const VoxelModel&) = default;
     VoxelModel(VoxelModel&&) = default;
@@ -47,11 +56,27 @@ public:
     VoxelIterator FindVoxel(const Triple& voxelIndices, std::int64_t lod);
     ConstVoxelIterator FindVoxel(const Triple& voxelIndices, std::int64_t lod) const;
 
-    /// Bytes of the heap that the model's chunks, stores and stacks own, all levels together.
+    /// Bytes of the heap that the model's chunks, stores and stacks own, all levels together, as far as they are made.
     std::size_t AllocatedBytes() const;
 
-    /// Gives back the memory of the chunks that hold no filled voxel at any level. References to them end.
+    /// When other levels of this model are made; results of operations take it over from their (first) operand. AtOnce, as models
+    /// are from the start, makes all that is still to be made. WhenAskedFor leaves to the first reader what an operation did not
+    /// do: several threads may read a model all the same, but reading may throw NotEnoughMemory.
+    OtherLevels WhenLevelsAreMade() const { return otherLevels_; }
+    void MakeLevels(OtherLevels when);
+
+    /// What operations do with a result in place of PropagateLevel: lets all other levels follow from level `lod`, and gives back
+    /// the memory of what is empty or full throughout. References into the model end. Throws as PropagateLevel does.
+    void FinishLevels(std::int64_t lod);
+
+    /// The same for some chunks, where all others are as they should be. All given chunks must be valid.
+    void FinishLevels(std::int64_t lod, const std::vector<Triple>& chunks);
+
+private:
+    void FinishChunk(VoxelChunk<bool>& chunk, std::int64_t lod) const;
     void ReleaseEmptyChunks();
+
+    OtherLevels otherLevels_;
 };
 
 } // namespace brix

@@ -278,77 +278,85 @@ constexpr VoxelPlate<bool> AtLeast(std::int64_t count, const VoxelPlate<bool>& a
     }
 }
 
-/// Rows and columns joined in pairs: eight rows of eight bits, where bit x of row y is filled when any of the four voxels
-/// (2x..2x+1, 2y..2y+1) is.
-constexpr std::array<std::uint16_t, 8> JoinPairs(const VoxelPlate<bool>& plate)
+/// A plate at half its resolution along x and y: eight rows of eight bits, the lowest row in the lowest byte, where bit x of row
+/// y is filled when any of the four voxels (2x..2x+1, 2y..2y+1) is. It becomes a quarter of a plate.
+using QuarterPlate = std::uint64_t;
+
+constexpr QuarterPlate JoinPairs(const VoxelPlate<bool>& plate)
 {
     // A row of pairs   b0 b1 b2 b3 .. b14 b15   becomes   b0|b1 b2|b3 .. b14|b15   in its lower eight bits.
-    std::array<std::uint16_t, 8> joined{};
-    for (std::size_t y = 0; y < 8; ++y) {
+    QuarterPlate joined = 0;
+    for (std::size_t y = 8; y-- > 0;) {
         auto pairs = static_cast<std::uint16_t>(plate.rows[2 * y] | plate.rows[2 * y + 1]);
         pairs = static_cast<std::uint16_t>((pairs | pairs >> 1) & 0x5555);
         pairs = static_cast<std::uint16_t>((pairs | pairs >> 1) & 0x3333);
         pairs = static_cast<std::uint16_t>((pairs | pairs >> 2) & 0x0F0F);
-        joined[y] = static_cast<std::uint16_t>((pairs | pairs >> 4) & 0x00FF);
+        joined = joined << 8 | ((pairs | pairs >> 4) & 0x00FF);
     }
     return joined;
 }
 
-#if defined(__GNUC__)
-/// HalfResolution for the processors whose first byte is the lowest, all rows of two plates beside each other at once.
-inline VoxelPlate<bool> HalfResolutionOfVectors(const VoxelPlate<bool>& lowerXlowerY, const VoxelPlate<bool>& upperXlowerY,
-                                                const VoxelPlate<bool>& lowerXupperY, const VoxelPlate<bool>& upperXupperY)
+/// The same for two plates at once.
+inline std::array<QuarterPlate, 2> JoinPairs(const VoxelPlate<bool>& first, const VoxelPlate<bool>& second)
 {
-    using Rows [[gnu::vector_size(32)]] = std::uint16_t;
-    using RowPairs [[gnu::vector_size(32)]] = std::uint32_t;
+#if defined(__GNUC__)
+    if constexpr (std::endian::native == std::endian::little) {
+        using RowPairs [[gnu::vector_size(32)]] = std::uint32_t;
+        using Bytes [[gnu::vector_size(32)]] = std::uint8_t;
 
-    // Rows 2y and 2y + 1 of a plate are the lower and the upper half of number y. Both are joined for the two plates at once,
-    // which gives a row of 32 bits; then every pair of its bits is joined, and the results move together in four steps:
-    //     a0 b0 a1 b1 ..   becomes   a0|b0 - a1|b1 - ..  (a bit, a gap)
-    //     then two bits and two gaps, four and four, eight and eight
-    const auto join = [](RowPairs& row, const VoxelPlate<bool>& lowerX, const VoxelPlate<bool>& upperX) {
+        // Rows 2y and 2y + 1 of a plate are the lower and the upper half of number y. Both are joined for the two plates, which
+        // gives a row of 32 bits; then every pair of its bits is joined, and the results move together in three steps:
+        //     a0 b0 a1 b1 ..   becomes   a0|b0 - a1|b1 - ..  (a bit, a gap)
+        //     then two bits and two gaps, four and four, eight and eight
         RowPairs left;
         RowPairs right;
-        std::memcpy(&left, lowerX.rows.data(), sizeof left);
-        std::memcpy(&right, upperX.rows.data(), sizeof right);
-        row = ((left | left >> 16) & 0x0000FFFF) | ((right | right << 16) & 0xFFFF0000);
+        std::memcpy(&left, first.rows.data(), sizeof left);
+        std::memcpy(&right, second.rows.data(), sizeof right);
+        RowPairs row = ((left | left >> 16) & 0x0000FFFF) | ((right | right << 16) & 0xFFFF0000);
         row = (row | row >> 1) & 0x55555555;
         row = (row | row >> 1) & 0x33333333;
         row = (row | row >> 2) & 0x0F0F0F0F;
-        row = (row | row >> 4) & 0x00FF00FF;
-        row = (row | row >> 8) & 0x0000FFFF;
-    };
-    RowPairs lowerRows;
-    RowPairs upperRows;
-    join(lowerRows, lowerXlowerY, upperXlowerY);
-    join(upperRows, lowerXupperY, upperXupperY);
-
-    const RowPairs mixed = lowerRows | upperRows << 16; // rows y and y + 8 side by side
-    Rows rows;
-    std::memcpy(&rows, &mixed, sizeof rows);
-    rows = __builtin_shufflevector(rows, rows, 0, 2, 4, 6, 8, 10, 12, 14, 1, 3, 5, 7, 9, 11, 13, 15);
-    VoxelPlate<bool> plate;
-    std::memcpy(plate.rows.data(), &rows, sizeof rows);
-    return plate;
-}
+        row = row | row >> 4;
+        Bytes bytes;
+        std::memcpy(&bytes, &row, sizeof row);
+        bytes = __builtin_shufflevector(bytes, bytes, 0, 4, 8, 12, 16, 20, 24, 28, 2, 6, 10, 14, 18, 22, 26, 30, 0, 4, 8, 12, 16,
+                                        20, 24, 28, 2, 6, 10, 14, 18, 22, 26, 30);
+        std::array<QuarterPlate, 2> joined;
+        std::memcpy(joined.data(), &bytes, sizeof joined);
+        return joined;
+    }
 #endif
+    return {JoinPairs(first), JoinPairs(second)};
+}
+
+/// The plate of four quarters: at the lower and the upper half along x of the lower half along y, then of the upper half.
+constexpr VoxelPlate<bool> FromQuarters(const std::array<QuarterPlate, 4>& quarters)
+{
+#if defined(__GNUC__)
+    if (!std::is_constant_evaluated() && std::endian::native == std::endian::little) {
+        using Bytes [[gnu::vector_size(32)]] = std::uint8_t;
+        Bytes bytes;
+        std::memcpy(&bytes, quarters.data(), sizeof bytes);
+        bytes = __builtin_shufflevector(bytes, bytes, 0, 8, 1, 9, 2, 10, 3, 11, 4, 12, 5, 13, 6, 14, 7, 15, 16, 24, 17, 25, 18,
+                                        26, 19, 27, 20, 28, 21, 29, 22, 30, 23, 31);
+        VoxelPlate<bool> plate;
+        std::memcpy(plate.rows.data(), &bytes, sizeof bytes);
+        return plate;
+    }
+#endif
+    return MakePlate([&](std::size_t y) {
+        const auto rowOf = [&](QuarterPlate quarter) { return static_cast<std::uint32_t>(quarter >> 8 * (y % 8) & 0xFF); };
+        const std::size_t lowerX = y < 8 ? 0 : 2;
+        return static_cast<std::uint16_t>(rowOf(quarters[lowerX]) | rowOf(quarters[lowerX + 1]) << 8);
+    });
+}
 
 /// The plate of the next coarser level that four plates of one height make: each becomes a quarter of it, at the lower or upper
 /// half along x and along y.
 constexpr VoxelPlate<bool> HalfResolution(const VoxelPlate<bool>& lowerXlowerY, const VoxelPlate<bool>& upperXlowerY,
                                           const VoxelPlate<bool>& lowerXupperY, const VoxelPlate<bool>& upperXupperY)
 {
-#if defined(__GNUC__)
-    if (!std::is_constant_evaluated() && std::endian::native == std::endian::little)
-        return HalfResolutionOfVectors(lowerXlowerY, upperXlowerY, lowerXupperY, upperXupperY);
-#endif
-    const std::array quarters{JoinPairs(lowerXlowerY), JoinPairs(upperXlowerY), JoinPairs(lowerXupperY), JoinPairs(upperXupperY)};
-    VoxelPlate<bool> plate;
-    for (std::size_t y = 0; y < 8; ++y) {
-        plate.rows[y] = static_cast<std::uint16_t>(quarters[0][y] | quarters[1][y] << 8);
-        plate.rows[y + 8] = static_cast<std::uint16_t>(quarters[2][y] | quarters[3][y] << 8);
-    }
-    return plate;
+    return FromQuarters({JoinPairs(lowerXlowerY), JoinPairs(upperXlowerY), JoinPairs(lowerXupperY), JoinPairs(upperXupperY)});
 }
 
 /// The quarter of a plate (its columns from 8 * upperX on, its rows from 8 * upperY on) with every voxel doubled along x and y.

@@ -114,6 +114,10 @@ public:
     /// Replaces the content by these layers; adjacent plates must differ and the first offset must be 0.
     void Assign(std::span<const VoxelPlate<bool>> plates, std::span<const std::uint8_t> layerOffsets);
 
+    /// The same with layers that start at these heights, 0 among them, and the plates plateAt(z), asked for from below. They must
+    /// not come from this stack.
+    template <class PlateAt> void Assign(HeightSet starts, const PlateAt& plateAt);
+
     /// Tells the processor that the layers will be read.
     void Prefetch() const { __builtin_prefetch(block_); }
 
@@ -167,5 +171,27 @@ private:
 
     Block* block_ = nullptr;
 };
+
+template <class PlateAt> void VoxelStack<bool>::Assign(HeightSet starts, const PlateAt& plateAt)
+{
+    const VoxelPlate<bool> lowest = plateAt(0);
+    if (starts == 1 && (IsEmpty(lowest) || IsFull(lowest))) {
+        *this = IsFull(lowest) ? WhollyFilled() : VoxelStack();
+        return;
+    }
+    const auto count = static_cast<std::size_t>(CountHeights(starts));
+    OwnBlockOf(count);
+    block_->layerStarts = starts;
+    block_->layerCount = static_cast<std::uint8_t>(count);
+    std::uint8_t* offset = Offsets(block_);
+    VoxelPlate<bool>* plate = PlatesOf(block_);
+    *offset = 0;
+    *plate = lowest;
+    while ((starts &= starts - 1) != 0) {
+        const int z = std::countr_zero(starts);
+        *++offset = static_cast<std::uint8_t>(z);
+        *++plate = plateAt(z);
+    }
+}
 
 } // namespace brix

@@ -2,7 +2,6 @@
 
 #include "../model/CombineStacks.h"
 #include "../model/ForEachStack.h"
-#include "../model/PropagateChunk.h"
 #include "FilledBounds.h"
 #include "RegionLabels.h"
 
@@ -60,7 +59,7 @@ public:
     // `runs` are the regions of the stack's bit runs, as RegionLabels has them.
     void AddStack(const Stack& stack, const Triple& corner, std::span<const Region> runs);
 
-    std::vector<VoxelModel<bool>> MakeModels(const Axes& axes, std::int64_t lod);
+    std::vector<VoxelModel<bool>> MakeModels(const VoxelModel<bool>& source);
 
 private:
     struct RegionParts
@@ -149,17 +148,19 @@ void Splitter::AddPart(Region region, const Triple& corner, Stack content)
     parts.parts.Append(parts_, Part{corner, std::move(content)});
 }
 
-std::vector<VoxelModel<bool>> Splitter::MakeModels(const Axes& axes, std::int64_t lod)
+std::vector<VoxelModel<bool>> Splitter::MakeModels(const VoxelModel<bool>& source)
 {
+    const std::int64_t lod = source.FinestLOD();
     std::vector<VoxelModel<bool>> models;
     models.reserve(regions_.size());
     for (const RegionParts& region : regions_) {
-        VoxelModel<bool>& model = models.emplace_back(Extents(axes, region.lower, region.upper, lod), lod);
+        VoxelModel<bool>& model =
+            models.emplace_back(Extents(source.AxesRef(), region.lower, region.upper, lod), lod, source.WhenLevelsAreMade());
         for (std::uint32_t number = region.parts.first; number != None; number = parts_[number].next) {
             Part& part = parts_[number];
             MakeStack(model, StackOfVoxel(part.corner), lod) = std::move(part.content);
         }
-        PropagateResult(model, lod);
+        model.FinishLevels(lod);
     }
     return models;
 }
@@ -176,7 +177,7 @@ std::vector<VoxelModel<bool>> AutoSplit(const VoxelModel<bool>& model)
         const Triple corner = store.LowerIndices(ij);
         splitter.AddStack(store.VoxelStackRef(ij), corner, labels.RegionsOf(StackOfVoxel(corner)));
     });
-    return splitter.MakeModels(model.AxesRef(), lod);
+    return splitter.MakeModels(model);
 }
 
 } // namespace brix

@@ -4,7 +4,6 @@
 #include "../model/CombineStacks.h"
 #include "../model/ForEachStack.h"
 #include "../model/InstructionSet.h"
-#include "../model/PropagateChunk.h"
 #include "BasicOperations.h"
 #include "MergedExtents.h"
 
@@ -205,7 +204,7 @@ std::vector<VoxelModel<bool>> DensityMap(const std::vector<const VoxelModel<bool
 {
     RequireDensityArguments(models, weights, thresholds, lod);
 
-    const VoxelModel<bool> empty(BoundingExtents(models, lod), lod);
+    const VoxelModel<bool> empty(BoundingExtents(models, lod), lod, models[0]->WhenLevelsAreMade());
     std::vector<VoxelModel<bool>> results(thresholds.size(), empty);
     std::deque<VoxelModel<bool>> refined;
     const ModelPointers sources = AtLevel(models, lod, refined);
@@ -213,9 +212,7 @@ std::vector<VoxelModel<bool>> DensityMap(const std::vector<const VoxelModel<bool
     for (const Triple& chunk : ChunksOf(sources, empty, thresholds)) {
         RunWith(FastestInstructionSet(), [&] { WriteChunk(results, chunk, sources, weights, thresholds, stacks); });
     }
-    for (VoxelModel<bool>& result : results) {
-        PropagateResult(result, lod);
-    }
+    for (VoxelModel<bool>& result : results) result.FinishLevels(lod);
     return results;
 }
 

@@ -5,7 +5,6 @@
 #include "../model/CombineStacks.h"
 #include "../model/ForEachStack.h"
 #include "../model/InstructionSet.h"
-#include "../model/PropagateChunk.h"
 #include "../model/VoxelIterator.h"
 #include "EmptyRegions.h"
 #include "Neighbourhood.h"
@@ -416,7 +415,7 @@ template <class Rule> VoxelModel<bool> Flood::MakeResult(const Rule& rule) const
         const Run run{FilledPlate(), isReached_[region] ? FilledPlate() : Plate{}};
         if (IsFull(rule(run))) ForEachTriple(lower, upper, [&](const Triple& chunk) { storeOf(chunk).MakeUniform(true); });
     });
-    PropagateResult(result, bits_);
+    result.FinishLevels(bits_);
     return result;
 }
 

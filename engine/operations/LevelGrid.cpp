@@ -16,6 +16,7 @@ constexpr Triple NoChunk{std::numeric_limits<std::int64_t>::max(), 0, 0};
 LevelGrid::LevelGrid(const VoxelModel<bool>& model, const Extents& extents)
     : extents_(extents),
       bits_(extents.VoxelLOD()),
+      otherLevels_(model.WhenLevelsAreMade()),
       lower_(StackOfVoxel(extents.LowerIndices())),
       upper_(StackOfVoxel(extents.UpperIndices())),
       blocks_(ChunkOf(lower_), ChunkOf(upper_)),
@@ -133,7 +134,7 @@ void LevelGrid::ReplaceByWritten()
 
 VoxelModel<bool> LevelGrid::TakeModel()
 {
-    VoxelModel<bool> model(extents_, bits_);
+    VoxelModel<bool> model(extents_, bits_, otherLevels_);
     blocks_.ForEach([&](const Triple& chunk, Block& block) {
         VoxelStore<bool>& store = model.ChunkRef(chunk).VoxelStoreRef(bits_);
         ForEachStackOfStore(store, [&](VoxelStore<bool>&, const StackIndices& ij) {

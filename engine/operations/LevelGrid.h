@@ -101,6 +101,7 @@ private:
 
     Extents extents_;
     std::int64_t bits_; // a chunk has 2^bits stacks along x and y
+    OtherLevels otherLevels_;
     Triple lower_;
     Triple upper_;
     Blocks blocks_;

@@ -3,7 +3,6 @@
 #include "../model/CombineStacks.h"
 #include "../model/ForEachStack.h"
 #include "../model/InstructionSet.h"
-#include "../model/PropagateChunk.h"
 #include "BasicOperations.h"
 
 #include <utility>
@@ -21,14 +20,17 @@ template <class Stack> void TransferStack(VoxelStore<bool>& to, const StackIndic
     stack.Compress(); // hosts may leave equal layers
 }
 
+const VoxelStore<bool>& StoreToTransfer(const VoxelChunk<bool>& chunk, std::int64_t lod) { return chunk.VoxelStoreRef(lod); }
+VoxelStore<bool>& StoreToTransfer(VoxelChunk<bool>& chunk, std::int64_t lod) { return chunk.StoreToRewrite(lod); }
+
 // Source is a const model, whose stacks are copied, or a mutable one, whose stacks are taken.
 template <class Source> VoxelModel<bool> TransferOneLevel(Source& source, const Extents& newExtents, std::int64_t newFinestLOD)
 {
-    VoxelModel<bool> result(newExtents, newFinestLOD);
+    VoxelModel<bool> result(newExtents, newFinestLOD, source.WhenLevelsAreMade());
     const std::int64_t lod = std::min(source.FinestLOD(), newFinestLOD);
     RunWith(FastestInstructionSet(), [&] {
         source.ForEachChunk([&](const Triple& chunkIndices, auto& chunk) {
-            auto& from = chunk.VoxelStoreRef(lod);
+            auto& from = StoreToTransfer(chunk, lod);
             if (!result.IsChunkValid(chunkIndices) || from.IsUnallocated()) return;
             ForEachStackOfStore(result.ChunkRef(chunkIndices).VoxelStoreRef(lod),
                                 [&](VoxelStore<bool>& to, const StackIndices& ij) {
@@ -41,7 +43,7 @@ template <class Source> VoxelModel<bool> TransferOneLevel(Source& source, const 
 
 VoxelModel<bool> Propagated(VoxelModel<bool>&& model, std::int64_t lod)
 {
-    PropagateResult(model, lod);
+    model.FinishLevels(lod);
     return std::move(model);
 }
 

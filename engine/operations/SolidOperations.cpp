@@ -4,13 +4,13 @@
 #include "../model/CombineStacks.h"
 #include "../model/ForEachStack.h"
 #include "../model/InstructionSet.h"
-#include "../model/PropagateChunk.h"
 #include "../model/PropagateLevel.h"
 #include "BasicOperations.h"
 #include "MergedExtents.h"
 #include "RebuildModel.h"
 
 #include <algorithm>
+#include <functional>
 #include <utility>
 #include <vector>
 
@@ -21,18 +21,22 @@ using Plate = VoxelPlate<bool>;
 using Store = VoxelStore<bool>;
 using Stack = VoxelStack<bool>;
 
-// Where the result of a combination may hold something: in chunks that one of the models stores, or the first, or anywhere.
+// Chunks: those that one of two models stores, or the first, or the second, or both; or any at all.
 enum class Where
 {
     AnyStored,
     FirstStored,
+    SecondStored,
+    BothStored,
     Anywhere
 };
 
-// The combinations of two sets. Same(a, b) gives the stack that is the result without a look at plates, if one is.
+// The combinations of two sets. The result may hold something `where` they say, and differ from the first in chunks
+// `whereChanged` says. Same(a, b) gives the stack that is the result without a look at plates, if one is.
 struct InAny
 {
     static constexpr Where where = Where::AnyStored;
+    static constexpr Where whereChanged = Where::SecondStored;
     static const Stack* Same(const Stack& a, const Stack& b) { return b.IsUnallocated() ? &a : a.IsUnallocated() ? &b : nullptr; }
     Plate operator()(const Plate& a, const Plate& b) const { return a | b; }
 };
@@ -40,6 +44,7 @@ struct InAny
 struct InBoth
 {
     static constexpr Where where = Where::FirstStored;
+    static constexpr Where whereChanged = Where::FirstStored;
     static const Stack* Same(const Stack& a, const Stack& b)
     {
         return a.IsUnallocated() ? &a : b.IsUnallocated() || &a == &b ? &b : nullptr;
@@ -50,6 +55,7 @@ struct InBoth
 struct InFirstOnly
 {
     static constexpr Where where = Where::FirstStored;
+    static constexpr Where whereChanged = Where::BothStored;
     static const Stack* Same(const Stack& a, const Stack& b) { return a.IsUnallocated() || b.IsUnallocated() ? &a : nullptr; }
     Plate operator()(const Plate& a, const Plate& b) const { return AndNot(a, b); }
 };
@@ -127,7 +133,7 @@ bool CombineUniform(Store& to, const Rule& rule, const Store* a, const Store* b,
     return value.has_value();
 }
 
-// The chunks of `result` in which a combination may leave something.
+// The chunks of `result` that `where` says, of one or two models.
 std::vector<Triple> ChunksOf(Where where, const VoxelModel<bool>& result, const VoxelModel<bool>* first,
                              const VoxelModel<bool>* second)
 {
@@ -135,30 +141,49 @@ std::vector<Triple> ChunksOf(Where where, const VoxelModel<bool>& result, const 
     const auto add = [&](const Triple& chunk) {
         if (result.IsChunkValid(chunk)) chunks.push_back(chunk);
     };
-    if (where == Where::Anywhere) {
+    const auto addStored = [&](const VoxelModel<bool>* model, const auto& isWanted) {
+        if (model == nullptr) return;
+        model->ForEachChunk([&](const Triple& chunk, const auto&) {
+            if (isWanted(chunk)) add(chunk);
+        });
+    };
+    const auto all = [](const Triple&) { return true; };
+    const auto isStored = [](const VoxelModel<bool>* model) {
+        return [model](const Triple& chunk) { return model != nullptr && model->FindChunk(chunk) != nullptr; };
+    };
+    switch (where) {
+    case Where::AnyStored:
+        addStored(first, all);
+        addStored(second, std::not_fn(isStored(first)));
+        break;
+    case Where::FirstStored:
+        addStored(first, all);
+        break;
+    case Where::SecondStored:
+        addStored(second, all);
+        break;
+    case Where::BothStored:
+        addStored(first, isStored(second));
+        break;
+    case Where::Anywhere:
         chunks.reserve(result.ChunkCount()); // runs out of memory at once where the whole would
         ForEachTriple(result.LowerChunkIndices(), result.UpperChunkIndices(), add);
-        return chunks;
-    }
-    first->ForEachChunk([&](const Triple& chunk, const auto&) { add(chunk); });
-    if (where == Where::AnyStored) {
-        second->ForEachChunk([&](const Triple& chunk, const auto&) {
-            if (first->FindChunk(chunk) == nullptr) add(chunk);
-        });
+        break;
     }
     return chunks;
 }
 
-// Makes a level of `result`, which may be one of the two, what a rule makes of two models at that level. A missing model is
-// empty. With a clip, which lies inside the result's extents, everything outside the clip is emptied.
+// Makes chunks of a level of `result`, which may be one of the two, what a rule makes of two models at that level; the other
+// levels have to follow from it afterwards. A missing model is empty. With a clip, which lies inside the result's extents,
+// everything outside the clip is emptied.
 template <class Rule>
 void Combine(VoxelModel<bool>& result, std::int64_t lod, const Rule& rule, const VoxelModel<bool>* first,
-             const VoxelModel<bool>* second, const std::optional<Extents>& clip)
+             const VoxelModel<bool>* second, const std::optional<Extents>& clip, const std::vector<Triple>& chunks)
 {
     const auto combineChunk = [&](const Triple& chunk) {
         const Store* const a = StoreOf(first, chunk, lod);
         const Store* const b = StoreOf(second, chunk, lod);
-        Store& combined = result.ChunkRef(chunk).VoxelStoreRef(lod);
+        Store& combined = result.ChunkRef(chunk).StoreToRewrite(lod);
         if (CombineUniform(combined, rule, a, b, clip)) return;
         ForEachStackOfStore(combined, [&](Store& to, const StackIndices& ij) {
             Stack& stack = to.VoxelStackRef(ij);
@@ -175,8 +200,14 @@ void Combine(VoxelModel<bool>& result, std::int64_t lod, const Rule& rule, const
             }
         });
     };
-    const std::vector<Triple> chunks = ChunksOf(Rule::where, result, first, second);
     RunWith(FastestInstructionSet(), [&] { std::for_each(chunks.begin(), chunks.end(), combineChunk); });
+}
+
+template <class Rule>
+void Combine(VoxelModel<bool>& result, std::int64_t lod, const Rule& rule, const VoxelModel<bool>* first,
+             const VoxelModel<bool>* second, const std::optional<Extents>& clip)
+{
+    Combine(result, lod, rule, first, second, clip, ChunksOf(Rule::where, result, first, second));
 }
 
 // A model that holds a level: the given one or, where that is coarser, its refinement within extents.
@@ -216,10 +247,26 @@ void CombineAll(VoxelModel<bool>& result, const Rule& rule, const ModelPointers&
         Combine(result, lod, rule, &result, ModelAtLevel(*models[i], within(*models[i]), lod).Pointer(), clip);
 }
 
+// Changes a model at its finest level, where it stands if its extents hold the other one. Only a union needs all of a coarser
+// one refined.
+template <class Rule> void CombineInPlace(VoxelModel<bool>& model, const Rule& rule, const VoxelModel<bool>& other)
+{
+    RequireSameAxes({&model, &other});
+    const std::int64_t lod = model.FinestLOD();
+    const std::optional<Extents> common = CommonExtents({&model, &other}, lod);
+    const bool isAllNeeded = Rule::where == Where::AnyStored || !common;
+    const ModelAtLevel second(other, isAllNeeded ? other.ExtentsRef(other.FinestLOD()) : *common, lod);
+    const Extents bounding = BoundingExtents({&model, &other}, lod);
+    if (!(model.ExtentsRef(lod) == bounding)) model = RebuildModel(std::move(model), bounding, lod);
+    const std::vector<Triple> changed = ChunksOf(Rule::whereChanged, model, &model, second.Pointer());
+    Combine(model, lod, rule, &model, second.Pointer(), std::nullopt, changed);
+    model.FinishLevels(lod, changed);
+}
+
 VoxelModel<bool> CroppedOrPropagated(VoxelModel<bool>&& model, bool autoCrop)
 {
     if (autoCrop) return AutoCrop(std::move(model));
-    PropagateResult(model, model.FinestLOD());
+    model.FinishLevels(model.FinestLOD());
     return std::move(model);
 }
 
@@ -231,7 +278,7 @@ VoxelModel<bool> Union(const ModelPointers& models, std::int64_t lod, bool autoC
     RequireLevel("The level of detail for voxel model union", lod);
     RequireSameAxes(models);
 
-    VoxelModel<bool> result(BoundingExtents(models, lod), lod);
+    VoxelModel<bool> result(BoundingExtents(models, lod), lod, models[0]->WhenLevelsAreMade());
     const auto ownExtents = [](const VoxelModel<bool>& model) { return model.ExtentsRef(model.FinestLOD()); };
     CombineAll(result, InAny(), models, ownExtents, std::nullopt);
     return CroppedOrPropagated(std::move(result), autoCrop);
@@ -245,7 +292,7 @@ VoxelModel<bool> Intersect(const ModelPointers& models, std::int64_t lod, bool a
 
     const Extents bounding = BoundingExtents(models, lod);
     const std::optional<Extents> common = CommonExtents(models, lod);
-    VoxelModel<bool> result(common && autoCrop ? *common : bounding, lod);
+    VoxelModel<bool> result(common && autoCrop ? *common : bounding, lod, models[0]->WhenLevelsAreMade());
     const auto commonExtents = [&](const VoxelModel<bool>&) { return *common; };
     if (common) CombineAll(result, InBoth(), models, commonExtents, common);
     return CroppedOrPropagated(std::move(result), autoCrop);
@@ -270,17 +317,21 @@ VoxelModel<bool> Subtract(const VoxelModel<bool>& model, const VoxelModel<bool>&
     }
     const ModelAtLevel reduced(model, model.ExtentsRef(model.FinestLOD()), lod);
     const Extents& extents = reduced.Pointer()->ExtentsRef(lod);
-    VoxelModel<bool> result(autoCrop ? extents : bounding, lod);
+    VoxelModel<bool> result(autoCrop ? extents : bounding, lod, model.WhenLevelsAreMade());
     Combine(result, lod, InFirstOnly(), reduced.Pointer(), removedModel, extents);
     return CroppedOrPropagated(std::move(result), autoCrop);
 }
 
+void UnionInPlace(VoxelModel<bool>& model, const VoxelModel<bool>& other) { CombineInPlace(model, InAny(), other); }
+void IntersectInPlace(VoxelModel<bool>& model, const VoxelModel<bool>& other) { CombineInPlace(model, InBoth(), other); }
+void SubtractInPlace(VoxelModel<bool>& model, const VoxelModel<bool>& other) { CombineInPlace(model, InFirstOnly(), other); }
+
 VoxelModel<bool> Invert(const VoxelModel<bool>& model)
 {
     const std::int64_t lod = model.FinestLOD();
-    VoxelModel<bool> result(model.ExtentsRef(lod), lod);
+    VoxelModel<bool> result(model.ExtentsRef(lod), lod, model.WhenLevelsAreMade());
     Combine(result, lod, NotInFirst(), &model, nullptr, model.ExtentsRef(lod));
-    PropagateResult(result, lod);
+    result.FinishLevels(lod);
     return result;
 }
 

@@ -1,4 +1,5 @@
-// Boolean combinations of models of one frame (constructive solid geometry). Inputs are never changed.
+// Boolean combinations of models of one frame (constructive solid geometry). Inputs are not changed, but for
+// the first one of those that say InPlace.
 #pragma once
 
 #include "../model/VoxelModel.h"
@@ -17,6 +18,14 @@ VoxelModel<bool> Intersect(const std::vector<const VoxelModel<bool>*>& models, s
 /// extents of both or, with `autoCrop`, those of its filled voxels.
 /// Throws std::domain_error for a level that is negative or not less than 6, then for frames that differ.
 VoxelModel<bool> Subtract(const VoxelModel<bool>& model, const VoxelModel<bool>& subtrahend, std::int64_t lod, bool autoCrop);
+
+/// Makes `model` what Union, Intersect or Subtract give for the two at its finest level, without a crop. Its memory is used
+/// again, and where its extents hold the other model, only the chunks that this changes are worked on: in all others, the levels
+/// must agree with the finest one beforehand. References into the model end. `other` may be the model itself. Throws
+/// std::domain_error for frames that differ. Where memory runs out, a part of the chunks is changed.
+void UnionInPlace(VoxelModel<bool>& model, const VoxelModel<bool>& other);
+void IntersectInPlace(VoxelModel<bool>& model, const VoxelModel<bool>& other);
+void SubtractInPlace(VoxelModel<bool>& model, const VoxelModel<bool>& other);
 
 /// Filled inside the model's extents exactly where the model is empty, at its finest level.
 VoxelModel<bool> Invert(const VoxelModel<bool>& model);

@@ -2,6 +2,7 @@
 
 #include "../frame/Require.h"
 #include "../operations/BasicOperations.h"
+#include "../operations/RebuildModel.h"
 #include "../operations/SolidOperations.h"
 #include "../operations/SurfaceOperations.h"
 
@@ -58,10 +59,13 @@ Voxels StandingPlaces(const Voxels& solid, std::int64_t diameter, std::int64_t h
 Voxels Traversable(const Voxels& environment, std::int64_t voxelLOD, std::int64_t diameter, std::int64_t height, bool autoAdjust)
 {
     RequireAgent(environment, voxelLOD, diameter, height);
-    Voxels solid = Refine(environment, voxelLOD);
+    Voxels solid = CopyOneLevel(environment, environment.ExtentsRef(voxelLOD), voxelLOD);
+    solid.MakeLevels(OtherLevels::WhenAskedFor); // and so with all that comes of it: only the last result needs its other levels
     if (autoAdjust) solid = Enlarge(solid, 0, 0, 0, 0, 0, 1);
     Voxels traversable = height == 1 ? Invert(ExpandedHorizontally(solid, diameter)) : StandingPlaces(solid, diameter, height);
-    return autoAdjust ? AutoCrop(std::move(traversable)) : traversable;
+    if (autoAdjust) traversable = AutoCrop(std::move(traversable));
+    traversable.MakeLevels(environment.WhenLevelsAreMade());
+    return traversable;
 }
 
 } // namespace

@@ -2,7 +2,6 @@
 #pragma once
 
 #include "../model/ForEachStack.h"
-#include "../model/PropagateChunk.h"
 #include "../model/StackIterator.h"
 
 #include <utility>
@@ -33,7 +32,7 @@ public:
             VoxelStack<bool>& stack = store.VoxelStackRef(ij);
             if (stack.IsFullyDecompressed()) stack.Compress();
         });
-        PropagateResult(model_, model_.FinestLOD());
+        model_.FinishLevels(model_.FinestLOD());
         return std::move(model_);
     }
 

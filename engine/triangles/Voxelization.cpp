@@ -1,7 +1,7 @@
 #include "Voxelization.h"
 
 #include "../frame/Require.h"
-#include "../model/PropagateChunk.h"
+#include "../model/ForEachStack.h"
 #include "ExtentsAround.h"
 #include "PackWorldTriangles.h"
 #include "TriangleRaster.h"
@@ -78,8 +78,11 @@ void VoxelizeTriangleModel(VoxelModel<bool>& model, const TriangleModel& triangl
     triangles.ForEachChunk([&](const Triple& chunkIndices, const TriangleChunk& ofChunk) {
         if (ofChunk.IsEmpty() || !model.IsChunkValid(chunkIndices)) return;
         VoxelChunk<bool>& chunk = model.ChunkRef(chunkIndices);
-        VoxelizeChunk(chunk.VoxelStoreRef(finestLOD), voxelSize, ofChunk, instructionSet);
-        PropagateChunk(chunk, finestLOD, finestLOD, instructionSet);
+        VoxelStore<bool>& finest = chunk.VoxelStoreRef(finestLOD);
+        VoxelizeChunk(finest, voxelSize, ofChunk, instructionSet);
+        finest.ReleaseUniformStacks();     // the levels beside it take over that it is uniform
+        chunk.MakeLevelsFollow(finestLOD); // at once: a host may have iterators into its model
+        chunk.ReleaseUniformStacks();
     });
 }
 

@@ -2,7 +2,6 @@
 
 #include "../frame/Require.h"
 #include "../model/ForEachStack.h"
-#include "../model/PropagateChunk.h"
 #include "ExtentsAround.h"
 #include "PackWorldTriangles.h"
 #include "TriangleRaster.h"
@@ -96,9 +95,7 @@ public:
             if (model.IsChunkValid(chunk)) canvas.MoveTo(model.ChunkRef(chunk).VoxelStoreRef(finestLOD_), isFilledBelow);
         });
         FillLarge(model);
-        model.ReleaseEmptyChunks();
-        model.ForEachChunk(
-            [&](const Triple&, VoxelChunk<bool>& chunk) { PropagateChunk(chunk, finestLOD_, finestLOD_, instructionSet_); });
+        model.FinishLevels(finestLOD_);
         return model;
     }
 

@@ -1,7 +1,6 @@
 #include "Visibility.h"
 
 #include "../frame/Require.h"
-#include "../model/PropagateChunk.h"
 #include "../operations/BasicOperations.h"
 #include "Sight.h"
 #include "SightOpening.h"
@@ -67,7 +66,7 @@ VoxelModel<bool> VisibleInExtents(const VoxelModel<bool>& model, const View& vie
 {
     const Axes& axes = model.AxesRef();
     const Extents& extents = model.ExtentsRef(view.lod);
-    VoxelModel<bool> result(extents, view.lod);
+    VoxelModel<bool> result(extents, view.lod, model.WhenLevelsAreMade());
     sight::PointOfView sight{view.point, view.threshold, extents.LowerIndices(), extents.UpperIndices(), view.opening};
     std::optional<sight::SightSphere> sphere;
     std::optional<sight::BothMasks> both;
@@ -103,7 +102,7 @@ VoxelModel<bool> VisibleFromPoint(const VoxelModel<bool>& model, const View& vie
 {
     if (autoAdjustExtents) return VisibleBeyondExtents(model, view);
     VoxelModel<bool> result = VisibleInExtents(model, view);
-    PropagateResult(result, view.lod);
+    result.FinishLevels(view.lod);
     return result;
 }
 
@@ -132,9 +131,9 @@ VoxelModel<bool> VisibilityFromDirection(const VoxelModel<bool>& voxelModel, con
     RequireDirection(direction);
     RequireVisibilityLevel(voxelModel, lod);
 
-    VoxelModel<bool> result(voxelModel.ExtentsRef(lod), lod);
+    VoxelModel<bool> result(voxelModel.ExtentsRef(lod), lod, voxelModel.WhenLevelsAreMade());
     sight::MarkFromDirection(result, voxelModel, direction, lod, threshold, FastestInstructionSet());
-    PropagateResult(result, lod);
+    result.FinishLevels(lod);
     return result;
 }
 

@@ -2,7 +2,7 @@
 #include "model/PropagateLevel.h"
 
 #include "model/CheckInvariants.h"
-#include "model/PropagateChunk.h"
+#include "model/InstructionSet.h"
 #include "support/FailingAllocations.h"
 #include "support/Messages.h"
 #include "support/RandomModels.h"
@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <thread>
 
 namespace brix {
 namespace {
@@ -52,10 +53,52 @@ TEST(PropagateLevel, GivesTheSameVoxelsWithEveryInstructionSet)
         VoxelModel<bool>& model = written.model;
         const InstructionSet instructionSet = seed % 2 == 0 ? InstructionSet::Portable : FastestInstructionSet();
         ForEachTriple(model.LowerChunkIndices(), model.UpperChunkIndices(), [&](const Triple& chunk) {
-            PropagateChunk(model.ChunkRef(chunk), written.reference.VoxelLOD(), model.FinestLOD(), instructionSet);
+            model.ChunkRef(chunk).MakeLevelsFollow(written.reference.VoxelLOD(), instructionSet);
         });
         EXPECT_EQ(Differences(model, written.reference), "") << "seed " << seed;
     }
+}
+
+// Some readers ask for levels that are not made yet, while others copy the model.
+TEST(OtherLevels, AreMadeOnceForAllReaders)
+{
+    for (std::uint64_t seed = 301; seed <= 340; ++seed) {
+        WrittenModel written = RandomWrittenModel(seed);
+        written.model.MakeLevels(OtherLevels::WhenAskedFor);
+        written.model.FinishLevels(written.reference.VoxelLOD());
+        const VoxelModel<bool>& model = written.model;
+        std::array<std::string, 4> differences;
+        std::vector<std::thread> readers;
+        for (std::string& difference : differences) {
+            readers.emplace_back([&] {
+                const VoxelModel<bool> copy = model;
+                difference = Differences(model, written.reference) + Differences(copy, written.reference);
+            });
+        }
+        for (std::thread& reader : readers) reader.join();
+        for (const std::string& difference : differences) EXPECT_EQ(difference, "") << "seed " << seed;
+    }
+}
+
+TEST(OtherLevels, AreMadeByTheNextReaderWhereMemoryRanOut)
+{
+    std::int64_t failures = 0;
+    const std::int64_t live = LiveAllocations();
+    for (std::uint64_t seed = 1; seed <= 8; ++seed) {
+        WrittenModel written = RandomWrittenModel(seed);
+        written.model.MakeLevels(OtherLevels::WhenAskedFor);
+        written.model.FinishLevels(written.reference.VoxelLOD());
+        for (std::int64_t n = 1;; n += 1 + n / 3) {
+            VoxelModel<bool> model = written.model;
+            const bool isOut = RunsOutOfMemory(n, [&] { model.MakeLevels(OtherLevels::AtOnce); });
+            EXPECT_EQ(model.WhenLevelsAreMade(), isOut ? OtherLevels::WhenAskedFor : OtherLevels::AtOnce);
+            EXPECT_EQ(Differences(model, written.reference), "") << "seed " << seed;
+            if (!isOut) break;
+            ++failures;
+        }
+    }
+    EXPECT_GT(failures, 20);
+    EXPECT_EQ(LiveAllocations(), live);
 }
 
 // Where memory runs out, some levels are left behind, but every stack stays sound, so that the next propagation mends the model.

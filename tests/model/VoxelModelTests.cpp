@@ -139,7 +139,7 @@ TEST(VoxelModel, HandsOutEveryChunkToReadersAndWriters)
     EXPECT_EQ(&chunk, model.FindChunk(ChunkOfVoxel(voxel, 1)));
     EXPECT_TRUE(reader.Value());
     EXPECT_FALSE(copy.FindVoxel(voxel, 1).Value());
-    model.ReleaseEmptyChunks();
+    model.FinishLevels(1);
     EXPECT_TRUE(reader.Value());
     EXPECT_EQ(model.StoredChunkCount(), 1U);
 }

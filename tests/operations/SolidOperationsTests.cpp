@@ -73,6 +73,34 @@ TEST(SubtractAndInvert, EqualTheVoxelByVoxelDefinition)
     }
 }
 
+// The changed model may hold all of its levels, or those that are still to follow from one.
+TEST(SolidOperations, GiveTheSameInPlace)
+{
+    for (std::uint64_t seed = 1; seed <= 150; ++seed) {
+        Scene scene = MakeScene(seed, {AllPlacements[seed % 5]});
+        const std::int64_t lod = scene.references[0].FinestLOD();
+        const auto references = PointersTo(scene.references);
+        const auto changed = [&](const auto& change) {
+            VoxelModel<bool> model = scene.models[0];
+            if (seed % 2 == 0) model.MakeLevels(OtherLevels::WhenAskedFor);
+            model = Refine(model, lod); // all levels agree with the finest one
+            change(model, scene.models[1]);
+            return model;
+        };
+        EXPECT_EQ(Differences(changed(UnionInPlace), Union(references, lod, false)), "") << scene.description;
+        EXPECT_EQ(Differences(changed(IntersectInPlace), Intersect(references, lod, false)), "") << scene.description;
+        EXPECT_EQ(Differences(changed(SubtractInPlace), Subtract(scene.references[0], scene.references[1], lod, false)), "")
+            << scene.description;
+        EXPECT_EQ(Changes(scene.models[1], scene.references[1]), "");
+
+        VoxelModel<bool>& model = scene.models[0];
+        UnionInPlace(model, model);
+        EXPECT_EQ(Differences(model, Union(References{references[0]}, lod, false)), "");
+        SubtractInPlace(model, model);
+        EXPECT_EQ(model.StoredChunkCount(), 0U);
+    }
+}
+
 const Axes Frame(1, {0, 0, 0}, 0, 0);
 
 VoxelModel<bool> FullModel(const Axes& axes, const Triple& lower, const Triple& upper, std::int64_t lod)

@@ -138,10 +138,11 @@ std::array<std::int64_t, 8> OrderOf(const Triple& voxel, std::int64_t lod)
 
 VoxelModel<bool> MakeModel(const ReferenceModel& reference)
 {
-    VoxelModel<bool> model(reference.FinestExtentsRef(), reference.FinestLOD());
+    // One in two makes other levels when they are asked for.
+    const auto otherLevels = reference.ExtentsRef().UpperIndices()[0] % 2 == 0 ? OtherLevels::AtOnce : OtherLevels::WhenAskedFor;
+    VoxelModel<bool> model(reference.FinestExtentsRef(), reference.FinestLOD(), otherLevels);
     WriteLevel(model, reference);
-    PropagateLevel(model, reference.VoxelLOD());
-    model.ReleaseEmptyChunks(); // as operations leave it
+    model.FinishLevels(reference.VoxelLOD()); // as operations leave it
     return model;
 }
 
