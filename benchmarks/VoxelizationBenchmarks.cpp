@@ -8,10 +8,10 @@
 //
 // The baseline's triangles are converted, and cut where filing cuts them, before its time starts, and its bit set is zeroed; it
 // makes the finest level only, while the engine makes all six.
+#include "LargeScenes.h"
 #include "VoxelizationMeasures.h"
 #include "frame/Require.h"
 
-#include <cmath>
 #include <functional>
 
 namespace brix::benchmarks {
@@ -59,25 +59,6 @@ void MeasureVoxelizeBaseline(State& state, const GriddedScene& scene)
         RequireEqual("Voxels of the bit set", voxels.Count(), scene.FilledVoxels());
         state.ResumeTiming();
     }
-}
-
-// A tube along x of 64 sides and radius 1.
-std::vector<WorldTriangle> MakePole(double length)
-{
-    constexpr int sides = 64;
-    const auto corner = [](int side, double x) {
-        const double angle = 2 * 3.14159265358979323846 * side / sides;
-        return std::array<double, 3>{x + 0.2, std::cos(angle) + 0.3, std::sin(angle) + 0.4};
-    };
-    std::vector<WorldTriangle> triangles;
-    for (int side = 0; side < sides; ++side) {
-        const auto a = corner(side, 0);
-        const auto b = corner(side + 1, 0);
-        const auto c = corner(side + 1, length);
-        triangles.push_back({a, b, c});
-        triangles.push_back({a, c, corner(side, length)});
-    }
-    return triangles;
 }
 
 void MeasurePole(State& state, double length,

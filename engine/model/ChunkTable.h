@@ -44,12 +44,15 @@ public:
 
     /// What is there for a chunk, or null. Any indices may be asked for. Cost: constant.
     Item* Find(const Triple& chunk) { return const_cast<Item*>(std::as_const(*this).Find(chunk)); }
-    const Item* Find(const Triple& chunk) const
+    const Item* Find(const Triple& chunk) const { return IsWithin(chunk, lower_, upper_) ? FindInside(chunk) : nullptr; }
+
+    /// The same for a chunk that is in the box.
+    Item* FindInside(const Triple& chunk) { return const_cast<Item*>(std::as_const(*this).FindInside(chunk)); }
+    const Item* FindInside(const Triple& chunk) const
     {
-        if (!IsWithin(chunk, lower_, upper_)) return nullptr;
         const Place place = PlaceOf(chunk);
-        const Block* const block = FindBlock(place.block);
-        return block == nullptr ? nullptr : block->items[place.slot].get();
+        const Entry* const entry = FindEntry(place.block);
+        return entry != nullptr ? entry->items[place.slot].get() : nullptr;
     }
 
     /// What is there for a chunk of the box, made by make() (a unique_ptr) if nothing is. Cost: constant, but for the first chunk
@@ -57,10 +60,10 @@ public:
     template <class Make> Item& FindOrMake(const Triple& chunk, const Make& make)
     {
         const Place place = PlaceOf(chunk);
-        Block* const found = FindBlock(place.block);
+        const Entry* const found = FindEntry(place.block);
         if (found != nullptr && found->items[place.slot] != nullptr) return *found->items[place.slot];
         std::unique_ptr<Item> item = make();
-        Block& block = found != nullptr ? *found : AddBlock(place.block);
+        Block& block = found != nullptr ? *found->block : AddBlock(place.block);
         block.present |= std::uint64_t{1} << place.slot;
         block.items[place.slot] = std::move(item);
         ++size_;
@@ -82,7 +85,7 @@ public:
     std::size_t AllocatedBytes() const
     {
         return blocks_.size() * (sizeof(Block) + sizeof(std::unique_ptr<Item>) * SlotCount()) +
-               blocks_.capacity() * sizeof(blocks_.front()) + directory_.capacity() * sizeof(Block*);
+               blocks_.capacity() * sizeof(blocks_.front()) + directory_.capacity() * sizeof(Entry);
     }
 
 private:
@@ -94,6 +97,13 @@ private:
         std::uint64_t key; // place z, y, x from the table's lower corner: the order of blocks
         std::uint64_t present = 0;
         std::unique_ptr<std::unique_ptr<Item>[]> items; // by slot: x in the lowest bits, then y, then z
+    };
+    // Of the directory: what a look-up reads, beside each other. Free where there is no block.
+    struct Entry
+    {
+        std::uint64_t key;
+        std::unique_ptr<Item>* items;
+        Block* block;
     };
     struct Place
     {
@@ -122,33 +132,32 @@ private:
     }
 
     // Fibonacci hashing (Knuth, "Sorting and Searching", 6.4): the highest bits of a product.
-    std::size_t HashOf(std::uint64_t key) const
-    {
-        return static_cast<std::size_t>(key * 0x9E3779B97F4A7C15 >> (64 - std::countr_zero(directory_.size())));
-    }
+    std::size_t HashOf(std::uint64_t key) const { return static_cast<std::size_t>(key * 0x9E3779B97F4A7C15 >> hashShift_); }
 
-    Block* FindBlock(std::uint64_t key) const
+    const Entry* FindEntry(std::uint64_t key) const
     {
         if (directory_.empty()) return nullptr;
         const std::size_t last = directory_.size() - 1;
         for (std::size_t i = HashOf(key);; i = (i + 1) & last) {
-            Block* const block = directory_[i];
-            if (block == nullptr || block->key == key) return block;
+            const Entry& entry = directory_[i];
+            if (entry.key == key && entry.block != nullptr) return &entry;
+            if (entry.block == nullptr) return nullptr;
         }
     }
 
     void Enter(Block* block)
     {
         std::size_t i = HashOf(block->key);
-        while (directory_[i] != nullptr) i = (i + 1) & (directory_.size() - 1);
-        directory_[i] = block;
+        while (directory_[i].block != nullptr) i = (i + 1) & (directory_.size() - 1);
+        directory_[i] = {block->key, block->items.get(), block};
     }
 
     void MakeDirectory(std::size_t blockCount)
     {
         std::size_t size = 2;
         while (size < 2 * blockCount) size *= 2;
-        directory_.assign(size, nullptr);
+        directory_.assign(size, Entry{});
+        hashShift_ = 64 - std::countr_zero(size);
         for (const auto& block : blocks_) Enter(block.get());
     }
 
@@ -164,7 +173,8 @@ private:
     std::array<int, 3> bits_; // a block is 2^bits chunks wide along each axis: a small box has a small block
     std::size_t size_ = 0;
     std::vector<std::unique_ptr<Block>> blocks_; // sorted by key
-    std::vector<Block*> directory_;              // open addressing with linear probing; a power of two, at most half full
+    std::vector<Entry> directory_;               // open addressing with linear probing; a power of two, at most half full
+    int hashShift_ = 0;                          // of a product, to give a place in the directory
 };
 
 template <class Item> ChunkTable<Item>::ChunkTable(const ChunkTable& other) : ChunkTable(other.lower_, other.upper_)

@@ -63,6 +63,10 @@ public:
     Chunk* FindChunk(const Triple& chunkIndices) { return chunks_.Find(chunkIndices); }
     const Chunk* FindChunk(const Triple& chunkIndices) const { return chunks_.Find(chunkIndices); }
 
+    /// The same for a chunk of the grid.
+    Chunk* FindValidChunk(const Triple& chunkIndices) { return chunks_.FindInside(chunkIndices); }
+    const Chunk* FindValidChunk(const Triple& chunkIndices) const { return chunks_.FindInside(chunkIndices); }
+
     /// The number of chunks of the grid, and of those that are stored.
     std::size_t ChunkCount() const
     {

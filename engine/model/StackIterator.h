@@ -27,7 +27,7 @@ public:
     {
         const Extents& extents = model.ExtentsRef(lod);
         const Triple stack = StackOfVoxel(voxelIndices);
-        if (IsWithin(stack, StackOfVoxel(extents.LowerIndices()), StackOfVoxel(extents.UpperIndices()))) MoveTo(voxelIndices);
+        if (IsWithin(stack, StackOfVoxel(extents.LowerIndices()), StackOfVoxel(extents.UpperIndices()))) SetPlace(stack);
     }
 
     /// The stack that holds a voxel, if the model does: the short way for a voxel that mostly is inside the extents. Throws as
@@ -35,7 +35,7 @@ public:
     static StackIteratorBase OfVoxelInside(VoxelModelType& model, const Triple& voxelIndices, std::int64_t lod)
     {
         StackIteratorBase iterator(model, lod);
-        if (model.ContainsVoxel(voxelIndices, lod)) iterator.MoveTo(voxelIndices);
+        if (model.ContainsVoxel(voxelIndices, lod)) iterator.SetPlace(StackOfVoxel(voxelIndices));
         return iterator;
     }
 
@@ -49,12 +49,7 @@ public:
     template <class Other>
     requires(std::is_same_v<const Other, VoxelModelType> && !std::is_same_v<Other, VoxelModelType>)
         StackIteratorBase(const StackIteratorBase<Other>& other)
-        : model_(other.model_),
-          lod_(other.lod_),
-          isValid_(other.isValid_),
-          store_(other.store_),
-          chunkIndices_(other.chunkIndices_),
-          stackIndices_(other.stackIndices_)
+        : model_(other.model_), lod_(other.lod_), isValid_(other.isValid_), store_(other.store_), place_(other.place_)
     {}
 
     bool IsValid() const { return isValid_; }
@@ -71,30 +66,40 @@ public:
     Store& VoxelStoreRef() const
     {
         Validate();
-        if (store_ == nullptr) store_ = &model_->ChunkRef(chunkIndices_).VoxelStoreRef(lod_);
+        if (store_ == nullptr) store_ = &model_->ChunkRef(ChunkIndices()).VoxelStoreRef(lod_);
         return *store_;
     }
-    Stack& VoxelStackRef() const { return VoxelStoreRef().ValidStackRef(stackIndices_); }
+    Stack& VoxelStackRef() const { return VoxelStoreRef().ValidStackRef(Indices()); }
 
     /// The stack to be read at once: the shared empty one where nothing is stored.
     const VoxelStack<bool>& StackToRead() const
     {
         Validate();
         if (store_ == nullptr) FindStore();
-        return store_ != nullptr ? std::as_const(*store_).ValidStackRef(stackIndices_) : EmptyStack;
+        return store_ != nullptr ? std::as_const(*store_).ValidStackRef(Indices()) : EmptyStack;
     }
 
     /// Voxel indices of the stack's lower corner.
     Triple LowerIndices() const
     {
         Validate();
-        return Plus(ChunkLowerIndices(chunkIndices_, lod_), {PlateWidth * stackIndices_[0], PlateWidth * stackIndices_[1], 0});
+        return CornerOfStack(place_);
     }
 
     /// The part of the stack that lies in the extents, as inclusive offsets inside the stack.
     OffsetBox Inside() const { return PartInside(model_->ExtentsRef(lod_), LowerIndices()); }
     Triple LowerOffset() const { return Inside().lower; }
     Triple UpperOffset() const { return Inside().upper; }
+
+    /// Moves to the stack at a place of the level's grid of stacks (StackOfVoxel), which the extents must touch.
+    void MoveTo(const Triple& place)
+    {
+        const bool isSameChunk = ((place[0] ^ place_[0]) >> lod_ | (place[1] ^ place_[1]) >> lod_ | (place[2] ^ place_[2])) == 0;
+        if (isSameChunk)
+            place_ = place;
+        else
+            SetPlace(place);
+    }
 
     /// Stack order: chunk z, y, x, then stack row, then column. Both iterators must be valid (std::out_of_range) and of one model
     /// (std::domain_error).
@@ -111,29 +116,35 @@ private:
 
     std::array<std::int64_t, 5> OrderKey() const
     {
-        return {chunkIndices_[2], chunkIndices_[1], chunkIndices_[0], stackIndices_[1], stackIndices_[0]};
+        const Triple chunk = ChunkIndices();
+        return {chunk[2], chunk[1], chunk[0], place_[1], place_[0]};
     }
 
-    void MoveTo(const Triple& voxelIndices)
+    Triple ChunkIndices() const { return {FloorShift(place_[0], lod_), FloorShift(place_[1], lod_), place_[2]}; }
+    StackIndices Indices() const
+    {
+        const std::int64_t last = (std::int64_t{1} << lod_) - 1;
+        return {place_[0] & last, place_[1] & last};
+    }
+
+    void SetPlace(const Triple& place)
     {
         isValid_ = true;
-        chunkIndices_ = ChunkOfVoxel(voxelIndices, lod_);
-        const Triple stack = StackOfVoxel(Minus(voxelIndices, ChunkLowerIndices(chunkIndices_, lod_)));
-        stackIndices_ = {stack[0], stack[1]};
+        place_ = place;
+        store_ = nullptr;
         FindStore();
     }
 
     void FindStore() const
     {
-        if (auto* const chunk = model_->FindChunk(chunkIndices_)) store_ = &chunk->VoxelStoreRef(lod_);
+        if (auto* const chunk = model_->FindValidChunk(ChunkIndices())) store_ = &chunk->VoxelStoreRef(lod_);
     }
 
     VoxelModelType* model_;
     std::int64_t lod_;
     bool isValid_ = false;
     mutable Store* store_ = nullptr; // looked up again as long as nothing is stored there
-    Triple chunkIndices_{};
-    StackIndices stackIndices_{};
+    Triple place_{};                 // among the level's stacks
 };
 
 using StackIterator = StackIteratorBase<VoxelModel<bool>>;

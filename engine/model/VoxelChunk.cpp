@@ -12,10 +12,11 @@ VoxelChunk<bool>::VoxelChunk(const VoxelChunk& other)
     : bounds_(other.bounds_), chunkIndices_(other.chunkIndices_), onlyLevel_(other.onlyLevel_.load(std::memory_order_acquire))
 {
     if (onlyLevel_ == AllLevels) {
+        levelCount_ = other.levelCount_;
         stores_ = other.stores_;
         return;
     }
-    Initialize(static_cast<std::int64_t>(other.stores_.size()) - 1);
+    Initialize(other.levelCount_ - 1);
     const auto only = static_cast<std::size_t>(onlyLevel_);
     stores_[only] = other.stores_[only];
 }
@@ -26,31 +27,31 @@ void VoxelChunk<bool>::MakeLevelsFollow(std::int64_t lod, InstructionSet instruc
 {
     if (onlyLevel_ == lod) return; // they will
     VoxelStoreRef(lod);            // makes what still follows from another level
-    PropagateStores(stores_, lod, instructionSet);
+    PropagateStores(Stores(), lod, instructionSet);
 }
 
 void VoxelChunk<bool>::LetLevelsFollow(std::int64_t lod)
 {
     VoxelStore<bool>& only = StoreToRewrite(lod);
     only.ReleaseUniformStacks();
-    for (VoxelStore<bool>& store : stores_) {
+    for (VoxelStore<bool>& store : Stores()) {
         if (&store != &only) store.MakeUniform(false);
     }
-    if (stores_.size() > 1) onlyLevel_.store(static_cast<std::int8_t>(lod), std::memory_order_relaxed);
+    if (levelCount_ > 1) onlyLevel_.store(static_cast<std::int8_t>(lod), std::memory_order_relaxed);
 }
 
 [[gnu::cold, gnu::noinline]] void VoxelChunk<bool>::MakeOtherLevels() const
 {
     const SpinLock::Holder holder(isMaking_);
     const auto only = static_cast<std::size_t>(onlyLevel_.load(std::memory_order_relaxed));
-    if (only >= stores_.size()) return; // another thread has made them
+    if (only >= Stores().size()) return; // another thread has made them
     const auto forEachOther = [&](const auto& work) {
-        for (std::size_t lod = 0; lod < stores_.size(); ++lod) {
+        for (std::size_t lod = 0; lod < Stores().size(); ++lod) {
             if (lod != only) work(stores_[lod]);
         }
     };
     try {
-        PropagateStores(stores_, static_cast<std::int64_t>(only), FastestInstructionSet());
+        PropagateStores(Stores(), static_cast<std::int64_t>(only), FastestInstructionSet());
     } catch (...) {
         forEachOther([](VoxelStore<bool>& store) { store.MakeUniform(false); });
         throw;
@@ -61,22 +62,23 @@ void VoxelChunk<bool>::LetLevelsFollow(std::int64_t lod)
 
 void VoxelChunk<bool>::ReleaseUniformStacks()
 {
-    for (VoxelStore<bool>& store : stores_) store.ReleaseUniformStacks();
+    for (VoxelStore<bool>& store : Stores()) store.ReleaseUniformStacks();
 }
 
 bool VoxelChunk<bool>::IsUnallocated() const
 {
     const std::int64_t only = onlyLevel_.load(std::memory_order_acquire);
     if (only != AllLevels) return stores_[static_cast<std::size_t>(only)].IsUnallocated();
-    return std::all_of(stores_.rbegin(), stores_.rend(), [](const auto& store) { return store.IsUnallocated(); });
+    const auto stores = Stores();
+    return std::all_of(stores.rbegin(), stores.rend(), [](const auto& store) { return store.IsUnallocated(); });
 }
 
 std::size_t VoxelChunk<bool>::AllocatedBytes() const
 {
-    const std::size_t bytes = stores_.capacity() * sizeof(VoxelStore<bool>);
     const std::int64_t only = onlyLevel_.load(std::memory_order_acquire);
-    if (only != AllLevels) return bytes + stores_[static_cast<std::size_t>(only)].AllocatedBytes();
-    return std::accumulate(stores_.begin(), stores_.end(), bytes,
+    if (only != AllLevels) return stores_[static_cast<std::size_t>(only)].AllocatedBytes();
+    const auto stores = Stores();
+    return std::accumulate(stores.begin(), stores.end(), std::size_t{0},
                            [](std::size_t sum, const VoxelStore<bool>& store) { return sum + store.AllocatedBytes(); });
 }
 

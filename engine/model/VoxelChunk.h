@@ -8,8 +8,9 @@
 #include "SpinLock.h"
 #include "VoxelStore.h"
 
+#include <array>
 #include <atomic>
-#include <vector>
+#include <span>
 
 namespace brix {
 
@@ -33,9 +34,9 @@ public:
     void Initialize(std::int64_t finestLOD)
     {
         const Triple chunkIndices{chunkIndices_[0], chunkIndices_[1], chunkIndices_[2]};
-        stores_.reserve(static_cast<std::size_t>(finestLOD + 1));
-        for (std::int64_t lod = 0; lod <= finestLOD; ++lod) {
-            stores_.emplace_back((*bounds_)[static_cast<std::size_t>(lod)], ChunkLowerIndices(chunkIndices, lod));
+        for (; levelCount_ <= finestLOD; ++levelCount_) {
+            const auto lod = static_cast<std::size_t>(levelCount_);
+            stores_[lod] = VoxelStore<bool>((*bounds_)[lod], ChunkLowerIndices(chunkIndices, levelCount_));
         }
     }
 
@@ -90,13 +91,15 @@ public:
 private:
     static constexpr std::int8_t AllLevels = -1;
 
+    std::span<VoxelStore<bool>> Stores() const { return {stores_.data(), static_cast<std::size_t>(levelCount_)}; }
     void MakeOtherLevels() const;
 
     const BoundsOfLevels* bounds_;
-    std::array<std::int16_t, 3> chunkIndices_;              // the index space has less than 2^14 chunks along an axis
-    mutable std::vector<VoxelStore<bool>> stores_;          // by level
+    std::array<std::int16_t, 3> chunkIndices_; // the index space has less than 2^14 chunks along an axis
+    std::int8_t levelCount_ = 0;
     mutable std::atomic<std::int8_t> onlyLevel_{AllLevels}; // the level that the others are still to be made from
     mutable SpinLock isMaking_;
+    mutable std::array<VoxelStore<bool>, static_cast<std::size_t>(LevelCount)> stores_; // by level, as many as levelCount_ says
 };
 
 } // namespace brix

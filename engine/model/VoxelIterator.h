@@ -4,7 +4,6 @@
 
 #include "StackIterator.h"
 
-#include <limits>
 #include <utility>
 
 namespace brix {
@@ -15,13 +14,8 @@ public:
     /// The voxel with these indices; not valid when it lies outside the extents.
     /// Throws std::domain_error when the level is negative or beyond the model's finest one.
     VoxelIteratorBase(VoxelModelType& model, const Triple& voxelIndices, std::int64_t lod)
-        : stack_(StackIteratorBase<VoxelModelType>::OfVoxelInside(model, voxelIndices, lod))
-    {
-        if (!stack_.IsValid()) return;
-        const Triple offset = Minus(voxelIndices, stack_.LowerIndices());
-        xy_ = {offset[0], offset[1]};
-        z_ = offset[2];
-    }
+        : stack_(StackIteratorBase<VoxelModelType>::OfVoxelInside(model, voxelIndices, lod)), voxel_(voxelIndices)
+    {}
 
     /// An iterator that is not valid. Throws as above.
     VoxelIteratorBase(VoxelModelType& model, std::int64_t lod) : stack_(model, lod) {}
@@ -30,7 +24,7 @@ public:
     template <class Other>
     requires(std::is_same_v<const Other, VoxelModelType> && !std::is_same_v<Other, VoxelModelType>)
         VoxelIteratorBase(const VoxelIteratorBase<Other>& other)
-        : stack_(other.stack_), xy_(other.xy_), z_(other.z_)
+        : stack_(other.stack_), voxel_(other.voxel_)
     {}
 
     bool IsValid() const { return stack_.IsValid(); }
@@ -46,27 +40,26 @@ public:
     Triple VoxelIndices() const
     {
         Validate();
-        return Plus(stack_.LowerIndices(), {xy_[0], xy_[1], z_});
+        return voxel_;
     }
 
     /// Whether the voxel is filled.
     bool Value() const
     {
         Validate();
-        const VoxelStack<bool>& stack = StackRef();
-        return stack.LayerVoxelPlateRef(stack.LayerID(z_)).Value(xy_);
+        const VoxelStack<bool>& stack = stack_.StackToRead();
+        return stack.LayerVoxelPlateRef(stack.LayerID(voxel_[2] & LastOffset[2]))
+            .Value({voxel_[0] & LastOffset[0], voxel_[1] & LastOffset[1]});
     }
 
     /// Moves by any number of voxels; the iterator is not valid afterwards when that leads outside the extents.
     VoxelIteratorBase& operator+=(const Triple& step)
     {
         Validate();
-        const Triple offset = PlusSaturated({xy_[0], xy_[1], z_}, step);
-        if (const OffsetBox inExtents = stack_.Inside(); !IsWithin(offset, inExtents.lower, inExtents.upper)) {
-            return *this = VoxelIteratorBase(VoxelModelRef(), PlusSaturated(stack_.LowerIndices(), offset), VoxelLOD());
-        }
-        xy_ = {offset[0], offset[1]};
-        z_ = offset[2];
+        const Triple voxel{Sum(voxel_[0], step[0]), Sum(voxel_[1], step[1]), Sum(voxel_[2], step[2])};
+        if (!VoxelModelRef().ContainsVoxel(voxel, VoxelLOD())) return *this = VoxelIteratorBase(VoxelModelRef(), VoxelLOD());
+        stack_.MoveTo(StackOfVoxel(voxel));
+        voxel_ = voxel;
         return *this;
     }
 
@@ -75,20 +68,14 @@ public:
 private:
     template <class> friend class VoxelIteratorBase;
 
-    const VoxelStack<bool>& StackRef() const { return stack_.StackToRead(); }
-
-    // Steps at the limits of 64 bits end outside every model instead of overflowing.
-    static Triple PlusSaturated(const Triple& indices, const Triple& step)
+    // Without overflow: a sum beyond 64 bits comes out as a number near their limits, where no model has voxels.
+    static std::int64_t Sum(std::int64_t index, std::int64_t step)
     {
-        constexpr std::int64_t limit = std::numeric_limits<std::int64_t>::max() / 4;
-        Triple sum{};
-        for (std::size_t i = 0; i < 3; ++i) sum[i] = std::clamp(indices[i], -limit, limit) + std::clamp(step[i], -limit, limit);
-        return sum;
+        return static_cast<std::int64_t>(static_cast<std::uint64_t>(index) + static_cast<std::uint64_t>(step));
     }
 
     StackIteratorBase<VoxelModelType> stack_;
-    std::array<std::int64_t, 2> xy_{};
-    std::int64_t z_ = 0;
+    Triple voxel_{};
 };
 
 inline VoxelIterator VoxelModel<bool>::FindVoxel(const Triple& voxelIndices, std::int64_t lod)

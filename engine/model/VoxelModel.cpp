@@ -27,10 +27,9 @@ VoxelModel<bool>& VoxelModel<bool>::operator=(VoxelModel&& other) noexcept
     return *this;
 }
 
-const Extents& VoxelModel<bool>::ExtentsRef(std::int64_t lod) const
+void VoxelModel<bool>::RequireHeldLevel(std::int64_t lod) const
 {
     RequireLevelOf(FinestLOD(), "The level of detail for voxel model operations", lod);
-    return ExtentsAtLevel(lod);
 }
 
 void VoxelModel<bool>::MakeLevels(OtherLevels when)
@@ -47,14 +46,14 @@ void VoxelModel<bool>::FinishChunk(VoxelChunk<bool>& chunk, std::int64_t lod) co
 
 void VoxelModel<bool>::FinishLevels(std::int64_t lod)
 {
-    RequireLevelOf(FinestLOD(), "The level of detail for voxel model operations", lod);
+    RequireHeldLevel(lod);
     ForEachChunk([&](const Triple&, VoxelChunk<bool>& chunk) { FinishChunk(chunk, lod); });
     ReleaseEmptyChunks();
 }
 
 void VoxelModel<bool>::FinishLevels(std::int64_t lod, const std::vector<Triple>& chunks)
 {
-    RequireLevelOf(FinestLOD(), "The level of detail for voxel model operations", lod);
+    RequireHeldLevel(lod);
     for (const Triple& chunk : chunks) FinishChunk(ChunkRef(chunk), lod);
     ReleaseEmptyChunks();
 }

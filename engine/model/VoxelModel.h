@@ -49,7 +49,11 @@ public:
     }
 
     /// The extents in voxels of a level, 0..FinestLOD(). Throws std::domain_error for any other level.
-    const Extents& ExtentsRef(std::int64_t lod) const;
+    const Extents& ExtentsRef(std::int64_t lod) const
+    {
+        if (lod < 0 || lod > FinestLOD()) RequireHeldLevel(lod);
+        return ExtentsAtLevel(lod);
+    }
 
     /// The voxel with these indices at a level, 0..FinestLOD(); an iterator that is not valid when the voxel lies outside the
     /// extents. Throws std::domain_error when the level is negative or beyond the finest one. (Include VoxelIterator.h.)
@@ -73,6 +77,7 @@ public:
     void FinishLevels(std::int64_t lod, const std::vector<Triple>& chunks);
 
 private:
+    void RequireHeldLevel(std::int64_t lod) const;
     void FinishChunk(VoxelChunk<bool>& chunk, std::int64_t lod) const;
     void ReleaseEmptyChunks();
 

@@ -15,6 +15,9 @@ template <class Value> class VoxelStore;
 template <> class VoxelStore<bool>
 {
 public:
+    /// Nothing yet, for arrays: to be assigned to.
+    VoxelStore() = default;
+
     /// An empty store. `bounds` are the model's at this level, which must outlive the store; `lowerIndices` the chunk's lower
     /// corner in voxels of this level.
     VoxelStore(const LevelBounds& bounds, const Triple& lowerIndices);
@@ -109,7 +112,7 @@ private:
     // A rectangle of stacks, inclusive; a row has 32 at most.
     struct Range
     {
-        std::int8_t lowerI, lowerJ, upperI, upperJ;
+        std::int8_t lowerI = 0, lowerJ = 0, upperI = -1, upperJ = -1;
 
         StackIndices Lower() const { return {lowerI, lowerJ}; }
         StackIndices Upper() const { return {upperI, upperJ}; }
@@ -135,8 +138,8 @@ private:
     void StoreStacks();
     void KeepAllStacks();
 
-    const LevelBounds* bounds_;
-    std::array<std::int32_t, 3> lowerIndices_; // the index space is narrower than that
+    const LevelBounds* bounds_ = nullptr;
+    std::array<std::int32_t, 3> lowerIndices_{}; // the index space is narrower than that
     Range valid_;
     Range kept_; // the valid ones, until another one is to be written
     bool isFull_ = false;

@@ -57,7 +57,7 @@ TEST(Memory, IsAsTheDocumentSays)
         {"a stack of two layers", BytesOf(2)},
         {"a stack of 64 layers", BytesOf(64)},
         {"a store without its stacks, which are 8 for each that is touched", sizeof(VoxelStore<bool>)},
-        {"a chunk without its stores", sizeof(VoxelChunk<bool>)},
+        {"a chunk, with its stores", sizeof(VoxelChunk<bool>)},
         {"an empty or full chunk with levels 0 to 5, and its place in the table", BytesOfChunk(5, {15, 15, 63}, 0, false)},
         {"the same with all its stacks: 512 x 512 x 64 voxels of level 5", BytesOfChunk(5, {15, 15, 63}, 0, true)},
         {"the same with levels 0 to 3 only", BytesOfChunk(3, {15, 15, 63}, 0, true)},
