@@ -9,6 +9,7 @@ set(BRIX_INTERNAL_HEADERS
     model/ForEachStack.h
     model/InstructionSet.h
     model/PropagateStores.h
+    operations/ColumnGrowth.h
     operations/EmptyRegions.h
     operations/FilledBounds.h
     operations/LevelGrid.h

@@ -70,6 +70,18 @@ public:
         return *block.items[place.slot];
     }
 
+    /// Takes out what is there for a chunk; null where nothing is. A block that is left without anything goes with the next
+    /// EraseIf.
+    std::unique_ptr<Item> Extract(const Triple& chunk)
+    {
+        if (Find(chunk) == nullptr) return nullptr;
+        const Place place = PlaceOf(chunk);
+        Block& block = *FindEntry(place.block)->block;
+        block.present &= ~(std::uint64_t{1} << place.slot);
+        --size_;
+        return std::move(block.items[place.slot]);
+    }
+
     /// Calls visit(chunk indices, item) for all that is there: z outermost, then y, then x. Nothing may be made or erased
     /// meanwhile.
     template <class Visit> void ForEach(const Visit& visit) { Walk(*this, blocks_.begin(), blocks_.end(), visit); }

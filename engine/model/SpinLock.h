@@ -1,6 +1,8 @@
 // Keeps threads that read one model apart for the moments in which a reader makes something: they wait rarely, and briefly.
 #pragma once
 
+#include "../frame/Compiler.h"
+
 #include <atomic>
 
 namespace brix {

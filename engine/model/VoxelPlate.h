@@ -108,6 +108,11 @@ constexpr VoxelPlate<bool> operator&(const VoxelPlate<bool>& a, const VoxelPlate
     return MapRows([](auto& out, const auto& x, const auto& y) { out = x & y; }, a, b);
 }
 
+constexpr VoxelPlate<bool> operator^(const VoxelPlate<bool>& a, const VoxelPlate<bool>& b)
+{
+    return MapRows([](auto& out, const auto& x, const auto& y) { out = x ^ y; }, a, b);
+}
+
 constexpr VoxelPlate<bool> operator~(const VoxelPlate<bool>& a)
 {
     return MapRows([](auto& out, const auto& x) { out = ~x; }, a);

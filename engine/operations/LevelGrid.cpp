@@ -29,11 +29,15 @@ LevelGrid::LevelGrid(const VoxelModel<bool>& model, const Extents& extents)
         auto block = std::make_unique<Block>();
         bool isEmpty = true;
         ForEachStackOfStore(store, [&](const VoxelStore<bool>&, const StackIndices& ij) {
-            if (store.ValidStackRef(ij).IsUnallocated()) return;
+            if (!store.IsUniformlyFull() && store.ValidStackRef(ij).IsUnallocated()) return;
             isEmpty = false;
             block->occupied[static_cast<std::size_t>(ij[1])] |= 1U << ij[0];
         });
         if (isEmpty) return;
+        const Triple lower = ChunkLowerIndices(chunkIndices, bits_);
+        const Triple upper = Plus(lower, {PerRow() * PlateWidth - 1, PerRow() * PlateWidth - 1, StackHeight - 1});
+        const auto holdsAll = [&](const Extents& box) { return box.ContainsVoxel(lower) && box.ContainsVoxel(upper); };
+        block->isFull = store.IsUniformlyFull() && holdsAll(store.ExtentsRef()) && holdsAll(extents_);
         const Rows inGrid = StacksOfGrid(chunkIndices);
         for (std::size_t j = 0; j < inGrid.size(); ++j) block->occupied[j] &= inGrid[j];
         block->looksAt = &store;
@@ -90,6 +94,18 @@ LevelGrid::Rows LevelGrid::StacksToWrite(const Triple& chunk, std::span<const So
     return stacks;
 }
 
+// Whether a chunk and all that its sources look at is full.
+bool LevelGrid::SeesFull(const Triple& chunk, std::span<const Source> sources) const
+{
+    return IsFull(chunk) && std::all_of(sources.begin(), sources.end(), [&](const Source& source) {
+               const Triple first = Plus(Triple{chunk[0] << bits_, chunk[1] << bits_, chunk[2]}, source.offset);
+               const Triple last = Plus(first, {PerRow() - 1, PerRow() - 1, 0});
+               bool isFull = source.grid == this;
+               ForEachTriple(ChunkOf(first), ChunkOf(last), [&](const Triple& seen) { isFull = isFull && IsFull(seen); });
+               return isFull;
+           });
+}
+
 // The stacks of a chunk that the extents touch.
 LevelGrid::Rows LevelGrid::StacksOfGrid(const Triple& chunk) const
 {
@@ -103,6 +119,48 @@ LevelGrid::Rows LevelGrid::StacksOfGrid(const Triple& chunk) const
         rows[static_cast<std::size_t>(j)] =
             static_cast<std::uint32_t>((std::uint64_t{2} << lastX) - (std::uint64_t{1} << firstX));
     return rows;
+}
+
+std::vector<Triple> LevelGrid::OccupiedStacks() const
+{
+    std::vector<Triple> stacks;
+    blocks_.ForEach([&](const Triple& chunk, const Block& block) {
+        for (std::int64_t j = 0; j < PerRow(); ++j) {
+            for (std::uint32_t row = block.occupied[static_cast<std::size_t>(j)]; row != 0; row &= row - 1)
+                stacks.push_back({chunk[0] << bits_ | std::countr_zero(row), chunk[1] << bits_ | j, chunk[2]});
+        }
+    });
+    return stacks;
+}
+
+// A block that owns its stacks.
+LevelGrid::Block& LevelGrid::BlockToEdit(const Triple& chunk)
+{
+    lastChunk_ = NoChunk;
+    Block& block = blocks_.FindOrMake(chunk, [] { return std::make_unique<Block>(); });
+    if (block.stacks != nullptr) return block;
+    block.isFull = false;
+    auto stacks = std::make_unique<VoxelStack<bool>[]>(std::size_t{1} << 2 * bits_);
+    for (std::int64_t j = 0; block.looksAt != nullptr && j < PerRow(); ++j) {
+        for (std::uint32_t row = block.occupied[static_cast<std::size_t>(j)]; row != 0; row &= row - 1) {
+            const std::int64_t i = std::countr_zero(row);
+            stacks[static_cast<std::size_t>(j << bits_ | i)] = block.looksAt->VoxelStackRef({i, j});
+        }
+    }
+    block.stacks = std::move(stacks);
+    block.looksAt = nullptr;
+    return block;
+}
+
+void LevelGrid::Replace(const Triple& stack, VoxelStack<bool>&& content)
+{
+    Block& block = BlockToEdit(ChunkOf(stack));
+    const std::int64_t i = InChunk(stack[0]);
+    const std::int64_t j = InChunk(stack[1]);
+    const std::uint32_t bit = 1U << i;
+    std::uint32_t& row = block.occupied[static_cast<std::size_t>(j)];
+    row = content.IsUnallocated() ? row & ~bit : row | bit;
+    block.stacks[static_cast<std::size_t>(j << bits_ | i)] = std::move(content);
 }
 
 // A spare block without any occupied stack; those that will not be written are emptied.
@@ -122,10 +180,11 @@ LevelGrid::Block& LevelGrid::BlockToWrite(const Triple& chunk, const Rows& writt
     return block;
 }
 
-// Makes the written blocks the grid's. The old ones are spare, unless they only look at a model.
-void LevelGrid::ReplaceByWritten()
+// Makes the written blocks the grid's, and those that are kept. The other old ones are spare, unless they only look at a model.
+void LevelGrid::ReplaceByWritten(const std::vector<Triple>& kept)
 {
     spare_.EraseIf([](const Block& block) { return !block.isWritten; });
+    for (const Triple& chunk : kept) spare_.FindOrMake(chunk, [&] { return blocks_.Extract(chunk); });
     blocks_.EraseIf([](const Block& block) { return block.looksAt != nullptr; });
     std::swap(blocks_, spare_);
     spare_.ForEach([](const Triple&, Block& block) { block.isWritten = false; });
@@ -137,6 +196,7 @@ VoxelModel<bool> LevelGrid::TakeModel()
     VoxelModel<bool> model(extents_, bits_, otherLevels_);
     blocks_.ForEach([&](const Triple& chunk, Block& block) {
         VoxelStore<bool>& store = model.ChunkRef(chunk).VoxelStoreRef(bits_);
+        if (block.isFull) return store.MakeUniform(true);
         ForEachStackOfStore(store, [&](VoxelStore<bool>&, const StackIndices& ij) {
             VoxelStack<bool>& stack = store.ValidStackRef(ij);
             if (block.looksAt != nullptr)

@@ -45,8 +45,15 @@ public:
     OffsetBox Inside(const Triple& stack) const { return PartInside(extents_, CornerOfStack(stack)); }
 
     /// Replaces every stack: write(stack, result) overwrites `result`, whose content before is arbitrary. StackAt gives the old
-    /// stacks until all are written. What all sources leave empty becomes empty without being written.
-    template <class Write> void Rewrite(std::span<const Source> sources, const Write& write);
+    /// stacks until all are written. What all sources leave empty becomes empty without being written; and if all sources are
+    /// this grid and `keepsFull` says so, full chunks that see nothing but full ones stay full.
+    template <class Write> void Rewrite(std::span<const Source> sources, bool keepsFull, const Write& write);
+
+    /// The places of the stacks that hold something, in no order.
+    std::vector<Triple> OccupiedStacks() const;
+
+    /// Replaces one stack of the grid. References to stacks of its chunk end.
+    void Replace(const Triple& stack, VoxelStack<bool>&& content);
 
     /// A model on the extents whose finest level holds the grid's stacks, which are gone afterwards; coarser levels are left
     /// empty.
@@ -69,6 +76,8 @@ private:
             return std::any_of(occupied.begin(), occupied.end(), [](std::uint32_t row) { return row != 0; });
         }
 
+        // Whether every voxel of the chunk is filled: such a block always looks at a store that says so.
+        bool isFull = false;
         Rows occupied{};
         const VoxelStore<bool>* looksAt = nullptr; // a model's stacks, or else its own:
         std::unique_ptr<VoxelStack<bool>[]> stacks;
@@ -94,8 +103,15 @@ private:
     std::vector<Triple> ChunksToWrite(std::span<const Source> sources) const;
     Rows StacksToWrite(const Triple& chunk, std::span<const Source> sources) const;
     Rows StacksOfGrid(const Triple& chunk) const;
+    bool IsFull(const Triple& chunk) const
+    {
+        const Block* const block = FindBlock(chunk);
+        return block != nullptr && block->isFull;
+    }
+    bool SeesFull(const Triple& chunk, std::span<const Source> sources) const;
+    Block& BlockToEdit(const Triple& chunk);
     Block& BlockToWrite(const Triple& chunk, const Rows& written);
-    void ReplaceByWritten();
+    void ReplaceByWritten(const std::vector<Triple>& kept);
 
     template <class Write> void WriteBlock(const Triple& chunk, const Rows& stacks, const Write& write);
 
@@ -124,10 +140,16 @@ template <class Write> void LevelGrid::WriteBlock(const Triple& chunk, const Row
     }
 }
 
-template <class Write> void LevelGrid::Rewrite(std::span<const Source> sources, const Write& write)
+template <class Write> void LevelGrid::Rewrite(std::span<const Source> sources, bool keepsFull, const Write& write)
 {
-    for (const Triple& chunk : ChunksToWrite(sources)) WriteBlock(chunk, StacksToWrite(chunk, sources), write);
-    ReplaceByWritten();
+    std::vector<Triple> kept;
+    for (const Triple& chunk : ChunksToWrite(sources)) {
+        if (keepsFull && SeesFull(chunk, sources))
+            kept.push_back(chunk);
+        else
+            WriteBlock(chunk, StacksToWrite(chunk, sources), write);
+    }
+    ReplaceByWritten(kept);
 }
 
 } // namespace brix

@@ -68,7 +68,8 @@ inline bool IsUnallocated(const ShiftedStack& stack) { return stack.lower.IsUnal
 /// Rewrites every stack of the grid: stacksOf(stack, combine) calls combine(sources...) with the stacks to be read, and the
 /// result is rule(their plates...), height by height, restrained and clipped at the extents. `sources` tells where those stacks
 /// are, the grid's own among them. The rule must make an empty plate of empty plates, and where all sources are empty, so must
-/// the restraint: only what has a source that is not empty is visited. Returns whether anything has changed.
+/// the restraint: only what has a source that is not empty is visited. Without a restraint it must make a full plate where all
+/// that it reads of the grid is full. Returns whether anything has changed.
 template <class StacksOf, class Rule, class Restrain>
 bool Pass(LevelGrid& grid, std::initializer_list<LevelGrid::Source> sources, const StacksOf& stacksOf, const Rule& rule,
           const Restraint<Restrain>& restraint, InstructionSet instructionSet = FastestInstructionSet())
@@ -95,7 +96,8 @@ bool Pass(LevelGrid& grid, std::initializer_list<LevelGrid::Source> sources, con
         });
         isChanged = isChanged || !(result == grid.StackAt(stack));
     };
-    RunWith(instructionSet, [&] { grid.Rewrite({sources.begin(), sources.size()}, write); });
+    const bool keepsFull = restraint.guide == nullptr;
+    RunWith(instructionSet, [&] { grid.Rewrite({sources.begin(), sources.size()}, keepsFull, write); });
     return isChanged;
 }
 

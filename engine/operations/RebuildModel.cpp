@@ -20,6 +20,15 @@ template <class Stack> void TransferStack(VoxelStore<bool>& to, const StackIndic
     stack.Compress(); // hosts may leave equal layers
 }
 
+// Whether a store is full wherever another one of the same chunk has voxels.
+bool IsFullThroughout(const VoxelStore<bool>& store, const VoxelStore<bool>& other)
+{
+    const Triple last = Plus(other.LowerIndices(other.LastStack()), LastOffset);
+    const Triple lower = other.ExtentsRef().LowerCornerClamp(other.LowerIndices());
+    const Triple upper = other.ExtentsRef().UpperCornerClamp(last);
+    return store.IsUniformlyFull() && store.ExtentsRef().ContainsVoxel(lower) && store.ExtentsRef().ContainsVoxel(upper);
+}
+
 const VoxelStore<bool>& StoreToTransfer(const VoxelChunk<bool>& chunk, std::int64_t lod) { return chunk.VoxelStoreRef(lod); }
 VoxelStore<bool>& StoreToTransfer(VoxelChunk<bool>& chunk, std::int64_t lod) { return chunk.StoreToRewrite(lod); }
 
@@ -32,10 +41,11 @@ template <class Source> VoxelModel<bool> TransferOneLevel(Source& source, const 
         source.ForEachChunk([&](const Triple& chunkIndices, auto& chunk) {
             auto& from = StoreToTransfer(chunk, lod);
             if (!result.IsChunkValid(chunkIndices) || from.IsUnallocated()) return;
-            ForEachStackOfStore(result.ChunkRef(chunkIndices).VoxelStoreRef(lod),
-                                [&](VoxelStore<bool>& to, const StackIndices& ij) {
-                                    if (from.IsStackValid(ij)) TransferStack(to, ij, from.VoxelStackRef(ij));
-                                });
+            VoxelStore<bool>& to = result.ChunkRef(chunkIndices).VoxelStoreRef(lod);
+            if (IsFullThroughout(from, to)) return to.MakeUniform(true);
+            ForEachStackOfStore(to, [&](VoxelStore<bool>&, const StackIndices& ij) {
+                if (from.IsStackValid(ij)) TransferStack(to, ij, from.VoxelStackRef(ij));
+            });
         });
     });
     return result;

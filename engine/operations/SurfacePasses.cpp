@@ -3,9 +3,11 @@
 #include "../frame/Require.h"
 #include "../model/PropagateLevel.h"
 #include "BasicOperations.h"
+#include "ColumnGrowth.h"
 #include "RebuildModel.h"
 
 #include <bit>
+#include <type_traits>
 #include <utility>
 
 namespace brix {
@@ -31,11 +33,14 @@ SurfacePasses<Change>::SurfacePasses(const VoxelModel<bool>& source, const std::
     Pass(grid_, {{&grid_}, {&*guide_}}, withGuide, Change::Restrain, Unrestrained);
 }
 
-// With a guide the steps double as well (the occluded fill of Kogge and Stone): a voxel that looks `step` voxels far sees past no
-// guide voxel, which is to say, none of the `step` voxels from itself on is one. Those for which one is are the guide grown by
-// step - 1 voxels. After `moved` voxels the next step may be moved + 1.
+// Growth along z is one sweep. Otherwise, with a guide the steps double as well (the occluded fill of Kogge and Stone): a voxel
+// that looks `step` voxels far sees past no guide voxel, which is to say, none of the `step` voxels from itself on is one. Those
+// for which one is are the guide grown by step - 1 voxels. After `moved` voxels the next step may be moved + 1.
 template <class Change> void SurfacePasses<Change>::AlongGuide(Axis axis, Side seenSide, std::int64_t count)
 {
+    if constexpr (std::is_same_v<Change, Growth>) {
+        if (axis == Axis::Z) return GrowAlongZ(grid_, *guide_, seenSide == Side::Lower ? Side::Upper : Side::Lower, count);
+    }
     LevelGrid barrier(*guideVoxels_, grid_.ExtentsRef());
     std::int64_t barrierStep = 1;
     std::int64_t moved = 0;

@@ -37,6 +37,26 @@ public class ModelTests
         Assert.Contains((40, -1, 7), Read(model).Filled);
     }
 
+    [Fact]
+    public void VoxelizesInOneStepAndLooksUpManyVoxelsAtOnce()
+    {
+        using AxesCLI axes = Axes(30);
+        List<double> triangles = Triangles([(40, -1, 7), (42, 3, 9)]);
+        using var expected = new VoxelModelCLI(triangles, axes, 5, 1e9);
+        using VoxelModelCLI model = VoxelModelCLI.Voxelize(triangles, axes, 5);
+        Assert.Equal(Read(expected).Filled, Read(model).Filled);
+        (int X, int Y, int Z) filled = Read(model).Filled.First();
+        long[] places = [filled.X, filled.Y, filled.Z, long.MaxValue, 0, long.MinValue, filled.X, filled.Y, filled.Z + 1000];
+        Assert.Equal([true, false, false], model.AreFilled(places, 5));
+        Assert.Empty(model.AreFilled([], 5));
+
+        Assert.Equal("The list of voxel indices cannot be null.", MessageOf(() => model.AreFilled(null!, 5)));
+        Assert.Equal("The number of voxel indices must be divisible by three.", MessageOf(() => model.AreFilled([1, 2], 5)));
+        Assert.StartsWith("The level of detail for voxel model operations", MessageOf(() => model.AreFilled(places, 6)));
+        Assert.Equal(Nine, MessageOf(() => VoxelModelCLI.Voxelize([1.0], axes, 5)));
+        Assert.StartsWith("The finest level of detail", MessageOf(() => VoxelModelCLI.Voxelize(triangles, axes, 6)));
+    }
+
     // A system that promises any memory, and takes it back by ending processes, is not asked.
     private sealed class HonestMemoryFactAttribute : FactAttribute
     {

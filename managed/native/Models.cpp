@@ -6,6 +6,9 @@
 using namespace brix;
 using namespace brix::capi;
 
+// Three integers in a row are a voxel, and a byte is an answer: the caller's memory is used in place.
+static_assert(sizeof(Triple) == 3 * sizeof(std::int64_t) && sizeof(bool) == 1);
+
 namespace {
 
 // The iterator's constructor needs a model that stays where it is; sharing it first sees to that.
@@ -61,6 +64,15 @@ std::int32_t brix_model_from_triangles(const double* triangles, std::int64_t tri
     });
 }
 
+std::int32_t brix_voxelize(const brix_axes* axes, const double* triangles, std::int64_t triangle_count, std::int64_t finest_lod,
+                           brix_model** result, brix_error* error)
+{
+    return Guarded(error, {axes, result}, "the voxel model of the triangles", [&] {
+        const WorldTriangle* first = TrianglesAt(triangles, triangle_count);
+        MakeModel(result, Voxelize(axes->axes, {first, static_cast<std::size_t>(triangle_count)}, finest_lod));
+    });
+}
+
 void brix_model_free(brix_model* model) { delete model; }
 
 std::int32_t brix_model_axes(const brix_model* model, brix_axes** result, brix_error* error)
@@ -76,6 +88,18 @@ std::int32_t brix_model_extents(const brix_model* model, std::int64_t voxel_lod,
 std::int32_t brix_model_finest_lod(const brix_model* model, std::int64_t* result, brix_error* error)
 {
     return Guarded(error, {model, result}, [&] { *result = VoxelsOf(model).FinestLOD(); });
+}
+
+std::int32_t brix_are_filled(const brix_model* model, const std::int64_t* voxel_indices, std::int64_t voxel_count,
+                             std::int64_t voxel_lod, std::uint8_t* result, brix_error* error)
+{
+    return Guarded(error, {model}, [&] {
+        RequireItems(voxel_indices, voxel_count, 3, "voxels");
+        RequireItems(result, voxel_count, 1, "voxels");
+        const auto count = static_cast<std::size_t>(voxel_count);
+        AreFilled(VoxelsOf(model), voxel_lod, {reinterpret_cast<const Triple*>(voxel_indices), count},
+                  {reinterpret_cast<bool*>(result), count});
+    });
 }
 
 // ---- Iterators

@@ -188,11 +188,20 @@ typedef struct brix_model brix_model;
 BRIX_C_API int32_t brix_model_create(const brix_extents* extents, int64_t finest_lod, brix_model** result, brix_error* error);
 BRIX_C_API int32_t brix_model_from_triangles(const double* triangles, int64_t triangle_count, const brix_extents* extents,
                                              int64_t finest_lod, brix_model** result, brix_error* error);
+/* The voxels that triangles touch, on the smallest box of level 0 that holds them: in one step, in time and memory that follow
+ * the voxels touched, and not the box (brix/triangles/Voxelize.h). */
+BRIX_C_API int32_t brix_voxelize(const brix_axes* axes, const double* triangles, int64_t triangle_count, int64_t finest_lod,
+                                 brix_model** result, brix_error* error);
 BRIX_C_API void brix_model_free(brix_model* model);
 
 BRIX_C_API int32_t brix_model_axes(const brix_model* model, brix_axes** result, brix_error* error);
 BRIX_C_API int32_t brix_model_extents(const brix_model* model, int64_t voxel_lod, brix_extents** result, brix_error* error);
 BRIX_C_API int32_t brix_model_finest_lod(const brix_model* model, int64_t* result, brix_error* error);
+
+/* Whether voxels are filled, three indices each: writes one byte, 0 or 1, for each; 0 outside the model. Much faster than one by
+ * one (brix/model/AreFilled.h). */
+BRIX_C_API int32_t brix_are_filled(const brix_model* model, const int64_t* voxel_indices, int64_t voxel_count, int64_t voxel_lod,
+                                   uint8_t* result, brix_error* error);
 
 /* ---- Single voxels (brix/model/VoxelIterator.h) ---- */
 

@@ -148,6 +148,7 @@ TEST(UniformChunks, ChangeNoOperation)
         {"higher", [](const Model& a, const Model& b) { return ExpandAlongZ(a, 7, 90, Guide(b), false); }},
         {"lower", [](const Model& a, const Model&) { return ReduceAlongZ(a, 7, 33, {}, true); }},
         {"thinner", [](const Model& a, const Model& b) { return ReduceAlongY(a, 20, 5, Guide(b), false); }},
+        {"wider all around", [](const Model& a, const Model&) { return ExpandByOneVoxel(a, 1, 1, {}, true); }},
         {"rounder", [](const Model& a, const Model&) { return ExpandHorizontally(a, 9, {}, true); }},
         {"smaller", [](const Model& a, const Model& b) { return ReduceByOneVoxel(a, 1, 1, Guide(b), false); }},
         {"changed by a host",
@@ -188,6 +189,9 @@ TEST(UniformChunks, TakeNoMemoryForStacks)
     EXPECT_EQ(CountFilled(full, 2), 10004LL * 10002 * 38);
     EXPECT_LT(full.AllocatedBytes() / full.StoredChunkCount(), 350U);
     EXPECT_EQ(Invert(full).StoredChunkCount(), 0U);
+    const Model smaller = ReduceByOneVoxel(full, 1, 0, {}, false);
+    EXPECT_EQ(CountFilled(smaller, 2), 10002LL * 10000 * 38);
+    EXPECT_LT(smaller.AllocatedBytes(), 2 * full.AllocatedBytes()) << "stacks at the border alone";
 }
 
 } // namespace

@@ -17,6 +17,7 @@
 #include "triangles/Solidization.h"
 #include "triangles/Tessellation.h"
 #include "triangles/Voxelization.h"
+#include "triangles/Voxelize.h"
 #include "visibility/Visibility.h"
 
 #include <gtest/gtest.h>
@@ -262,6 +263,27 @@ TEST_F(CInterface, FindsSingleVoxelsAndKeepsTheirModelAlive)
     EXPECT_EQ(failure.status, BRIX_OUT_OF_RANGE);
     EXPECT_EQ(failure.message, "Attempt to operate on a voxel iterator that points outside the voxel model extents.");
     EXPECT_EQ(value, 7);
+}
+
+TEST_F(CInterface, VoxelizesInOneStepAndLooksUpManyVoxelsAtOnce)
+{
+    const auto model = Get<brix_model*>(brix_voxelize, cAxes_.get(), coords_, count_, 3);
+    const Voxels expected = Voxelize(axes_, triangles_, 3);
+    ExpectSame(expected, model.get(), "brix_voxelize");
+
+    std::vector<Triple> places{{1 << 30, 0, 0}};
+    const Extents& extents = expected.ExtentsRef(3);
+    ForEachTriple(extents.LowerIndices(), extents.UpperIndices(), [&](const Triple& voxel) { places.push_back(voxel); });
+    std::vector<std::uint8_t> filled(places.size(), 2);
+    const auto count = static_cast<std::int64_t>(places.size());
+    ASSERT_EQ(brix_are_filled(model.get(), places.front().data(), count, 3, filled.data(), nullptr), BRIX_OK);
+    for (std::size_t i = 0; i < places.size(); ++i)
+        ASSERT_EQ(filled[i], i > 0 && expected.FindVoxel(places[i], 3).Value() ? 1 : 0);
+    EXPECT_EQ(brix_are_filled(model.get(), nullptr, 0, 3, nullptr, nullptr), BRIX_OK);
+    for (const std::int64_t wrong : {std::int64_t{-1}, std::numeric_limits<std::int64_t>::max()}) {
+        EXPECT_EQ(FailureOf(brix_are_filled, model.get(), places.front().data(), wrong, 3, filled.data()).status,
+                  BRIX_INVALID_ARGUMENT);
+    }
 }
 
 TEST_F(CInterface, CopiesResultsWholeOrInParts)

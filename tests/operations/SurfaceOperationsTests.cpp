@@ -106,6 +106,28 @@ TEST(SurfaceOperations, EqualTheVoxelByVoxelDefinition)
     }
 }
 
+// Over several stacks, past guides anywhere on the way.
+TEST(SurfaceOperations, ReachFarAlongZ)
+{
+    const Extents tall(Frame, {-2, -2, -150}, {2, 2, 250}, 1);
+    for (std::uint64_t seed = 1; seed <= 80; ++seed) {
+        Random random(seed);
+        ReferenceModel reference(tall, 1, 1);
+        ReferenceModel barrier(tall, 1, 1);
+        const auto scatter = [&](ReferenceModel& model, std::int64_t most) {
+            for (std::int64_t left = random.Between(0, most); left > 0; --left)
+                model.Set({random.Between(-2, 2), random.Between(-2, 2), random.Between(-150, 250)});
+        };
+        scatter(reference, 60);
+        scatter(barrier, 40);
+        const std::size_t alongZ = AlongEnd - 2 + seed % 2;
+        const Call call{alongZ, static_cast<int>(random.Between(0, 300)), static_cast<int>(random.Between(0, 300)),
+                        random.OneIn(2)};
+        EXPECT_EQ(Differences(call.Run(MakeModel(reference), MakeModel(barrier)), call.Run(reference, barrier)), "")
+            << "seed " << seed << ", " << call;
+    }
+}
+
 VoxelModel<bool> ModelOf(const std::vector<Triple>& filled)
 {
     ReferenceModel reference(Extents(Frame, {-9, -9, -9}, {9, 9, 9}, 1), 1, 1);

@@ -10,6 +10,7 @@
 #include <cmath>
 #include <fstream>
 #include <limits>
+#include <set>
 
 #include <sys/resource.h>
 #include <unistd.h>
@@ -20,48 +21,56 @@ namespace {
 constexpr double ProgramBytes = 16e6; // code, libraries, buffers
 constexpr double NoLimit = std::numeric_limits<double>::infinity();
 
-// A grid of chunks, as the estimates see it.
+// A grid of chunks, as the estimates see it: all of its box, and those that hold something.
 struct GridSize
 {
-    double voxel, height, chunks;
+    double voxel, height, chunks, stored;
     std::int64_t lod;
 
     // One stack at level 0, four at level 1, and so on.
-    double Stacks() const { return chunks * static_cast<double>(((std::int64_t{4} << 2 * lod) - 1) / 3); }
+    double StacksPerChunk() const { return static_cast<double>(((std::int64_t{4} << 2 * lod) - 1) / 3); }
+    double StoredStacks() const { return stored * StacksPerChunk(); }
 
-    // Nothing but a null pointer for each stack.
-    double EmptyBytes() const
-    {
-        const auto levels = static_cast<double>(lod + 1);
-        return Stacks() * 8 + chunks * (sizeof(VoxelStore<bool>) * levels + sizeof(VoxelChunk<bool>) + 64);
-    }
+    double ChunkHeight() const { return 64 * height; }
+    double ChunkWidth() const { return 16 * voxel * static_cast<double>(std::int64_t{1} << lod); }
 
-    // Every stack holds one layer: a block of 48 bytes, and 16 of the allocator's.
-    double FullBytes() const { return EmptyBytes() + Stacks() * 64; }
+    // A chunk, its place in the table, and a pointer for each stack; a chunk that is full needs no pointers.
+    double StoredBytes() const { return StoredStacks() * 8 + stored * BytesPerChunk; }
+    double UniformBytes() const { return chunks * BytesPerChunk; }
+
+    // Every stack of the box holds one layer: a block of 48 bytes, and 16 of the allocator's.
+    double FullBytes() const { return UniformBytes() + chunks * StacksPerChunk() * (8 + 64); }
+
+    static constexpr double BytesPerChunk = sizeof(VoxelChunk<bool>) + 96;
 };
 
-double ChunkCount(const Extents& extentsAtLevel0)
-{
-    const Triple lower = ChunkOfVoxel(extentsAtLevel0.LowerIndices(), 0);
-    const Triple upper = ChunkOfVoxel(extentsAtLevel0.UpperIndices(), 0);
-    double count = 1;
-    for (std::size_t axis = 0; axis < 3; ++axis) count *= static_cast<double>(upper[axis] - lower[axis] + 1);
-    return count;
-}
-
+// With none that is stored.
 GridSize SizeOf(const Extents& extents, std::int64_t lod)
 {
     const Axes& axes = extents.AxesRef();
-    return {axes.WorldVoxelWidth(lod), axes.WorldVoxelHeight(), ChunkCount(extents), lod};
+    const Extents coarsest = extents.RescaledCopy(0);
+    const Triple lower = ChunkOfVoxel(coarsest.LowerIndices(), 0);
+    const Triple upper = ChunkOfVoxel(coarsest.UpperIndices(), 0);
+    double count = 1;
+    for (std::size_t axis = 0; axis < 3; ++axis) count *= static_cast<double>(upper[axis] - lower[axis] + 1);
+    return {axes.WorldVoxelWidth(lod), axes.WorldVoxelHeight(), count, 0, lod};
 }
 
-// The same box in voxels of another size, wherever chunks begin.
+GridSize SizeOf(const VoxelModel<bool>& model)
+{
+    GridSize size = SizeOf(model.ExtentsRef(0), model.FinestLOD());
+    size.stored = static_cast<double>(model.StoredChunkCount());
+    return size;
+}
+
+// The same box and surfaces in it with voxels of another size, wherever chunks begin.
 GridSize Scaled(const GridSize& size, double factor)
 {
     GridSize scaled = size;
     scaled.voxel *= factor;
     scaled.height *= factor;
     scaled.chunks = std::max(1.0, size.chunks / (factor * factor * factor));
+    scaled.stored = std::clamp(size.stored / (factor * factor), 1.0, scaled.chunks);
     return scaled;
 }
 
@@ -111,15 +120,46 @@ double LayerBytes(const WorldTriangle& triangle, const GridSize& size)
 // Triangles longer than half a chunk are put by, and listed in the chunks that they cross.
 double ListedBytes(const WorldTriangle& triangle, const GridSize& size)
 {
-    const double width = 16 * size.voxel * static_cast<double>(std::int64_t{1} << size.lod);
+    const double width = size.ChunkWidth();
     if (LongestEdge(triangle) <= width / 2) return 0;
-    return 2 * sizeof(LatticeTriangle) + 128 * (1 + BoxesCrossed(triangle, width, 64 * size.height));
+    return 2 * sizeof(LatticeTriangle) + 128 * (1 + BoxesCrossed(triangle, width, size.ChunkHeight()));
+}
+
+// The chunks that triangles touch: counted for those that are smaller than a chunk, and estimated from their size for others.
+double ChunksTouched(const std::vector<WorldTriangle>& triangles, const GridSize& size)
+{
+    const std::array<double, 3> chunk{size.ChunkWidth(), size.ChunkWidth(), size.ChunkHeight()};
+    std::set<std::array<double, 3>> small;
+    std::array<double, 3> last{};
+    double large = 0;
+    for (const WorldTriangle& triangle : triangles) {
+        std::array<double, 3> lower{};
+        std::array<double, 3> upper{};
+        bool isSmall = true;
+        for (std::size_t axis = 0; axis < 3; ++axis) {
+            const auto [least, greatest] = std::minmax({triangle[0][axis], triangle[1][axis], triangle[2][axis]});
+            lower[axis] = std::floor(least / chunk[axis]);
+            upper[axis] = std::floor(greatest / chunk[axis]);
+            isSmall = isSmall && upper[axis] - lower[axis] <= 1;
+        }
+        if (!isSmall) {
+            large += 2 * BoxesCrossed(triangle, size.ChunkWidth(), size.ChunkHeight()) + 8;
+        } else if (lower != upper || lower != last) {
+            for (const double x : {lower[0], upper[0]}) {
+                for (const double y : {lower[1], upper[1]}) {
+                    for (const double z : {lower[2], upper[2]}) small.insert({x, y, z});
+                }
+            }
+            last = lower;
+        }
+    }
+    return std::min(size.chunks, static_cast<double>(small.size()) + large);
 }
 
 // While the finest level is filled: the pointers to its stacks once more, and plates for all heights of those written to lately.
 double FillingBytes(const GridSize& size)
 {
-    const double stacks = size.chunks * static_cast<double>(std::int64_t{1} << 2 * size.lod);
+    const double stacks = size.stored * static_cast<double>(std::int64_t{1} << 2 * size.lod);
     return stacks * 16 + std::min(stacks, 20480.0) * 2138;
 }
 
@@ -138,16 +178,18 @@ Estimate EstimateModel(const std::vector<WorldTriangle>& triangles, const GridSi
         making += ListedBytes(triangle, size);
     }
     // The coarser levels of upright walls halve with each level, those of floors quarter. No stack has more than 64 layers.
-    return {size.EmptyBytes() + std::min(2 * layers, size.Stacks() * 2138), making};
+    return {size.StoredBytes() + std::min(2 * layers, size.StoredStacks() * 2138), making};
 }
 
-// What a step takes beside the program, with the model that it gets and the one that it makes.
+// What a step takes beside the program, with the model that it gets and the one that it makes. Passes have pointers for the
+// stacks of chunks that are full, too, and views and agents look at the whole box.
 double StepBytes(const std::string& step, double model, const GridSize& size)
 {
     if (step == "walkable" || step == "travel") return 4 * model + 5 * size.FullBytes();
+    if (step.starts_with("visible-")) return 2 * model + 2.5 * size.FullBytes();
     if (step == "refine") return 6 * model;
-    if (step == "invert" || step.starts_with("fill-") || step.starts_with("visible-")) return 2 * model + 2.5 * size.FullBytes();
-    return 4 * model;
+    if (step == "invert" || step.starts_with("fill-")) return 4 * model + 3 * size.UniformBytes();
+    return 4 * model + 3 * size.StoredBytes();
 }
 
 // The step that takes most, or the making of the model.
@@ -213,7 +255,8 @@ void RequireMemoryForModel(const Input& input, const Extents& extents, const Gri
                            const std::vector<std::string>& steps)
 {
     const double limit = MemoryLimit(options);
-    const GridSize size = SizeOf(extents, options.lod);
+    GridSize size = SizeOf(extents, options.lod);
+    size.stored = ChunksTouched(input.triangles, size);
     const auto [bytes, step] = MostBytes(input.triangles, size, steps);
     PrintDetail("estimate", BytesText(bytes) + " of memory at most, in the step " + step + "; the limit is " + BytesText(limit),
                 {{"bytes", bytes}, {"mostIn", step}, {"limit", limit}});
@@ -225,7 +268,7 @@ void RequireMemoryForModel(const Input& input, const Extents& extents, const Gri
 
 void RequireMemoryForStep(const std::string& step, const VoxelModel<bool>& model, const GridOptions& options)
 {
-    const GridSize size = SizeOf(model.ExtentsRef(0), model.FinestLOD());
+    const GridSize size = SizeOf(model);
     const double bytes = ProgramBytes + StepBytes(step, static_cast<double>(model.AllocatedBytes()), size);
     const double limit = MemoryLimit(options);
     if (bytes > limit) throw TooMuch(step, bytes, limit, size.voxel * std::sqrt(bytes / limit), options);
@@ -235,9 +278,9 @@ void RequireSpaceForTriangles(double triangleCount, double bytesBeside, bool asc
                               const GridOptions& options)
 {
     const double voxel = model.AxesRef().WorldVoxelWidth(model.FinestLOD());
-    const double memory =
-        ProgramBytes + static_cast<double>(model.AllocatedBytes()) + triangleCount * (sizeof(WorldTriangle) + bytesBeside) +
-        FillingBytes(SizeOf(model.ExtentsRef(0), model.FinestLOD())); // given back, but in pieces between what stayed
+    const double memory = ProgramBytes + static_cast<double>(model.AllocatedBytes()) +
+                          triangleCount * (sizeof(WorldTriangle) + bytesBeside) +
+                          FillingBytes(SizeOf(model)); // given back, but in pieces between what stayed
     PrintDetail("estimate", BytesText(memory) + " of memory for " + Text(triangleCount) + " triangles",
                 {{"bytes", memory}, {"triangles", triangleCount}});
     if (const double limit = MemoryLimit(options); memory > limit)

@@ -170,6 +170,10 @@ internal static unsafe class NativeMethods
         IntPtr* result, NativeError* error);
 
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_voxelize(IntPtr axes, double* triangles, long triangleCount, long finestLOD, IntPtr* result,
+        NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
     internal static extern void brix_model_free(IntPtr model);
 
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
@@ -180,6 +184,10 @@ internal static unsafe class NativeMethods
 
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
     internal static extern int brix_model_finest_lod(IntPtr model, long* result, NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_are_filled(IntPtr model, long* voxelIndices, long voxelCount, long voxelLOD, byte* result,
+        NativeError* error);
 
     // ---- Single voxels (brix/model/VoxelIterator.h) ----
 
