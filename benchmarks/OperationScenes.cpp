@@ -98,4 +98,17 @@ bool HasOperationScene(const std::string& name)
     return name == "noise" || name == "dust" || std::find(SceneNames().begin(), SceneNames().end(), source) != SceneNames().end();
 }
 
+std::vector<Triple> RandomPlaces(const OperationScene& scene)
+{
+    std::mt19937_64 random(7);
+    std::vector<Triple> places(100'000);
+    const Triple lower = scene.extents.LowerIndices();
+    const Triple upper = scene.extents.UpperIndices();
+    for (Triple& place : places) {
+        for (std::size_t i = 0; i < 3; ++i)
+            place[i] = lower[i] + static_cast<std::int64_t>(random() % static_cast<std::uint64_t>(upper[i] - lower[i] + 1));
+    }
+    return places;
+}
+
 } // namespace brix::benchmarks

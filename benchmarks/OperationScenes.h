@@ -4,6 +4,8 @@
 #include "DenseBaselines.h"
 #include "Scenes.h"
 
+#include <vector>
+
 namespace brix::benchmarks {
 
 struct OperationScene
@@ -22,6 +24,9 @@ struct OperationScene
 /// bunny-shell, bunny-solid (with its inside filled), building, city: so many voxels along the longest side. noise, dust: a cube
 /// with so many, half or an eighth of them filled at random. Made at first use and kept.
 const OperationScene& SceneOfOperations(const std::string& name, std::int64_t voxels);
+
+/// 100,000 voxels of the scene's extents, the same each time.
+std::vector<Triple> RandomPlaces(const OperationScene& scene);
 
 /// Whether the files that the scene needs are there.
 bool HasOperationScene(const std::string& name);

@@ -143,19 +143,6 @@ void MeasureAutoCrop(State& state, const Scene& scene)
         });
 }
 
-std::vector<Triple> RandomPlaces(const Scene& scene)
-{
-    std::mt19937_64 random(7);
-    std::vector<Triple> places(100'000);
-    const Triple lower = scene.extents.LowerIndices();
-    const Triple upper = scene.extents.UpperIndices();
-    for (Triple& place : places) {
-        for (std::size_t i = 0; i < 3; ++i)
-            place[i] = lower[i] + static_cast<std::int64_t>(random() % static_cast<std::uint64_t>(upper[i] - lower[i] + 1));
-    }
-    return places;
-}
-
 // Time per 100 000 look-ups at random places.
 void MeasureFindVoxel(State& state, const Scene& scene)
 {

@@ -133,19 +133,6 @@ Model ExpandBox(const Model& model, int n)
     return ExpandAlongZ(ExpandAlongY(ExpandAlongX(model, n, n, {}, true), n, n, {}, true), n, n, {}, true);
 }
 
-std::vector<Triple> RandomPlaces(const Scene& scene)
-{
-    std::mt19937_64 random(7);
-    std::vector<Triple> places(100'000);
-    const Triple lower = scene.extents.LowerIndices();
-    const Triple upper = scene.extents.UpperIndices();
-    for (Triple& place : places) {
-        for (std::size_t i = 0; i < 3; ++i)
-            place[i] = lower[i] + static_cast<std::int64_t>(random() % static_cast<std::uint64_t>(upper[i] - lower[i] + 1));
-    }
-    return places;
-}
-
 // A straight line through the extents, from any voxel in any of the 26 directions.
 struct Line
 {
