@@ -22,7 +22,7 @@ VoxelModel<bool> Subtract(const VoxelModel<bool>& model, const VoxelModel<bool>&
 /// Makes `model` what Union, Intersect or Subtract give for the two at its finest level, without a crop. Its memory is used
 /// again, and where its extents hold the other model, only the chunks that this changes are worked on: in all others, the levels
 /// must agree with the finest one beforehand. References into the model end. `other` may be the model itself. Throws
-/// std::domain_error for frames that differ. Where memory runs out, a part of the chunks is changed.
+/// std::domain_error for frames that differ. Where memory runs out, what `model` holds is arbitrary.
 void UnionInPlace(VoxelModel<bool>& model, const VoxelModel<bool>& other);
 void IntersectInPlace(VoxelModel<bool>& model, const VoxelModel<bool>& other);
 void SubtractInPlace(VoxelModel<bool>& model, const VoxelModel<bool>& other);
