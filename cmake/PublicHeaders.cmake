@@ -5,6 +5,7 @@ set(BRIX_INTERNAL_HEADERS
     frame/Require.h
     frame/SineAndCosine.h
     model/CheckInvariants.h
+    model/ChunkPart.h
     model/CombineStacks.h
     model/ForEachStack.h
     model/InstructionSet.h

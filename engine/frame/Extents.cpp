@@ -4,6 +4,7 @@
 
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 namespace brix {
 namespace {
@@ -23,15 +24,21 @@ constexpr std::array<std::string_view, 3> UpperExtent{
 } // namespace
 
 Extents::Extents(const Axes& axes, const Triple& lowerIndices, const Triple& upperIndices, std::int64_t voxelLOD)
-    : axes_(axes), lowerIndices_(lowerIndices), upperIndices_(upperIndices), voxelLOD_(voxelLOD)
+    : Extents(std::make_shared<const Axes>(axes), lowerIndices, upperIndices, voxelLOD)
+{}
+
+Extents::Extents(std::shared_ptr<const Axes> axes, const Triple& lowerIndices, const Triple& upperIndices, std::int64_t voxelLOD)
+    : axes_(std::move(axes)), lower_{}, upper_{}, voxelLOD_(voxelLOD)
 {
     const std::int64_t horizontal = MaxHorizontalExtent(voxelLOD);
-    const Triple limits{horizontal, horizontal, MaxVerticalExtent(axes.VerticalLOD())};
+    const Triple limits{horizontal, horizontal, MaxVerticalExtent(axes_->VerticalLOD())};
 
     for (std::size_t i = 0; i < 3; ++i) RequireAtLeast(LowerExtent[i], -limits[i], lowerIndices[i]);
     for (std::size_t i = 0; i < 3; ++i) RequireLessThan(UpperExtent[i], limits[i], upperIndices[i]);
     for (std::size_t i = 0; i < 3; ++i) {
         if (upperIndices[i] < lowerIndices[i]) ThrowInverted(UpperExtent[i], lowerIndices[i], upperIndices[i]);
+        lower_[i] = static_cast<std::int32_t>(lowerIndices[i]);
+        upper_[i] = static_cast<std::int32_t>(upperIndices[i]);
     }
     RequireLevel("The level of detail for a set of extents", voxelLOD);
 }
@@ -39,8 +46,8 @@ Extents::Extents(const Axes& axes, const Triple& lowerIndices, const Triple& upp
 Extents Extents::RescaledCopy(std::int64_t newLOD) const
 {
     const std::int64_t level = NearestLevel(newLOD); // a level that does not exist is left for the constructor to report
-    Triple lower = lowerIndices_;
-    Triple upper = upperIndices_;
+    Triple lower = LowerIndices();
+    Triple upper = UpperIndices();
     for (std::size_t i = 0; i < 2; ++i) {
         if (level > voxelLOD_) {
             const std::int64_t factor = std::int64_t{1} << (level - voxelLOD_);

@@ -4,6 +4,8 @@
 
 #include "Axes.h"
 
+#include <memory>
+
 namespace brix {
 
 class Extents
@@ -15,32 +17,44 @@ public:
     /// The level is judged last although the bounds depend on it; a level that does not exist has the bounds of the nearest one.
     Extents(const Axes& axes, const Triple& lowerIndices, const Triple& upperIndices, std::int64_t voxelLOD);
 
-    const Axes& AxesRef() const { return axes_; }
-    Triple LowerIndices() const { return lowerIndices_; }
-    Triple UpperIndices() const { return upperIndices_; }
+    // Copied, never moved from: every Extents has a frame.
+    Extents(const Extents&) = default;
+    Extents& operator=(const Extents&) = default;
+    ~Extents() = default;
+
+    const Axes& AxesRef() const { return *axes_; }
+    Triple LowerIndices() const { return {lower_[0], lower_[1], lower_[2]}; }
+    Triple UpperIndices() const { return {upper_[0], upper_[1], upper_[2]}; }
     std::int64_t VoxelLOD() const { return voxelLOD_; }
 
-    bool ContainsVoxel(const Triple& voxelIndices) const { return IsWithin(voxelIndices, lowerIndices_, upperIndices_); }
+    bool ContainsVoxel(const Triple& voxelIndices) const { return IsWithin(voxelIndices, LowerIndices(), UpperIndices()); }
 
     /// Componentwise maximum with the lower and minimum with the upper bound; one after the other gives the closest voxel.
-    Triple LowerCornerClamp(const Triple& value) const { return Highest(value, lowerIndices_); }
-    Triple UpperCornerClamp(const Triple& value) const { return Lowest(value, upperIndices_); }
+    Triple LowerCornerClamp(const Triple& value) const { return Highest(value, LowerIndices()); }
+    Triple UpperCornerClamp(const Triple& value) const { return Lowest(value, UpperIndices()); }
 
     /// The same region at another level: exact at a finer one, the smallest box that covers it at a coarser one; z is unchanged.
     /// Throws what the constructor throws, for a level outside 0..5 among others.
     Extents RescaledCopy(std::int64_t newLOD) const;
 
+    /// Another region of the same frame and level. Throws what the constructor throws.
+    Extents WithIndices(const Triple& lowerIndices, const Triple& upperIndices) const
+    {
+        return Extents(axes_, lowerIndices, upperIndices, voxelLOD_);
+    }
+
     /// Whether two boxes hold the same voxels of the same level and frame.
     friend bool operator==(const Extents& a, const Extents& b)
     {
-        return a.axes_ == b.axes_ && a.voxelLOD_ == b.voxelLOD_ && a.lowerIndices_ == b.lowerIndices_ &&
-               a.upperIndices_ == b.upperIndices_;
+        return *a.axes_ == *b.axes_ && a.voxelLOD_ == b.voxelLOD_ && a.lower_ == b.lower_ && a.upper_ == b.upper_;
     }
 
 private:
-    Axes axes_;
-    Triple lowerIndices_;
-    Triple upperIndices_;
+    Extents(std::shared_ptr<const Axes> axes, const Triple& lowerIndices, const Triple& upperIndices, std::int64_t voxelLOD);
+
+    std::shared_ptr<const Axes> axes_;  // of all boxes that come from one another
+    std::array<std::int32_t, 3> lower_; // the index space is less than 2^21 voxels wide
+    std::array<std::int32_t, 3> upper_;
     std::int64_t voxelLOD_;
 };
 

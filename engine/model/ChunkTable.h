@@ -1,7 +1,7 @@
 // A sparse table of things by chunk: of a box of chunk indices, only what was made takes memory.
 //
 //   chunks ---- grouped in blocks of up to 4 x 4 x 4 --> a block has a pointer for each chunk, and a bit for each that is there
-//   blocks ---- found by a hash of their place, and kept sorted (z, y, x) for walks
+//   blocks ---- found by a hash of their place if there are several, and kept sorted (z, y, x) for walks
 //
 // Why not a dense array: a road of 5 km crosses 100 of 10,000 chunks of its box, two distant voxels 2 of millions. Why not a
 // tree: the hash finds a chunk with two reads whatever the size of the box, and a walk over sorted blocks needs no recursion to
@@ -51,8 +51,8 @@ public:
     const Item* FindInside(const Triple& chunk) const
     {
         const Place place = PlaceOf(chunk);
-        const Entry* const entry = FindEntry(place.block);
-        return entry != nullptr ? entry->items[place.slot].get() : nullptr;
+        const Entry entry = FindEntry(place.block);
+        return entry.block != nullptr ? entry.items[place.slot].get() : nullptr;
     }
 
     /// What is there for a chunk of the box, made by make() (a unique_ptr) if nothing is. Cost: constant, but for the first chunk
@@ -60,10 +60,10 @@ public:
     template <class Make> Item& FindOrMake(const Triple& chunk, const Make& make)
     {
         const Place place = PlaceOf(chunk);
-        const Entry* const found = FindEntry(place.block);
-        if (found != nullptr && found->items[place.slot] != nullptr) return *found->items[place.slot];
+        const Entry found = FindEntry(place.block);
+        if (found.block != nullptr && found.items[place.slot] != nullptr) return *found.items[place.slot];
         std::unique_ptr<Item> item = make();
-        Block& block = found != nullptr ? *found->block : AddBlock(place.block);
+        Block& block = found.block != nullptr ? *found.block : AddBlock(place.block);
         block.present |= std::uint64_t{1} << place.slot;
         block.items[place.slot] = std::move(item);
         ++size_;
@@ -76,7 +76,7 @@ public:
     {
         if (Find(chunk) == nullptr) return nullptr;
         const Place place = PlaceOf(chunk);
-        Block& block = *FindEntry(place.block)->block;
+        Block& block = *FindEntry(place.block).block;
         block.present &= ~(std::uint64_t{1} << place.slot);
         --size_;
         return std::move(block.items[place.slot]);
@@ -146,14 +146,16 @@ private:
     // Fibonacci hashing (Knuth, "Sorting and Searching", 6.4): the highest bits of a product.
     std::size_t HashOf(std::uint64_t key) const { return static_cast<std::size_t>(key * 0x9E3779B97F4A7C15 >> hashShift_); }
 
-    const Entry* FindEntry(std::uint64_t key) const
+    static Entry EntryOf(Block& block) { return {block.key, block.items.get(), &block}; }
+
+    // Without a block where there is none of this key. A single block needs no directory.
+    Entry FindEntry(std::uint64_t key) const
     {
-        if (directory_.empty()) return nullptr;
+        if (directory_.empty()) return blocks_.empty() || blocks_.front()->key != key ? Entry{} : EntryOf(*blocks_.front());
         const std::size_t last = directory_.size() - 1;
         for (std::size_t i = HashOf(key);; i = (i + 1) & last) {
             const Entry& entry = directory_[i];
-            if (entry.key == key && entry.block != nullptr) return &entry;
-            if (entry.block == nullptr) return nullptr;
+            if (entry.block == nullptr || entry.key == key) return entry;
         }
     }
 
@@ -161,11 +163,13 @@ private:
     {
         std::size_t i = HashOf(block->key);
         while (directory_[i].block != nullptr) i = (i + 1) & (directory_.size() - 1);
-        directory_[i] = {block->key, block->items.get(), block};
+        directory_[i] = EntryOf(*block);
     }
 
+    // For so many blocks, of which those that are there are entered.
     void MakeDirectory(std::size_t blockCount)
     {
+        if (blockCount < 2) return directory_.clear();
         std::size_t size = 2;
         while (size < 2 * blockCount) size *= 2;
         directory_.assign(size, Entry{});
@@ -209,13 +213,13 @@ template <class Item> typename ChunkTable<Item>::Block& ChunkTable<Item>::AddBlo
 {
     auto block = std::make_unique<Block>(Block{key, 0, std::make_unique<std::unique_ptr<Item>[]>(SlotCount())});
     Block& added = *block;
-    if (2 * (blocks_.size() + 1) > directory_.size()) MakeDirectory(blocks_.size() + 1);
+    if (!blocks_.empty() && 2 * (blocks_.size() + 1) > directory_.size()) MakeDirectory(blocks_.size() + 1);
     const auto isBefore = [](const auto& a, std::uint64_t wanted) { return a->key < wanted; };
     const auto place = blocks_.empty() || blocks_.back()->key < key
                            ? blocks_.end()
                            : std::lower_bound(blocks_.begin(), blocks_.end(), key, isBefore);
     blocks_.insert(place, std::move(block));
-    Enter(&added);
+    if (!directory_.empty()) Enter(&added);
     return added;
 }
 

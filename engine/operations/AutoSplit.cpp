@@ -1,5 +1,6 @@
 #include "AutoSplit.h"
 
+#include "../model/ChunkPart.h"
 #include "../model/CombineStacks.h"
 #include "../model/ForEachStack.h"
 #include "FilledBounds.h"
@@ -37,8 +38,17 @@ struct Chain
 // What a region has in one stack.
 struct Part
 {
-    Triple corner; // of the stack, in voxels
+    Triple Corner() const { return {corner[0], corner[1], corner[2]}; }
+
     Stack content;
+    std::array<std::int32_t, 3> corner; // of the stack, in voxels
+    std::uint32_t next = None;
+};
+
+// A chunk of which a region has everything.
+struct FullChunk
+{
+    Triple indices;
     std::uint32_t next = None;
 };
 
@@ -59,14 +69,15 @@ public:
     // `runs` are the regions of the stack's bit runs, as RegionLabels has them.
     void AddStack(const Stack& stack, const Triple& corner, std::span<const Region> runs);
 
+    void AddFullChunk(const Triple& chunk, Region region);
+
     std::vector<VoxelModel<bool>> MakeModels(const VoxelModel<bool>& source);
 
 private:
     struct RegionParts
     {
-        Triple lower{MaxCoordinate, MaxCoordinate, MaxCoordinate};
-        Triple upper{-MaxCoordinate, -MaxCoordinate, -MaxCoordinate};
         Chain parts;
+        Chain fullChunks;
     };
     struct RegionPieces
     {
@@ -77,9 +88,11 @@ private:
     void AddPieces(const Plate& plate, std::int32_t layer, std::span<const Region>& runs);
     Plate& PieceOf(Region region, std::int32_t layer);
     void AddPart(Region region, const Triple& corner, Stack content);
+    Extents ExtentsOf(const RegionParts& region, const Extents& ofSource) const;
 
     std::vector<RegionParts> regions_;
     std::vector<Part> parts_;
+    std::vector<FullChunk> fullChunks_;
     std::vector<std::uint32_t> places_; // of a region in `present_`
     std::vector<RegionPieces> present_; // the regions of the stack at work
     std::vector<Piece> pieces_;         // and what they have in it
@@ -143,23 +156,43 @@ Plate& Splitter::PieceOf(Region region, std::int32_t layer)
 
 void Splitter::AddPart(Region region, const Triple& corner, Stack content)
 {
-    RegionParts& parts = regions_[region];
-    WidenByFilled(content, corner, parts.lower, parts.upper);
-    parts.parts.Append(parts_, Part{corner, std::move(content)});
+    const auto narrow = [](std::int64_t index) { return static_cast<std::int32_t>(index); };
+    regions_[region].parts.Append(parts_, Part{std::move(content), {narrow(corner[0]), narrow(corner[1]), narrow(corner[2])}});
+}
+
+void Splitter::AddFullChunk(const Triple& chunk, Region region)
+{
+    regions_[region].fullChunks.Append(fullChunks_, FullChunk{chunk});
+}
+
+Extents Splitter::ExtentsOf(const RegionParts& region, const Extents& ofSource) const
+{
+    Triple lower{MaxCoordinate, MaxCoordinate, MaxCoordinate};
+    Triple upper = Minus({}, lower);
+    for (std::uint32_t number = region.parts.first; number != None; number = parts_[number].next)
+        WidenByFilled(parts_[number].content, parts_[number].Corner(), lower, upper);
+    for (std::uint32_t number = region.fullChunks.first; number != None; number = fullChunks_[number].next) {
+        const Triple& chunk = fullChunks_[number].indices;
+        lower = Lowest(lower, ChunkLowerIndices(chunk, ofSource.VoxelLOD()));
+        upper = Highest(upper, Minus(ChunkLowerIndices(Plus(chunk, {1, 1, 1}), ofSource.VoxelLOD()), {1, 1, 1}));
+    }
+    return ofSource.WithIndices(lower, upper);
 }
 
 std::vector<VoxelModel<bool>> Splitter::MakeModels(const VoxelModel<bool>& source)
 {
     const std::int64_t lod = source.FinestLOD();
+    const Extents& extents = source.ExtentsRef(lod);
     std::vector<VoxelModel<bool>> models;
     models.reserve(regions_.size());
     for (const RegionParts& region : regions_) {
-        VoxelModel<bool>& model =
-            models.emplace_back(Extents(source.AxesRef(), region.lower, region.upper, lod), lod, source.WhenLevelsAreMade());
+        VoxelModel<bool>& model = models.emplace_back(ExtentsOf(region, extents), lod, source.WhenLevelsAreMade());
         for (std::uint32_t number = region.parts.first; number != None; number = parts_[number].next) {
             Part& part = parts_[number];
-            MakeStack(model, StackOfVoxel(part.corner), lod) = std::move(part.content);
+            MakeStack(model, StackOfVoxel(part.Corner()), lod) = std::move(part.content);
         }
+        for (std::uint32_t number = region.fullChunks.first; number != None; number = fullChunks_[number].next)
+            model.ChunkRef(fullChunks_[number].indices).VoxelStoreRef(lod).MakeUniform(true);
         model.FinishLevels(lod);
     }
     return models;
@@ -173,9 +206,14 @@ std::vector<VoxelModel<bool>> AutoSplit(const VoxelModel<bool>& model)
     const LevelGrid grid(model, model.ExtentsRef(lod));
     const RegionLabels labels(model, grid);
     Splitter splitter(labels.RegionCount());
-    ForEachStoredStack(model, lod, [&](const Store& store, const StackIndices& ij) {
-        const Triple corner = store.LowerIndices(ij);
-        splitter.AddStack(store.VoxelStackRef(ij), corner, labels.RegionsOf(StackOfVoxel(corner)));
+    model.ForEachChunk([&](const Triple& chunkIndices, const VoxelChunk<bool>& chunk) {
+        const Store& store = chunk.VoxelStoreRef(lod);
+        if (IsUniformlyFull(store, ChunkPart(store)))
+            return splitter.AddFullChunk(chunkIndices, labels.RegionsOf(StackOfVoxel(store.LowerIndices())).front());
+        ForEachStackOfStore(store, [&](const Store&, const StackIndices& ij) {
+            const Triple corner = store.LowerIndices(ij);
+            splitter.AddStack(store.VoxelStackRef(ij), corner, labels.RegionsOf(StackOfVoxel(corner)));
+        });
     });
     return splitter.MakeModels(model);
 }

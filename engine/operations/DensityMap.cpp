@@ -1,6 +1,7 @@
 #include "DensityMap.h"
 
 #include "../frame/Require.h"
+#include "../model/ChunkPart.h"
 #include "../model/CombineStacks.h"
 #include "../model/ForEachStack.h"
 #include "../model/InstructionSet.h"
@@ -91,7 +92,7 @@ public:
     void Add(const Stack& stack, double weight) { stacks_.push_back({LayerCursor(stack), weight}); }
 
     // Writes what reaches each threshold to results[i].
-    void Write(const std::vector<double>& thresholds, const std::vector<Stack*>& results)
+    void Write(const std::vector<double>& thresholds, std::vector<Stack>& results)
     {
         builders_.clear();
         builders_.resize(thresholds.size());
@@ -106,7 +107,7 @@ public:
             }
             for (std::size_t i = 0; i < thresholds.size(); ++i) builders_[i].Append(z, sums_.AtLeast(thresholds[i]));
         }
-        for (std::size_t i = 0; i < thresholds.size(); ++i) builders_[i].WriteTo(*results[i]);
+        for (std::size_t i = 0; i < thresholds.size(); ++i) builders_[i].WriteTo(results[i]);
     }
 
 private:
@@ -155,13 +156,36 @@ ModelPointers AtLevel(const ModelPointers& models, std::int64_t lod, std::deque<
     return result;
 }
 
+// Makes a chunk of all results full or empty at once, where no model has more than one value in it.
+bool WriteUniformChunk(std::vector<VoxelModel<bool>>& results, const Triple& chunk, const ModelPointers& models,
+                       const std::vector<double>& weights, const std::vector<double>& thresholds, WeightedStacks& stacks)
+{
+    const std::int64_t lod = results.front().FinestLOD();
+    const Store& store = results.front().ChunkRef(chunk).VoxelStoreRef(lod);
+    const ChunkPart whole(store, store.ExtentsRef());
+    const Stack full = Stack::WhollyFilled();
+    stacks.Clear();
+    for (std::size_t i = 0; i < models.size(); ++i) {
+        const VoxelChunk<bool>* const source = models[i]->FindChunk(chunk);
+        const std::optional<bool> value = UniformValue(source != nullptr ? &source->VoxelStoreRef(lod) : nullptr, whole);
+        if (!value) return false;
+        if (*value) stacks.Add(full, weights[i]);
+    }
+    std::vector<Stack> written(results.size());
+    stacks.Write(thresholds, written);
+    for (std::size_t i = 0; i < results.size(); ++i)
+        results[i].ChunkRef(chunk).VoxelStoreRef(lod).MakeUniform(written[i].IsWhollyFilled());
+    return true;
+}
+
 // Writes the stacks of a chunk of all results. Thresholds <= 0 are reached everywhere, so that the stacks are clipped to the
 // extents.
 void WriteChunk(std::vector<VoxelModel<bool>>& results, const Triple& chunk, const ModelPointers& models,
                 const std::vector<double>& weights, const std::vector<double>& thresholds, WeightedStacks& stacks)
 {
+    if (WriteUniformChunk(results, chunk, models, weights, thresholds, stacks)) return;
     const std::int64_t lod = results.front().FinestLOD();
-    std::vector<Stack*> written(results.size());
+    std::vector<Stack> written(results.size());
     ForEachStackOfStore(results.front().ChunkRef(chunk).VoxelStoreRef(lod), [&](Store& store, const StackIndices& ij) {
         stacks.Clear();
         for (std::size_t i = 0; i < models.size(); ++i) {
@@ -170,12 +194,12 @@ void WriteChunk(std::vector<VoxelModel<bool>>& results, const Triple& chunk, con
             const Stack& stack = source->VoxelStoreRef(lod).VoxelStackRef(ij);
             if (!stack.IsUnallocated()) stacks.Add(stack, weights[i]);
         }
-        for (std::size_t i = 0; i < results.size(); ++i) {
-            written[i] = &results[i].ChunkRef(chunk).VoxelStoreRef(lod).VoxelStackRef(ij);
-        }
         stacks.Write(thresholds, written);
         const OffsetBox inExtents = store.Inside(ij);
-        for (Stack* const stack : written) stack->FillOutsideBox(inExtents.lower, inExtents.upper, false);
+        for (std::size_t i = 0; i < results.size(); ++i) {
+            written[i].FillOutsideBox(inExtents.lower, inExtents.upper, false);
+            results[i].ChunkRef(chunk).VoxelStoreRef(lod).VoxelStackRef(ij) = std::move(written[i]);
+        }
     });
 }
 

@@ -1,5 +1,6 @@
 #include "LevelGrid.h"
 
+#include "../model/ChunkPart.h"
 #include "../model/ForEachStack.h"
 
 #include <algorithm>
@@ -34,10 +35,8 @@ LevelGrid::LevelGrid(const VoxelModel<bool>& model, const Extents& extents)
             block->occupied[static_cast<std::size_t>(ij[1])] |= 1U << ij[0];
         });
         if (isEmpty) return;
-        const Triple lower = ChunkLowerIndices(chunkIndices, bits_);
-        const Triple upper = Plus(lower, {PerRow() * PlateWidth - 1, PerRow() * PlateWidth - 1, StackHeight - 1});
-        const auto holdsAll = [&](const Extents& box) { return box.ContainsVoxel(lower) && box.ContainsVoxel(upper); };
-        block->isFull = store.IsUniformlyFull() && holdsAll(store.ExtentsRef()) && holdsAll(extents_);
+        const ChunkPart whole(store);
+        block->isFull = IsUniformlyFull(store, whole) && ChunkPart(store, extents_).Covers(whole);
         const Rows inGrid = StacksOfGrid(chunkIndices);
         for (std::size_t j = 0; j < inGrid.size(); ++j) block->occupied[j] &= inGrid[j];
         block->looksAt = &store;

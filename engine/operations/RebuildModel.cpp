@@ -1,5 +1,6 @@
 #include "RebuildModel.h"
 
+#include "../model/ChunkPart.h"
 #include "../model/CombineStacks.h"
 #include "../model/ForEachStack.h"
 #include "../model/InstructionSet.h"
@@ -20,15 +21,6 @@ template <class Stack> void TransferStack(VoxelStore<bool>& to, const StackIndic
     stack.Compress(); // hosts may leave equal layers
 }
 
-// Whether a store is full wherever another one of the same chunk has voxels.
-bool IsFullThroughout(const VoxelStore<bool>& store, const VoxelStore<bool>& other)
-{
-    const Triple last = Plus(other.LowerIndices(other.LastStack()), LastOffset);
-    const Triple lower = other.ExtentsRef().LowerCornerClamp(other.LowerIndices());
-    const Triple upper = other.ExtentsRef().UpperCornerClamp(last);
-    return store.IsUniformlyFull() && store.ExtentsRef().ContainsVoxel(lower) && store.ExtentsRef().ContainsVoxel(upper);
-}
-
 const VoxelStore<bool>& StoreToTransfer(const VoxelChunk<bool>& chunk, std::int64_t lod) { return chunk.VoxelStoreRef(lod); }
 VoxelStore<bool>& StoreToTransfer(VoxelChunk<bool>& chunk, std::int64_t lod) { return chunk.StoreToRewrite(lod); }
 
@@ -42,7 +34,7 @@ template <class Source> VoxelModel<bool> TransferOneLevel(Source& source, const 
             auto& from = StoreToTransfer(chunk, lod);
             if (!result.IsChunkValid(chunkIndices) || from.IsUnallocated()) return;
             VoxelStore<bool>& to = result.ChunkRef(chunkIndices).VoxelStoreRef(lod);
-            if (IsFullThroughout(from, to)) return to.MakeUniform(true);
+            if (IsUniformlyFull(from, ChunkPart(to, to.ExtentsRef()))) return to.MakeUniform(true);
             ForEachStackOfStore(to, [&](VoxelStore<bool>&, const StackIndices& ij) {
                 if (from.IsStackValid(ij)) TransferStack(to, ij, from.VoxelStackRef(ij));
             });

@@ -1,6 +1,7 @@
 #include "RegionLabels.h"
 
 #include "../frame/Require.h"
+#include "../model/ChunkPart.h"
 #include "../model/ForEachStack.h"
 #include "../model/InstructionSet.h"
 
@@ -26,8 +27,12 @@ RegionLabels::RegionLabels(const VoxelModel<bool>& model, const LevelGrid& grid)
     : grid_(grid), lod_(model.FinestLOD()), runs_(model.LowerChunkIndices(), model.UpperChunkIndices())
 {
     RunWith(FastestInstructionSet(), [&] {
-        ForEachStoredStack(model, model.FinestLOD(), [&](const VoxelStore<bool>& store, const StackIndices& ij) {
-            if (!store.VoxelStackRef(ij).IsUnallocated()) AddStack(StackOfVoxel(store.LowerIndices(ij)));
+        model.ForEachChunk([&](const Triple& chunkIndices, const VoxelChunk<bool>& chunk) {
+            const VoxelStore<bool>& store = chunk.VoxelStoreRef(lod_);
+            if (IsUniformlyFull(store, ChunkPart(store))) return AddFullChunk(chunkIndices);
+            ForEachStackOfStore(store, [&](const VoxelStore<bool>&, const StackIndices& ij) {
+                if (!store.VoxelStackRef(ij).IsUnallocated()) AddStack(StackOfVoxel(store.LowerIndices(ij)));
+            });
         });
         NumberRegions();
     });
@@ -53,17 +58,47 @@ void RegionLabels::AddStack(const Triple& stack)
         JoinPlates(plates[layer - 1], below, plates[layer], here);
         below = here;
     }
-    JoinBelow(stack);
+    for (const Axis axis : AllAxes) JoinWithLower(stack, axis);
+}
+
+// All stacks have the same runs, of one label; joined with others are those at the chunk's lower faces, or one of them where the
+// other chunk is full, too.
+void RegionLabels::AddFullChunk(const Triple& chunk)
+{
+    const StackRuns runs{labels_.size(), static_cast<std::size_t>(PlateWidth)};
+    labels_.resize(runs.first + runs.count, MakeLabel());
+    runs_.FindOrMake(chunk, [&] { return std::make_unique<RunsOfChunk>(1, runs); });
+
+    const Triple first{chunk[0] << lod_, chunk[1] << lod_, chunk[2]};
+    const std::int64_t last = (std::int64_t{1} << lod_) - 1;
+    for (const Axis axis : AllAxes) {
+        Triple lower = chunk;
+        --lower[static_cast<std::size_t>(axis)];
+        const RunsOfChunk* const other = runs_.Find(lower);
+        if (other == nullptr) continue;
+        Triple lastOfFace = other->size() == 1 ? Triple{} : Triple{last, last, 0};
+        lastOfFace[static_cast<std::size_t>(axis)] = 0;
+        ForEachTriple({}, lastOfFace, [&](const Triple& stack) { JoinWithLower(Plus(first, stack), axis); });
+    }
+}
+
+// Joins a stack's runs with those of its lower neighbour along an axis.
+void RegionLabels::JoinWithLower(const Triple& stack, Axis axis)
+{
+    if (axis == Axis::Z) return JoinBelow(stack);
+    if (axis == Axis::Y) {
+        return JoinBeside(stack, Minus(stack, {0, 1, 0}),
+                          [&](const Plate& a, const Region* ofA, const Plate& b, const Region* ofB) {
+                              if ((a.rows.back() & b.rows.front()) == 0) return;
+                              JoinRows(a.rows.back(), ofA + brix::RunCount(a) - RunCount(a.rows.back()), b.rows.front(), ofB);
+                          });
+    }
     JoinBeside(stack, Minus(stack, {1, 0, 0}), [&](const Plate& a, const Region* ofA, const Plate& b, const Region* ofB) {
         for (std::size_t y = 0; y < PlateWidth; ++y) {
             ofA += RunCount(a.rows[y]);
             if ((a.rows[y] >> (PlateWidth - 1) & b.rows[y] & 1) != 0) Unite(ofA[-1], *ofB);
             ofB += RunCount(b.rows[y]);
         }
-    });
-    JoinBeside(stack, Minus(stack, {0, 1, 0}), [&](const Plate& a, const Region* ofA, const Plate& b, const Region* ofB) {
-        if ((a.rows.back() & b.rows.front()) == 0) return;
-        JoinRows(a.rows.back(), ofA + brix::RunCount(a) - RunCount(a.rows.back()), b.rows.front(), ofB);
     });
 }
 

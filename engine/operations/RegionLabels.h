@@ -5,7 +5,7 @@
 //   row 1   .####      run 2, of the region of both
 //
 // Cost: proportional to the stored bit runs (with the logarithm that uniting by the lower label allows, which is not seen in
-// practice), and 16 bytes for every stack of the chunks that hold something.
+// practice), and 16 bytes for every stack of the chunks that hold something and are not full.
 #pragma once
 
 #include "LevelGrid.h"
@@ -53,7 +53,7 @@ private:
         std::size_t count = 0;
     };
 
-    using RunsOfChunk = std::vector<StackRuns>; // by stack, row by row
+    using RunsOfChunk = std::vector<StackRuns>; // by stack, row by row; one for all stacks of a full chunk
 
     std::size_t NumberInChunk(const Triple& stack) const
     {
@@ -64,11 +64,14 @@ private:
     StackRuns RunsOf(const Triple& stack) const
     {
         const RunsOfChunk* const runs = runs_.Find(ChunkOf(stack));
-        return runs != nullptr ? (*runs)[NumberInChunk(stack)] : StackRuns{};
+        if (runs == nullptr) return {};
+        return runs->size() == 1 ? runs->front() : (*runs)[NumberInChunk(stack)];
     }
     StackRuns& MakeRunsOf(const Triple& stack);
 
     void AddStack(const Triple& stack);
+    void AddFullChunk(const Triple& chunk);
+    void JoinWithLower(const Triple& stack, Axis axis);
     void AddPlate(const VoxelPlate<bool>& plate);
     void JoinBelow(const Triple& stack);
     template <class Join> void JoinBeside(const Triple& stack, const Triple& other, const Join& join);

@@ -1,6 +1,7 @@
 #include "SolidOperations.h"
 
 #include "../frame/Require.h"
+#include "../model/ChunkPart.h"
 #include "../model/CombineStacks.h"
 #include "../model/ForEachStack.h"
 #include "../model/InstructionSet.h"
@@ -82,30 +83,6 @@ const Store* StoreOf(const VoxelModel<bool>* model, const Triple& chunk, std::in
 {
     const VoxelChunk<bool>* const found = model != nullptr ? model->FindChunk(chunk) : nullptr;
     return found != nullptr ? &found->VoxelStoreRef(lod) : nullptr;
-}
-
-// The voxels of a chunk that extents hold; none where an upper index lies below its lower one.
-struct ChunkPart
-{
-    ChunkPart(const Store& store, const Extents& extents)
-        : lower(extents.LowerCornerClamp(store.LowerIndices())),
-          upper(extents.UpperCornerClamp(Plus(store.LowerIndices(store.LastStack()), LastOffset)))
-    {}
-    bool Covers(const ChunkPart& other) const
-    {
-        return IsWithin(other.lower, lower, upper) && IsWithin(other.upper, lower, upper);
-    }
-
-    Triple lower;
-    Triple upper;
-};
-
-// Whether a store is empty (0) or full (1) throughout the part; nothing if it is neither.
-std::optional<bool> UniformValue(const Store* store, const ChunkPart& part)
-{
-    if (store == nullptr || (store->IsUniform() && !store->IsUniformlyFull())) return false;
-    if (store->IsUniformlyFull() && ChunkPart(*store, store->ExtentsRef()).Covers(part)) return true;
-    return std::nullopt;
 }
 
 // What a rule makes of two stores throughout, if that follows without a look at their stacks.

@@ -4,7 +4,9 @@
 #include "model/ForEachStack.h"
 #include "model/PropagateLevel.h"
 #include "model/StackIterator.h"
+#include "operations/AutoSplit.h"
 #include "operations/BasicOperations.h"
+#include "operations/DensityMap.h"
 #include "operations/FillOperations.h"
 #include "operations/SolidOperations.h"
 #include "operations/SurfaceOperations.h"
@@ -115,6 +117,13 @@ TEST(UniformChunks, AreFilledByFloodsInOneStep)
     }
 }
 
+void ExpectAlike(const std::vector<Model>& results, const std::vector<Model>& expected, std::uint64_t seed)
+{
+    ASSERT_EQ(results.size(), expected.size()) << seed;
+    for (std::size_t i = 0; i < results.size(); ++i)
+        ASSERT_EQ(Differences(results[i], expected[i]), "") << "model " << i << ", seed " << seed;
+}
+
 TEST(UniformChunks, ChangeNoOperation)
 {
     using Guide = std::optional<Model>;
@@ -174,6 +183,10 @@ TEST(UniformChunks, ChangeNoOperation)
         for (const auto& [name, operation] : operations) {
             ASSERT_EQ(Differences(operation(a, b), WithStacks(operation(plainA, plainB))), "") << name << ", seed " << seed;
         }
+        ExpectAlike(AutoSplit(a), AutoSplit(plainA), seed);
+        const std::vector<double> weights{1, -0.5};
+        const std::vector<double> thresholds{0.5, 1, 0};
+        ExpectAlike(DensityMap({&a, &b}, weights, thresholds, 1), DensityMap({&plainA, &plainB}, weights, thresholds, 1), seed);
         ASSERT_EQ(CountFilled(a, 1), CountFilled(plainA, 1));
         ASSERT_EQ(IsFull(Invert(Model(a.ExtentsRef(1), 1)), 1), true);
     }
