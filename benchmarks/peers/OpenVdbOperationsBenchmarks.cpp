@@ -12,10 +12,13 @@
 //   UnionInPlace .., Vdb..InPlace   the same with a first set that is given away: its copy is not timed
 //   FindVoxel, AreFilled            100,000 random places, beside OpenVDB's cached accessor
 //   Line..                          as many places, one after the other along straight lines
+//   CopyOfUnion, FoundStacks        what is left where nothing is combined or searched: the result is allocated and copied; the
+//                                   stacks of the same places are known, and asked
 #include "Measure.h"
 #include "OperationScenes.h"
 
 #include "model/AreFilled.h"
+#include "model/ForEachStack.h"
 #include "model/VoxelIterator.h"
 #include "operations/BasicOperations.h"
 #include "operations/SolidOperations.h"
@@ -235,6 +238,12 @@ private:
         RegisterRun("Union", "union", [](const Scene& scene) {
             return Union({&scene.model, &scene.other}, scene.Level(), false);
         });
+        Register("CopyOfUnion", [](State& state, const Scene& scene) {
+            const Model combined = Union({&scene.model, &scene.other}, scene.Level(), false);
+            MeasureResult(
+                state, [&] { return Model(combined); },
+                [&](const Model& copy) { RequireEqual("Voxels", CountOf(copy), CountOf(combined)); });
+        });
         RegisterRun("VdbUnion", "union", [](const Scene& scene) {
             return Combined(TreesOf(scene), [](Tree& tree, const Tree& other) { tree.topologyUnion(other); });
         });
@@ -287,6 +296,7 @@ private:
         });
         Register("FindVoxel", MeasureFindVoxel);
         Register("AreFilled", MeasureAreFilled);
+        Register("FoundStacks", MeasureFoundStacks);
         Register("VdbAccessor", MeasureAccessor);
         Register("LineFindVoxel", MeasureLineFindVoxel);
         Register("LineIterator", MeasureLineIterator);
@@ -302,6 +312,24 @@ private:
         for (auto _ : state) {
             filled = 0;
             for (const Triple& place : places) filled += scene.model.FindVoxel(place, scene.Level()).Value() ? 1 : 0;
+            benchmark::DoNotOptimize(filled);
+        }
+        RequireSameCount("random voxels of " + std::to_string(CountDensely(scene.dense)), filled);
+    }
+
+    static void MeasureFoundStacks(State& state, const Scene& scene)
+    {
+        const std::vector<Triple> places = RandomPlaces(scene);
+        std::vector<const VoxelStack<bool>*> stacks;
+        for (const Triple& place : places) stacks.push_back(&FindStack(scene.model, StackOfVoxel(place), scene.Level()));
+        std::int64_t filled = 0;
+        for (auto _ : state) {
+            filled = 0;
+            for (std::size_t i = 0; i < places.size(); ++i) {
+                const auto [x, y, z] = places[i];
+                const VoxelPlate<bool>& plate = stacks[i]->LayerVoxelPlateRef(stacks[i]->LayerID(z & LastOffset[2]));
+                filled += plate.Value({x & LastOffset[0], y & LastOffset[1]}) ? 1 : 0;
+            }
             benchmark::DoNotOptimize(filled);
         }
         RequireSameCount("random voxels of " + std::to_string(CountDensely(scene.dense)), filled);
