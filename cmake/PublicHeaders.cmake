@@ -10,6 +10,7 @@ set(BRIX_INTERNAL_HEADERS
     model/ForEachStack.h
     model/InstructionSet.h
     model/PropagateStores.h
+    model/StackRows.h
     operations/ColumnGrowth.h
     operations/EmptyRegions.h
     operations/FilledBounds.h

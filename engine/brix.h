@@ -26,10 +26,15 @@
 #include "brix/model/VoxelModel.h"
 
 #include "brix/model/AreFilled.h"
+#include "brix/model/FilledRuns.h"
 #include "brix/model/StackIterator.h"
+#include "brix/model/VoxelArrays.h"
 #include "brix/model/VoxelIterator.h"
 
 #include "brix/model/PropagateLevel.h"
+
+#include "brix/storage/Murmur3.h"
+#include "brix/storage/SavedModel.h"
 
 #include "brix/triangles/Triangle.h"
 #include "brix/triangles/TriangleMesh.h"

@@ -20,6 +20,7 @@ public:
     Axes(double worldVoxelSpacing0, const std::array<double, 3>& worldVoxelOrigin, double worldVoxelRotation,
          std::int64_t verticalLOD);
 
+    double WorldVoxelSpacing0() const { return worldVoxelSpacing0_; }
     std::array<double, 3> WorldVoxelOrigin() const { return worldVoxelOrigin_; }
     double WorldVoxelRotation() const { return worldVoxelRotation_; }
     std::int64_t VerticalLOD() const { return verticalLOD_; }

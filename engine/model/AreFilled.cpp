@@ -97,17 +97,36 @@ private:
     std::array<const VoxelPlate<bool>*, Size> plates_;
 };
 
+// voxelOf(place) is the voxel that is looked up.
+template <class Place, class VoxelOf>
+void LookUp(const VoxelModel<bool>& model, std::int64_t lod, std::span<const Place> places, std::span<bool> filled,
+            const VoxelOf& voxelOf)
+{
+    RequireLevelOf(model.FinestLOD(), "The level of detail for voxel model operations", lod);
+    Require(places.size() == filled.size(), "There must be as many results as voxels.");
+    const StackFinder finder(model, lod, places.size());
+    std::array<Triple, Batch::Size> voxels;
+    for (std::size_t first = 0; first < places.size(); first += Batch::Size) {
+        const std::size_t count = std::min(Batch::Size, places.size() - first);
+        for (std::size_t i = 0; i < count; ++i) voxels[i] = voxelOf(places[first + i]);
+        const Batch batch(finder, {voxels.data(), count});
+        for (std::size_t i = 0; i < count; ++i) filled[first + i] = batch.IsFilled(i);
+    }
+}
+
 } // namespace
 
 void AreFilled(const VoxelModel<bool>& model, std::int64_t lod, std::span<const Triple> voxels, std::span<bool> filled)
 {
-    RequireLevelOf(model.FinestLOD(), "The level of detail for voxel model operations", lod);
-    Require(voxels.size() == filled.size(), "There must be as many results as voxels.");
-    const StackFinder finder(model, lod, voxels.size());
-    for (std::size_t first = 0; first < voxels.size(); first += Batch::Size) {
-        const Batch batch(finder, voxels.subspan(first, std::min(Batch::Size, voxels.size() - first)));
-        for (std::size_t i = 0; i < std::min(Batch::Size, voxels.size() - first); ++i) filled[first + i] = batch.IsFilled(i);
-    }
+    LookUp(model, lod, voxels, filled, [](const Triple& voxel) { return voxel; });
+}
+
+void AreFilled(const VoxelModel<bool>& model, std::int64_t lod, std::span<const std::array<double, 3>> worldPoints,
+               std::span<bool> filled)
+{
+    const Axes& axes = model.AxesRef();
+    LookUp(model, lod, worldPoints, filled,
+           [&](const std::array<double, 3>& point) { return axes.ContainingVoxel(axes.FromWorldCoordinates(point), lod); });
 }
 
 } // namespace brix

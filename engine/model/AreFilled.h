@@ -15,4 +15,8 @@ namespace brix {
 /// Cost: linear in the voxels and, when these are many, once in the chunks that are stored.
 void AreFilled(const VoxelModel<bool>& model, std::int64_t lod, std::span<const Triple> voxels, std::span<bool> filled);
 
+/// The same for the voxels that hold points (world units).
+void AreFilled(const VoxelModel<bool>& model, std::int64_t lod, std::span<const std::array<double, 3>> worldPoints,
+               std::span<bool> filled);
+
 } // namespace brix

@@ -68,6 +68,9 @@ public:
     bool IsUniform() const { return stacks_ == nullptr; }
     bool IsUniformlyFull() const { return isFull_; }
 
+    /// Whether ReleaseUniformStacks leaves no stacks of its own to a store that is full: not where the model has only a few.
+    bool SharesFullStacks() const { return bounds_->SharesFullStacks(); }
+
     /// Whether the extents end inside the chunk along x or y.
     bool IsCutSideways() const
     {

@@ -5,8 +5,6 @@
 #include <string>
 
 namespace brix {
-namespace {
-
 void RequireVertexIndex(std::int64_t index, std::size_t vertexCount)
 {
     if (index < 0) {
@@ -20,8 +18,6 @@ void RequireVertexIndex(std::int64_t index, std::size_t vertexCount)
                                 " vertices in the triangle mesh.");
     }
 }
-
-} // namespace
 
 TriangleMesh::TriangleMesh(const std::vector<std::array<double, 3>>& vertices,
                            const std::vector<std::array<std::int64_t, 3>>& indexedTriangles)

@@ -7,6 +7,9 @@
 
 namespace brix {
 
+/// Throws std::domain_error when an index of a triangle's corner is negative, or not less than the number of vertices.
+void RequireVertexIndex(std::int64_t index, std::size_t vertexCount);
+
 class TriangleMesh
 {
 public:

@@ -4,6 +4,7 @@
 #include "../model/ForEachStack.h"
 #include "ExtentsAround.h"
 #include "PackWorldTriangles.h"
+#include "TriangleMesh.h"
 #include "TriangleRaster.h"
 #include "Voxelization.h"
 
@@ -210,6 +211,31 @@ private:
     Triple upper_{-Most, -Most, -Most};
 };
 
+// Triangles of a mesh, put together a few at a time.
+template <class Number>
+VoxelModel<bool> VoxelizeMesh(const Axes& axes, std::span<const std::array<Number, 3>> vertices,
+                              std::span<const std::array<std::uint32_t, 3>> triangles, std::int64_t finestLOD)
+{
+    for (const auto& triangle : triangles) {
+        for (const std::uint32_t vertex : triangle) RequireVertexIndex(vertex, vertices.size());
+    }
+    RequireLevel("The finest level of detail in a voxel model", finestLOD);
+    if (triangles.empty()) return Voxelize(axes, std::span<const WorldTriangle>(), finestLOD);
+    Voxelizer voxelizer(axes, finestLOD);
+    std::array<WorldTriangle, 128> batch;
+    for (std::size_t first = 0; first < triangles.size(); first += batch.size()) {
+        const std::size_t count = std::min(batch.size(), triangles.size() - first);
+        for (std::size_t i = 0; i < count; ++i) {
+            for (std::size_t corner = 0; corner < 3; ++corner) {
+                const std::array<Number, 3>& vertex = vertices[triangles[first + i][corner]];
+                std::copy(vertex.begin(), vertex.end(), batch[i][corner].begin());
+            }
+        }
+        voxelizer.Add({batch.data(), count});
+    }
+    return voxelizer.Finish();
+}
+
 } // namespace
 
 VoxelModel<bool> Voxelize(const Axes& axes, std::span<const WorldTriangle> triangles, std::int64_t finestLOD)
@@ -219,6 +245,18 @@ VoxelModel<bool> Voxelize(const Axes& axes, std::span<const WorldTriangle> trian
     Voxelizer voxelizer(axes, finestLOD);
     voxelizer.Add(triangles);
     return voxelizer.Finish();
+}
+
+VoxelModel<bool> Voxelize(const Axes& axes, std::span<const std::array<double, 3>> vertices,
+                          std::span<const std::array<std::uint32_t, 3>> triangles, std::int64_t finestLOD)
+{
+    return VoxelizeMesh(axes, vertices, triangles, finestLOD);
+}
+
+VoxelModel<bool> Voxelize(const Axes& axes, std::span<const std::array<float, 3>> vertices,
+                          std::span<const std::array<std::uint32_t, 3>> triangles, std::int64_t finestLOD)
+{
+    return VoxelizeMesh(axes, vertices, triangles, finestLOD);
 }
 
 } // namespace brix

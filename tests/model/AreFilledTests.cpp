@@ -28,6 +28,14 @@ TEST(AreFilled, TellsOfEachVoxelWhatTheModelHolds)
                 AreFilled(model.voxels, lod, voxels, {filled.get(), count});
                 for (std::size_t i = 0; i < count; ++i)
                     ASSERT_EQ(filled[i], reference.Value(voxels[i])) << model << " voxel " << i;
+
+                const Axes& axes = model.voxels.AxesRef();
+                std::vector<std::array<double, 3>> points;
+                for (const Triple& voxel : voxels) points.push_back(axes.ToWorldCoordinates(axes.VoxelCenter(voxel, lod)));
+                AreFilled(model.voxels, lod, points, {filled.get(), count});
+                for (std::size_t i = 0; i < count; ++i)
+                    ASSERT_EQ(filled[i], reference.Value(axes.ContainingVoxel(axes.FromWorldCoordinates(points[i]), lod)))
+                        << model;
             }
         }
     }

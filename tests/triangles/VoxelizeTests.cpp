@@ -278,6 +278,33 @@ TEST(Voxelize, EqualsTheVoxelsOfFiledTrianglesThatAreNotCut)
     }
 }
 
+TEST(Voxelize, TakesTheTrianglesOfAMesh)
+{
+    const Axes axes = LatticeAxes(2);
+    Random random(5);
+    std::vector<std::array<double, 3>> vertices(300);
+    std::vector<std::array<float, 3>> narrow(vertices.size());
+    for (std::size_t i = 0; i < vertices.size(); ++i) {
+        for (std::size_t axis = 0; axis < 3; ++axis)
+            narrow[i][axis] = static_cast<float>(vertices[i][axis] = static_cast<double>(random.Between(-900'000, 900'000)));
+    }
+    std::vector<std::array<std::uint32_t, 3>> triangles(500);
+    std::vector<WorldTriangle> expanded;
+    for (auto& triangle : triangles) {
+        for (std::uint32_t& vertex : triangle) vertex = static_cast<std::uint32_t>(random.Between(0, 299));
+        expanded.push_back({vertices[triangle[0]], vertices[triangle[1]], vertices[triangle[2]]});
+    }
+    const Voxels expected = FilledVoxels(Voxelize(axes, expanded, 2), 2);
+    EXPECT_EQ(FilledVoxels(Voxelize(axes, vertices, triangles, 2), 2), expected);
+    EXPECT_EQ(FilledVoxels(Voxelize(axes, narrow, triangles, 2), 2), expected);
+    EXPECT_EQ(Voxelize(axes, vertices, {}, 2).ExtentsRef(2), Voxelize(axes, {}, 2).ExtentsRef(2));
+    triangles.back()[1] = 300;
+    EXPECT_EQ(tests::MessageOf([&] { Voxelize(axes, vertices, triangles, 6); }),
+              "All triangle vertex indices must be less than number of vertices in the triangle mesh. A triangle vertex index of "
+              "300 was "
+              "encountered. There are 300 vertices in the triangle mesh.");
+}
+
 TEST(Voxelize, TakesMemoryForWhatIsTouchedOnly)
 {
     const std::vector<WorldTriangle> farApart{{{{-9.9e8, -9.9e8, -3.9e8}, {-9.9e8, -9.9e8, -3.9e8}, {-9.9e8, -9.9e8, -3.9e8}}},
