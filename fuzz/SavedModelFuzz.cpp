@@ -1,5 +1,5 @@
-// Bytes that claim to be a saved model: as they come, and with a hash that fits. What is taken for a model is one that is saved as the
-// same bytes.
+// Bytes that claim to be a saved model: as they come, and with a hash that fits. What is taken for a model is one that is saved
+// as the same bytes.
 #include "storage/SavedModel.h"
 
 #include <cstdlib>

@@ -30,8 +30,8 @@ void ExpandRow(std::uint16_t row, std::uint8_t* bytes)
     std::memcpy(bytes, &lanes, sizeof lanes);
 }
 
-// Bit i of a row becomes whether byte i is not 0. In eight bytes, adding 127 to the low seven bits carries to the highest one where
-// there is any; the product then moves bit 0 of byte i to bit 56 + i, and no two of them meet:
+// Bit i of a row becomes whether byte i is not 0. In eight bytes, adding 127 to the low seven bits carries to the highest one
+// where there is any; the product then moves bit 0 of byte i to bit 56 + i, and no two of them meet:
 //
 //   byte      7        6        5 ..          times 0x0102040810204080
 //   bits   .......a .......b .......c  ->     abc.....|............

@@ -39,8 +39,8 @@ void WriteVoxels(VoxelModel<bool>& model, const Extents& box, const std::uint8_t
 void WriteVoxels(VoxelModel<bool>& model, const Extents& box, std::span<const std::uint8_t> bytes);
 
 /// A model on the extents that holds the levels 0..finestLOD, made of a byte for each voxel of the extents at their level.
-/// Throws std::domain_error when the finest level is negative or not less than 6, or the extents' level is beyond it; for a span, a
-/// size other than DenseSize(extents). Cost as above.
+/// Throws std::domain_error when the finest level is negative or not less than 6, or the extents' level is beyond it; for a span,
+/// a size other than DenseSize(extents). Cost as above.
 VoxelModel<bool> ModelFromVoxels(const Extents& extents, const std::uint8_t* bytes, const ByteStrides& strides,
                                  std::int64_t finestLOD);
 VoxelModel<bool> ModelFromVoxels(const Extents& extents, std::span<const std::uint8_t> bytes, std::int64_t finestLOD);

@@ -115,8 +115,8 @@ TEST(SavedModel, HasAnotherHashForAnyOtherContent)
     EXPECT_EQ(modelOf(1, -0.0, 0, 9, 1, -1), hashes[0]) << "frames that are equal";
 }
 
-// The bytes that docs/format.md describes: a model of two levels in one chunk. At level 0 one voxel, at level 1 the four in it, of
-// which two heights are filled.
+// The bytes that docs/format.md describes: a model of two levels in one chunk. At level 0 one voxel, at level 1 the four in it,
+// of which two heights are filled.
 TEST(SavedModel, IsWhatItsDescriptionSays)
 {
     const Axes axes(2, {1, 0, 0}, 90, 0);
