@@ -119,20 +119,23 @@ std::uint8_t AddStack(Record& record, const Stack& stack)
     const std::span<const std::uint8_t> offsets = stack.LayerOffsets();
     record.Add(EmptyStackCode);
     if (stack.IsUnallocated()) return EmptyStackCode;
-    const auto isNew = [&](std::size_t layer) { return layer == 0 || !(plates[layer] == plates[layer - 1]); };
-    std::uint8_t count = 1;
-    for (std::size_t layer = 1; layer < plates.size(); ++layer) {
-        if (!isNew(layer)) continue;
-        record.Add(offsets[layer]);
-        ++count;
-    }
-    const bool isUniform = count == 1 && (IsEmpty(plates[0]) || IsFull(plates[0]));
-    if (isUniform) {
+    // The layers that differ from the one below: mostly all.
+    std::uint64_t isNew = 1;
+    for (std::size_t layer = 1; layer < plates.size(); ++layer)
+        isNew |= std::uint64_t{plates[layer] == plates[layer - 1] ? 0U : 1U} << layer;
+    const auto count = static_cast<std::uint8_t>(std::popcount(isNew));
+    if (count == 1 && (IsEmpty(plates[0]) || IsFull(plates[0]))) {
         record[first] = IsFull(plates[0]) ? FullStackCode : EmptyStackCode;
         return record[first];
     }
-    for (std::size_t layer = 0; layer < plates.size(); ++layer) {
-        if (isNew(layer)) record.Add(plates[layer]);
+    if (count == plates.size()) {
+        record.Add(offsets.data() + 1, offsets.size() - 1);
+        record.Add(plates.data(), plates.size_bytes());
+    } else {
+        for (std::uint64_t left = isNew & ~std::uint64_t{1}; left != 0; left &= left - 1)
+            record.Add(offsets[static_cast<std::size_t>(std::countr_zero(left))]);
+        for (std::uint64_t left = isNew; left != 0; left &= left - 1)
+            record.Add(plates[static_cast<std::size_t>(std::countr_zero(left))]);
     }
     record[first] = count;
     return count;
