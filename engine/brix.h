@@ -27,6 +27,7 @@
 
 #include "brix/model/AreFilled.h"
 #include "brix/model/FilledRuns.h"
+#include "brix/model/ModelSize.h"
 #include "brix/model/StackIterator.h"
 #include "brix/model/VoxelArrays.h"
 #include "brix/model/VoxelIterator.h"
@@ -46,12 +47,14 @@
 #include "brix/triangles/Solidization.h"
 #include "brix/triangles/Tessellation.h"
 #include "brix/triangles/Voxelization.h"
+#include "brix/triangles/VoxelizationEstimate.h"
 #include "brix/triangles/Voxelize.h"
 
 #include "brix/operations/AutoSplit.h"
 #include "brix/operations/BasicOperations.h"
 #include "brix/operations/DensityMap.h"
 #include "brix/operations/FillOperations.h"
+#include "brix/operations/MemoryEstimates.h"
 #include "brix/operations/ProximityOperations.h"
 #include "brix/operations/SliceRows.h"
 #include "brix/operations/SolidOperations.h"

@@ -52,6 +52,11 @@ void RequireNumberAbove(std::string_view quantity, std::int64_t limit, double va
     if (!(value > static_cast<double>(limit))) Throw(quantity, " must be greater than " + std::to_string(limit), ToText(value));
 }
 
+void RequireNumberAtLeast(std::string_view quantity, std::int64_t least, double value)
+{
+    if (!(value >= static_cast<double>(least))) Throw(quantity, " cannot be less than " + std::to_string(least), ToText(value));
+}
+
 void RequireNumberBelow(std::string_view quantity, std::int64_t limit, double value)
 {
     if (!(value < static_cast<double>(limit))) Throw(quantity, " must be less than " + std::to_string(limit), ToText(value));

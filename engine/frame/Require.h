@@ -34,6 +34,8 @@ inline void RequireLessThan(std::string_view quantity, std::int64_t limit, std::
 /// The same sentences for numbers that need not be whole. NaN fails each check.
 /// quantity " must be greater than " limit ". The value encountered was " value "."
 void RequireNumberAbove(std::string_view quantity, std::int64_t limit, double value);
+/// quantity " cannot be less than " least ". The value encountered was " value "."
+void RequireNumberAtLeast(std::string_view quantity, std::int64_t least, double value);
 /// quantity " must be less than " limit ". The value encountered was " value "."
 void RequireNumberBelow(std::string_view quantity, std::int64_t limit, double value);
 /// quantity " cannot be greater than " limit ". The value encountered was " value "."

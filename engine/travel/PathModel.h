@@ -48,6 +48,9 @@ public:
     /// Cost: a few passes over the traversable voxels.
     std::vector<Triple> GenerateSamplePoints(std::int64_t spacing, std::int64_t minDiameter) const;
 
+    /// Throws what GenerateSamplePoints throws for such arguments.
+    void RequireSampleGrid(std::int64_t spacing, std::int64_t minDiameter) const;
+
     static constexpr std::int64_t SampleGridLimit = std::int64_t{1} << 24;
 
 private:

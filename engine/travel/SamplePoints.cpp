@@ -136,11 +136,17 @@ private:
 
 } // namespace
 
-std::vector<Triple> PathModel::GenerateSamplePoints(std::int64_t spacing, std::int64_t minDiameter) const
+void PathModel::RequireSampleGrid(std::int64_t spacing, std::int64_t minDiameter) const
 {
     RequireAtLeast("The minimum diameter used to generate sample points", 1, minDiameter);
     Require(spacing >= VoxelSpacing(VoxelLOD()),
             "The finest level of detail is too coarse to generate sample points with the specified spacing.");
+    SampleGrid(traversable_.ExtentsRef(VoxelLOD()), spacing);
+}
+
+std::vector<Triple> PathModel::GenerateSamplePoints(std::int64_t spacing, std::int64_t minDiameter) const
+{
+    RequireSampleGrid(spacing, minDiameter);
     const SampleGrid grid(traversable_.ExtentsRef(VoxelLOD()), spacing);
     const int diameter = static_cast<int>(std::min<std::int64_t>(minDiameter, std::numeric_limits<int>::max()));
     const TraversableGraph graph(traversable_);

@@ -125,6 +125,19 @@ void RequireLevelAndRadius(const VoxelModel<bool>& model, std::int64_t lod, std:
 
 } // namespace
 
+Extents ExtentsSweptFromPoint(const VoxelModel<bool>& voxelModel, const std::array<std::int64_t, 3>& point, long long lod,
+                              long long maxRadius, bool autoAdjustExtents)
+{
+    RequireLevelAndRadius(voxelModel, lod, maxRadius);
+    const View view{point, lod, maxRadius, 1, nullptr};
+    const Extents& own = voxelModel.ExtentsRef(lod);
+    if (!view.IsLimited()) return autoAdjustExtents ? ExtentsWith(own, voxelModel.AxesRef().ContainingVoxel(point, lod)) : own;
+    const Extents around = ExtentsAround(voxelModel.AxesRef(), point, lod, view.ReachOfSphere());
+    if (autoAdjustExtents) return around;
+    return Extents(own.AxesRef(), own.LowerCornerClamp(own.UpperCornerClamp(around.LowerIndices())),
+                   own.LowerCornerClamp(own.UpperCornerClamp(around.UpperIndices())), lod);
+}
+
 VoxelModel<bool> VisibilityFromDirection(const VoxelModel<bool>& voxelModel, const std::array<std::int64_t, 3>& direction,
                                          long long lod, double threshold)
 {

@@ -81,4 +81,11 @@ VoxelModel<bool> VisibilityWithinPyramid(const VoxelModel<bool>& voxelModel, con
                                          double verticalAngle, long long lod, long long maxRadius, double threshold,
                                          bool autoAdjustExtents);
 
+/// The extents that the functions from a point look at, for estimates of memory (operations/MemoryEstimates.h): those of the
+/// model, those around the sphere that limits the view, or, if the result's extents follow it, the larger box. Views within a
+/// cone or a pyramid look at a part of these.
+/// Throws std::domain_error when the level is negative or beyond the model's finest one, then when the radius is negative.
+Extents ExtentsSweptFromPoint(const VoxelModel<bool>& voxelModel, const std::array<std::int64_t, 3>& point, long long lod,
+                              long long maxRadius, bool autoAdjustExtents);
+
 } // namespace brix

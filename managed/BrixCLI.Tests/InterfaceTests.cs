@@ -32,7 +32,7 @@ public class InterfaceTests
         string[] documented = XDocument.Load(Path.ChangeExtension(typeof(AxesCLI).Assembly.Location, ".xml"))
             .Descendants("member").Select(member => member.Attribute("name")!.Value).ToArray();
         var visible = typeof(AxesCLI).Assembly.GetExportedTypes().SelectMany(type => type.GetMembers(Declared)
-            .Where(member => member is FieldInfo { IsPublic: true } or MethodBase { IsPublic: true }
+            .Where(member => member is FieldInfo { IsPublic: true } or PropertyInfo or MethodBase { IsPublic: true }
                 or MethodBase { IsFamily: true })
             .Select(member => type.FullName + "." + member.Name.Replace(".ctor", "#ctor")).Append(type.FullName!)).ToHashSet();
         Assert.True(documented.Length > 100);

@@ -44,6 +44,8 @@ std::int32_t ReportException(brix_error* error, const char* asked) noexcept
 {
     try {
         throw;
+    } catch (const BeyondMemoryLimit& exception) {
+        return Report(error, BRIX_OUT_OF_MEMORY, exception);
     } catch (const NotEnoughMemory& exception) {
         return Report(error, BRIX_OUT_OF_MEMORY, exception);
     } catch (const std::bad_alloc&) {

@@ -1,6 +1,7 @@
 // Models, single voxels and slices.
 #include "Objects.h"
 
+#include <span>
 #include <string>
 
 using namespace brix;
@@ -15,6 +16,11 @@ namespace {
 void MakeIterator(brix_iterator** result, const SharedVoxels& voxels, const Triple& voxelIndices, std::int64_t lod)
 {
     Make(result, voxels, std::as_const(**voxels).FindVoxel(voxelIndices, lod));
+}
+
+std::span<const WorldTriangle> SpanOf(const double* triangles, std::int64_t count)
+{
+    return {TrianglesAt(triangles, count), static_cast<std::size_t>(count)};
 }
 
 using RowsAtIndex = std::vector<std::vector<bool>>(const VoxelModel<bool>&, std::int64_t, std::int64_t, bool, bool);
@@ -54,10 +60,14 @@ std::int32_t brix_model_create(const brix_extents* extents, std::int64_t finest_
 std::int32_t brix_model_from_triangles(const double* triangles, std::int64_t triangle_count, const brix_extents* extents,
                                        std::int64_t finest_lod, brix_model** result, brix_error* error)
 {
-    return Guarded(error, {extents, result}, "the voxel model of the triangles", [&] {
-        const WorldTriangle* first = TrianglesAt(triangles, triangle_count);
+    const auto bytes = [&] {
+        const std::span<const WorldTriangle> given = SpanOf(triangles, triangle_count);
+        return BytesToFileAndVoxelize(SizeOfVoxels(extents->extents, given, finest_lod), extents->extents.AxesRef(), given);
+    };
+    return Guarded(error, {extents, result}, "the voxel model of the triangles", bytes, [&] {
+        const std::span<const WorldTriangle> given = SpanOf(triangles, triangle_count);
         TriangleModel filed(extents->extents);
-        filed.AddWorldTriangles(first, static_cast<std::size_t>(triangle_count));
+        filed.AddWorldTriangles(given.data(), given.size());
         VoxelModel<bool> voxels(extents->extents, finest_lod);
         VoxelizeTriangleModel(voxels, filed);
         MakeModel(result, std::move(voxels));
@@ -67,10 +77,13 @@ std::int32_t brix_model_from_triangles(const double* triangles, std::int64_t tri
 std::int32_t brix_voxelize(const brix_axes* axes, const double* triangles, std::int64_t triangle_count, std::int64_t finest_lod,
                            brix_model** result, brix_error* error)
 {
-    return Guarded(error, {axes, result}, "the voxel model of the triangles", [&] {
-        const WorldTriangle* first = TrianglesAt(triangles, triangle_count);
-        MakeModel(result, Voxelize(axes->axes, {first, static_cast<std::size_t>(triangle_count)}, finest_lod));
-    });
+    const auto bytes = [&] {
+        const std::span<const WorldTriangle> given = SpanOf(triangles, triangle_count);
+        const Extents extents = DetectTriangleExtents(axes->axes, given.data(), given.size());
+        return BytesToVoxelize(SizeOfVoxels(extents, given, finest_lod), axes->axes, given);
+    };
+    return Guarded(error, {axes, result}, "the voxel model of the triangles", bytes,
+                   [&] { MakeModel(result, Voxelize(axes->axes, SpanOf(triangles, triangle_count), finest_lod)); });
 }
 
 void brix_model_free(brix_model* model) { delete model; }
@@ -169,7 +182,13 @@ std::int32_t brix_rows_at_slice(const brix_model* model, std::int32_t dim_index,
                                 std::int32_t reverse_row_order, std::int32_t reverse_each_row, brix_rows** result,
                                 brix_error* error)
 {
-    return Guarded(error, {model, result}, "the rows of the slice", [&] {
+    const auto bytes = [&] {
+        RowsAcross(dim_index);
+        const Extents& extents = VoxelsOf(model).ExtentsRef(voxel_lod);
+        const auto [x, y, z] = Plus(Minus(extents.UpperIndices(), extents.LowerIndices()), {1, 1, 1});
+        return BytesOfRows(static_cast<double>(dim_index == 2 ? y : z), static_cast<double>(dim_index == 0 ? y : x));
+    };
+    return Guarded(error, {model, result}, "the rows of the slice", bytes, [&] {
         const VoxelModel<bool>& voxels = VoxelsOf(model);
         Make(result, RowsAcross(dim_index)(voxels, slice_index, voxel_lod, reverse_row_order != 0, reverse_each_row != 0));
     });

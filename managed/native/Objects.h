@@ -7,10 +7,12 @@
 
 #include <cstring>
 #include <initializer_list>
+#include <limits>
 #include <memory>
 #include <new>
 #include <optional>
 #include <stdexcept>
+#include <string>
 #include <string_view>
 #include <type_traits>
 #include <utility>
@@ -65,6 +67,20 @@ struct NullArgument : std::invalid_argument
     NullArgument() : std::invalid_argument("A required argument is a null pointer.") {}
 };
 
+/// What a call asks for would take more memory than the host's limit.
+class BeyondMemoryLimit : public std::exception
+{
+public:
+    BeyondMemoryLimit(const char* asked, double bytes, double limit);
+    const char* what() const noexcept override { return sentence_.c_str(); }
+
+private:
+    std::string sentence_;
+};
+
+/// The limit that brix_set_memory_limit set.
+double MemoryLimit() noexcept;
+
 /// Describes the exception being handled in `error`, which may be null, and returns its status. `asked`: as below. Never throws.
 std::int32_t ReportException(brix_error* error, const char* asked) noexcept;
 
@@ -73,20 +89,46 @@ inline void RequireGiven(const void* pointer)
     if (pointer == nullptr) throw NullArgument();
 }
 
+/// Throws BeyondMemoryLimit when estimate(), in bytes, is more than the limit. Without a limit nothing is estimated. An
+/// estimate that throws std::domain_error was asked about arguments that the work refuses: it is left to the work to say so, in
+/// its order.
+template <class Estimate> void RequireMemory(const char* asked, const Estimate& estimate)
+{
+    const double limit = MemoryLimit();
+    if (limit == std::numeric_limits<double>::infinity()) return;
+    double bytes = 0;
+    try {
+        bytes = estimate();
+    } catch (const std::domain_error&) {
+        return;
+    }
+    if (bytes > limit) throw BeyondMemoryLimit(asked, bytes, limit);
+}
+
 /// Runs `work`; the only place where exceptions end.
 /// `needed`  every pointer that may not be null, results among them: they are judged here, before any work and in this order, so
 ///           that no expression in `work` depends on which of its operands is evaluated first
 /// `asked`   what the work makes, for the sentence that tells that there is no memory for it
-template <class Work>
-std::int32_t Guarded(brix_error* error, std::initializer_list<const void*> needed, const char* asked, const Work& work) noexcept
+/// `estimate`  the bytes that the work takes at most, for RequireMemory; works that take as much as they are given have none
+template <class Estimate, class Work>
+std::int32_t Guarded(brix_error* error, std::initializer_list<const void*> needed, const char* asked, const Estimate& estimate,
+                     const Work& work) noexcept
 {
     try {
         for (const void* pointer : needed) RequireGiven(pointer);
+        RequireMemory(asked, estimate);
         work();
         return BRIX_OK;
     } catch (...) {
         return ReportException(error, asked);
     }
+}
+
+template <class Work>
+std::int32_t Guarded(brix_error* error, std::initializer_list<const void*> needed, const char* asked, const Work& work) noexcept
+{
+    return Guarded(
+        error, needed, asked, [] { return 0.0; }, work);
 }
 
 template <class Work>
@@ -96,6 +138,19 @@ std::int32_t Guarded(brix_error* error, std::initializer_list<const void*> neede
 }
 
 inline const VoxelModel<bool>& VoxelsOf(const brix_model* model) { return **model->voxels; }
+
+/// Models on which an operation is tried before it is estimated, so that wrong arguments are told as ever: without any content,
+/// on the same extents, or on one voxel of them for operations whose work follows the extents.
+inline VoxelModel<bool> EmptyLike(const VoxelModel<bool>& voxels)
+{
+    return VoxelModel<bool>(voxels.ExtentsRef(voxels.FinestLOD()), voxels.FinestLOD());
+}
+inline VoxelModel<bool> OneVoxelLike(const VoxelModel<bool>& voxels)
+{
+    const Extents& extents = voxels.ExtentsRef(voxels.FinestLOD());
+    return VoxelModel<bool>(Extents(extents.AxesRef(), extents.LowerIndices(), extents.LowerIndices(), extents.VoxelLOD()),
+                            voxels.FinestLOD());
+}
 
 /// Three numbers from or to the caller's memory.
 template <class Number> std::array<Number, 3> ThreeOf(const Number* numbers) { return {numbers[0], numbers[1], numbers[2]}; }

@@ -25,6 +25,46 @@ std::vector<Triple> PointsAt(const Axes& axes, const double* coords, std::int64_
     return points;
 }
 
+// The lowest voxels of an environment: as flat as that, or not.
+VoxelModel<bool> OneColumnLike(const VoxelModel<bool>& voxels)
+{
+    const Extents& extents = voxels.ExtentsRef(voxels.FinestLOD());
+    Triple upper = extents.LowerIndices();
+    upper[2] = std::min(upper[2] + 1, extents.UpperIndices()[2]);
+    return VoxelModel<bool>(Extents(extents.AxesRef(), extents.LowerIndices(), upper, extents.VoxelLOD()), voxels.FinestLOD());
+}
+
+Extents WithLayerAbove(const VoxelModel<bool>& voxels, std::int64_t lod)
+{
+    return Enlarge(EmptyLike(voxels), 0, 0, 0, 0, 0, 1).ExtentsRef(lod);
+}
+
+double BytesOfCopy(const PathModel& model) { return BytesOfModel(SizeOf(model.TraversableVoxels(), model.VoxelLOD())); }
+
+double BytesToWalk(const PathModel& model)
+{
+    const VoxelModel<bool>& voxels = model.TraversableVoxels();
+    return brix::BytesToWalk(SizeOf(voxels, model.VoxelLOD()), static_cast<double>(CountFilled(voxels, model.VoxelLOD())));
+}
+
+double ReachableCount(const DistanceField& field)
+{
+    double count = 0;
+    field.ForEachReachable([&](const Triple&, std::int64_t) { ++count; });
+    return count;
+}
+
+// No more stacks than voxels, nor layers of them.
+double BytesToReach(const DistanceField& field)
+{
+    ModelSize size(field.ExtentsRef(), field.VoxelLOD());
+    const double count = ReachableCount(field);
+    size.filled = std::min(count, size.AllStacks());
+    size.stored = std::min(count, size.chunks);
+    size.layerBytes = std::min(count * 3 * ModelSize::BytesOfUniformStack, ModelSize::MostLayerBytes(size.filled));
+    return 2 * BytesOfModel(size);
+}
+
 void MakePointList(brix_list** result, std::vector<Triple>&& points, const Axes& axes)
 {
     MakeList(result, std::move(points), [axes](const Triple& point) { return axes.ToWorldCoordinates(point); });
@@ -36,7 +76,15 @@ std::int32_t brix_path_model_create(const brix_model* environment, std::int64_t 
                                     std::int64_t agent_height_offset, std::int32_t auto_adjust_extents, brix_path_model** result,
                                     brix_error* error)
 {
-    return Guarded(error, {environment, result}, "the path model", [&] {
+    const auto bytes = [&] {
+        const VoxelModel<bool>& voxels = VoxelsOf(environment);
+        const VoxelModel<bool> tried = OneColumnLike(voxels);
+        const PathModel model(tried, voxel_lod, agent_diameter_offset, agent_height_offset, false);
+        const ModelSize size = SizeOf(voxels, voxel_lod);
+        return BytesToStand(auto_adjust_extents == 0 ? size : Within(size, WithLayerAbove(voxels, voxel_lod)),
+                            agent_diameter_offset, agent_height_offset);
+    };
+    return Guarded(error, {environment, result}, "the path model", bytes, [&] {
         Make(result, environment->voxels,
              PathModel(VoxelsOf(environment), voxel_lod, agent_diameter_offset, agent_height_offset, auto_adjust_extents != 0));
     });
@@ -51,8 +99,9 @@ std::int32_t brix_path_model_environment(const brix_path_model* path_model, brix
 
 std::int32_t brix_path_model_traversable_voxels(const brix_path_model* path_model, brix_model** result, brix_error* error)
 {
-    return Guarded(error, {path_model, result}, "the traversable voxels",
-                   [&] { MakeModel(result, VoxelModel<bool>(path_model->pathModel.TraversableVoxels())); });
+    return Guarded(
+        error, {path_model, result}, "the traversable voxels", [&] { return BytesOfCopy(path_model->pathModel); },
+        [&] { MakeModel(result, VoxelModel<bool>(path_model->pathModel.TraversableVoxels())); });
 }
 
 std::int32_t brix_path_model_voxel_lod(const brix_path_model* path_model, std::int64_t* result, brix_error* error)
@@ -73,7 +122,12 @@ std::int32_t brix_path_model_agent_height_offset(const brix_path_model* path_mod
 std::int32_t brix_path_model_generate_sample_points(const brix_path_model* path_model, double spacing, std::int64_t min_diameter,
                                                     brix_list** result, brix_error* error)
 {
-    return Guarded(error, {path_model, result}, "the sample points", [&] {
+    const auto bytes = [&] {
+        const PathModel& model = path_model->pathModel;
+        model.RequireSampleGrid(model.TraversableVoxels().AxesRef().FromWorldDistance(spacing), min_diameter);
+        return BytesToWalk(model);
+    };
+    return Guarded(error, {path_model, result}, "the sample points", bytes, [&] {
         const PathModel& model = path_model->pathModel;
         const Axes& axes = model.TraversableVoxels().AxesRef();
         MakePointList(result, model.GenerateSamplePoints(axes.FromWorldDistance(spacing), min_diameter), axes);
@@ -85,7 +139,8 @@ std::int32_t brix_path_model_generate_sample_points(const brix_path_model* path_
 std::int32_t brix_distance_field_create(const brix_path_model* path_model, const double* sources, std::int64_t source_count,
                                         double max_distance, brix_distance_field** result, brix_error* error)
 {
-    return Guarded(error, {path_model, result}, "the distance field", [&] {
+    const auto bytes = [&] { return BytesToWalk(path_model->pathModel); };
+    return Guarded(error, {path_model, result}, "the distance field", bytes, [&] {
         const PathModel& model = path_model->pathModel;
         const Axes& axes = model.TraversableVoxels().AxesRef();
         Make(result, DistanceField(model, PointsAt(axes, sources, source_count), axes.FromWorldDistance(max_distance)));
@@ -122,14 +177,16 @@ std::int32_t brix_distance_field_farthest_voxel(const brix_distance_field* dista
 std::int32_t brix_distance_field_reachable_voxels(const brix_distance_field* distance_field, brix_model** result,
                                                   brix_error* error)
 {
-    return Guarded(error, {distance_field, result}, "the reachable voxels",
-                   [&] { MakeModel(result, distance_field->field.ReachableVoxels()); });
+    return Guarded(
+        error, {distance_field, result}, "the reachable voxels", [&] { return BytesToReach(distance_field->field); },
+        [&] { MakeModel(result, distance_field->field.ReachableVoxels()); });
 }
 
 std::int32_t brix_distance_field_reachable_within(const brix_distance_field* distance_field, double max_distance,
                                                   brix_model** result, brix_error* error)
 {
-    return Guarded(error, {distance_field, result}, "the reachable voxels", [&] {
+    const auto bytes = [&] { return max_distance < 0 ? 0.0 : BytesToReach(distance_field->field); };
+    return Guarded(error, {distance_field, result}, "the reachable voxels", bytes, [&] {
         const DistanceField& field = distance_field->field;
         MakeModel(result, field.ReachableVoxels(field.AxesRef().FromWorldDistance(max_distance)));
     });
@@ -137,7 +194,8 @@ std::int32_t brix_distance_field_reachable_within(const brix_distance_field* dis
 
 std::int32_t brix_distance_field_distances(const brix_distance_field* distance_field, brix_list** result, brix_error* error)
 {
-    return Guarded(error, {distance_field, result}, "the list of distances", [&] {
+    const auto bytes = [&] { return 3 * sizeof(std::array<double, 4>) * ReachableCount(distance_field->field); };
+    return Guarded(error, {distance_field, result}, "the list of distances", bytes, [&] {
         const DistanceField& field = distance_field->field;
         const Axes& axes = field.AxesRef();
         std::vector<std::array<double, 4>> distances;

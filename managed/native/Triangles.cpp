@@ -127,13 +127,15 @@ std::int32_t brix_detect_triangle_extents(const brix_axes* axes, const double* t
 
 std::int32_t brix_tessellate_voxel_model(const brix_model* model, std::int64_t voxel_lod, brix_list** result, brix_error* error)
 {
-    return Guarded(error, {model, result}, "the triangles of the voxel model",
+    const auto bytes = [&] { return BytesToTessellate(BitRunCount(VoxelsOf(model), voxel_lod)); };
+    return Guarded(error, {model, result}, "the triangles of the voxel model", bytes,
                    [&] { *result = new TessellationList(VoxelsOf(model), voxel_lod); });
 }
 
 std::int32_t brix_cuboidize_voxel_model(const brix_model* model, std::int64_t voxel_lod, brix_list** result, brix_error* error)
 {
-    return Guarded(error, {model, result}, "the boxes of the voxel model", [&] {
+    const auto bytes = [&] { return BytesToCuboidize(BitRunCount(VoxelsOf(model), voxel_lod)); };
+    return Guarded(error, {model, result}, "the boxes of the voxel model", bytes, [&] {
         const VoxelModel<bool>& voxels = VoxelsOf(model);
         MakeList(result, CuboidizeVoxelModel(voxels, voxel_lod), [axes = voxels.AxesRef(), voxel_lod](const VoxelCuboid& cuboid) {
             return ToWorldCuboid(cuboid, axes, voxel_lod);
@@ -143,7 +145,8 @@ std::int32_t brix_cuboidize_voxel_model(const brix_model* model, std::int64_t vo
 
 std::int32_t brix_solidize_voxel_model(const brix_model* model, std::int64_t voxel_lod, brix_list** result, brix_error* error)
 {
-    return Guarded(error, {model, result}, "the rectangles of the voxel model", [&] {
+    const auto bytes = [&] { return BytesToSolidize(BitRunCount(VoxelsOf(model), voxel_lod)); };
+    return Guarded(error, {model, result}, "the rectangles of the voxel model", bytes, [&] {
         const VoxelModel<bool>& voxels = VoxelsOf(model);
         MakeList(result, SolidizeVoxelModel(voxels, voxel_lod),
                  [axes = voxels.AxesRef(), voxel_lod](const VoxelRectangle& rectangle) {

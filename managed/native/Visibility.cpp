@@ -34,41 +34,70 @@ Triple DirectionInBaseUnits(const Axes& axes, const std::array<double, 3>& world
             std::llround((Product(turn.cos, y) - Product(turn.sin, x)) * scale), std::llround(z * scale)};
 }
 
+// see(model, autoAdjustExtents) of the engine, which sweeps the extents that swept() tells.
+template <class See, class Swept>
+std::int32_t Seen(const char* asked, std::initializer_list<const void*> needed, const See& see, const Swept& swept,
+                  const brix_model* model, std::int32_t autoAdjustExtents, brix_model** result, brix_error* error)
+{
+    const auto bytes = [&] {
+        see(OneVoxelLike(VoxelsOf(model)), false);
+        const Extents extents = swept(autoAdjustExtents != 0);
+        return BytesToSee(SizeOf(VoxelsOf(model), extents.VoxelLOD()), extents);
+    };
+    return Guarded(error, needed, asked, bytes, [&] { MakeModel(result, see(VoxelsOf(model), autoAdjustExtents != 0)); });
+}
+
+// The same from a point, see(model, point, radius, autoAdjustExtents).
+template <class See>
+std::int32_t SeenFrom(const char* asked, std::initializer_list<const void*> needed, const See& see, const brix_model* model,
+                      const double* pointCoords, std::int64_t lod, double maxRadius, std::int32_t autoAdjustExtents,
+                      brix_model** result, brix_error* error)
+{
+    const auto radius = [&] { return VoxelsOf(model).AxesRef().FromWorldDistance(maxRadius); };
+    return Seen(
+        asked, needed,
+        [&](const VoxelModel<bool>& voxels, bool autoAdjusts) {
+            return see(voxels, BaseUnits(model, pointCoords), radius(), autoAdjusts);
+        },
+        [&](bool autoAdjusts) {
+            return ExtentsSweptFromPoint(VoxelsOf(model), BaseUnits(model, pointCoords), lod, radius(), autoAdjusts);
+        },
+        model, autoAdjustExtents, result, error);
+}
+
 } // namespace
 
 std::int32_t brix_visibility_from_direction(const brix_model* model, const double* direction, std::int64_t voxel_lod,
                                             double threshold, brix_model** result, brix_error* error)
 {
-    return Guarded(error, {model, direction, result}, "what is visible along the direction", [&] {
-        const VoxelModel<bool>& voxels = VoxelsOf(model);
-        const Triple inBaseUnits = DirectionInBaseUnits(voxels.AxesRef(), ThreeOf(direction));
-        MakeModel(result, VisibilityFromDirection(voxels, inBaseUnits, voxel_lod, threshold));
-    });
+    const auto see = [&](const VoxelModel<bool>& voxels, bool) {
+        return VisibilityFromDirection(voxels, DirectionInBaseUnits(voxels.AxesRef(), ThreeOf(direction)), voxel_lod, threshold);
+    };
+    const auto swept = [&](bool) { return VoxelsOf(model).ExtentsRef(voxel_lod); };
+    return Seen("what is visible along the direction", {model, direction, result}, see, swept, model, 0, result, error);
 }
 
 std::int32_t brix_visibility_from_point(const brix_model* model, const double* point_coords, std::int64_t voxel_lod,
                                         double max_radius, double threshold, std::int32_t auto_adjust_extents,
                                         brix_model** result, brix_error* error)
 {
-    return Guarded(error, {model, point_coords, result}, "what is visible from the point", [&] {
-        const VoxelModel<bool>& voxels = VoxelsOf(model);
-        MakeModel(result,
-                  VisibilityFromPoint(voxels, BaseUnits(model, point_coords), voxel_lod,
-                                      voxels.AxesRef().FromWorldDistance(max_radius), threshold, auto_adjust_extents != 0));
-    });
+    const auto see = [&](const VoxelModel<bool>& voxels, const Triple& point, std::int64_t radius, bool autoAdjusts) {
+        return VisibilityFromPoint(voxels, point, voxel_lod, radius, threshold, autoAdjusts);
+    };
+    return SeenFrom("what is visible from the point", {model, point_coords, result}, see, model, point_coords, voxel_lod,
+                    max_radius, auto_adjust_extents, result, error);
 }
 
 std::int32_t brix_visibility_within_cone(const brix_model* model, const double* point_coords, const double* direction,
                                          double angle, std::int64_t voxel_lod, double max_radius, double threshold,
                                          std::int32_t auto_adjust_extents, brix_model** result, brix_error* error)
 {
-    return Guarded(error, {model, point_coords, direction, result}, "what is visible within the cone", [&] {
-        const VoxelModel<bool>& voxels = VoxelsOf(model);
-        const Axes& axes = voxels.AxesRef();
-        MakeModel(result, VisibilityWithinCone(voxels, BaseUnits(model, point_coords),
-                                               DirectionInBaseUnits(axes, ThreeOf(direction)), angle, voxel_lod,
-                                               axes.FromWorldDistance(max_radius), threshold, auto_adjust_extents != 0));
-    });
+    const auto see = [&](const VoxelModel<bool>& voxels, const Triple& point, std::int64_t radius, bool autoAdjusts) {
+        return VisibilityWithinCone(voxels, point, DirectionInBaseUnits(voxels.AxesRef(), ThreeOf(direction)), angle, voxel_lod,
+                                    radius, threshold, autoAdjusts);
+    };
+    return SeenFrom("what is visible within the cone", {model, point_coords, direction, result}, see, model, point_coords,
+                    voxel_lod, max_radius, auto_adjust_extents, result, error);
 }
 
 std::int32_t brix_visibility_within_pyramid(const brix_model* model, const double* point_coords, const double* direction,
@@ -76,12 +105,10 @@ std::int32_t brix_visibility_within_pyramid(const brix_model* model, const doubl
                                             double max_radius, double threshold, std::int32_t auto_adjust_extents,
                                             brix_model** result, brix_error* error)
 {
-    return Guarded(error, {model, point_coords, direction, result}, "what is visible within the pyramid", [&] {
-        const VoxelModel<bool>& voxels = VoxelsOf(model);
-        const Axes& axes = voxels.AxesRef();
-        MakeModel(result,
-                  VisibilityWithinPyramid(voxels, BaseUnits(model, point_coords), DirectionInBaseUnits(axes, ThreeOf(direction)),
-                                          horizontal_angle, vertical_angle, voxel_lod, axes.FromWorldDistance(max_radius),
-                                          threshold, auto_adjust_extents != 0));
-    });
+    const auto see = [&](const VoxelModel<bool>& voxels, const Triple& point, std::int64_t radius, bool autoAdjusts) {
+        return VisibilityWithinPyramid(voxels, point, DirectionInBaseUnits(voxels.AxesRef(), ThreeOf(direction)),
+                                       horizontal_angle, vertical_angle, voxel_lod, radius, threshold, autoAdjusts);
+    };
+    return SeenFrom("what is visible within the pyramid", {model, point_coords, direction, result}, see, model, point_coords,
+                    voxel_lod, max_radius, auto_adjust_extents, result, error);
 }

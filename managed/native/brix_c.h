@@ -79,6 +79,25 @@ typedef struct brix_error
 /* Frees the message and sets everything to zero. */
 BRIX_C_API void brix_error_clear(brix_error* error);
 
+/* ---- Memory limit ----
+ *
+ * The most bytes that one call may take beside what it is given, its result included; infinite at first, and the same for all
+ * threads. Operations on models, conversions, visibility and travel then estimate before the work what it takes at most
+ * (brix/operations/MemoryEstimates.h), and fail with BRIX_OUT_OF_MEMORY and a sentence that names both when that is more:
+ * "About 1.25 GB of memory would be needed for the expanded voxel model; the limit is 500 MB."
+ *
+ * Wrong arguments are told first, as without a limit; only that no source of a distance field stands on traversable ground is
+ * found out afterwards. Not estimated is what takes memory in proportion to lists or files that the caller hands over: meshes
+ * and STL files; and single voxels, frames, boxes and paths, which take little. An estimate looks at all stored stacks of the
+ * operands; without a limit nothing is estimated. */
+
+/* `bytes` may be infinite, for no limit; one that is negative or not a number is refused with BRIX_INVALID_ARGUMENT. */
+BRIX_C_API int32_t brix_set_memory_limit(double bytes, brix_error* error);
+BRIX_C_API int32_t brix_get_memory_limit(double* result, brix_error* error);
+
+/* For lists that the caller is about to make itself: fails as above when their bytes are more than the limit. */
+BRIX_C_API int32_t brix_require_memory_for_lists(double bytes, brix_error* error);
+
 /* ---- Frames: world coordinates, lattice and levels (brix/frame/Axes.h) ---- */
 
 typedef struct brix_axes brix_axes;

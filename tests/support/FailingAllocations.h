@@ -11,6 +11,18 @@ namespace brix::tests {
 std::int64_t AllocationCount();
 std::int64_t LiveAllocations();
 
+/// The most bytes that this thread has had at one moment since this was made, beside what it had then; each allocation counts for
+/// 16 bytes more than were asked for, as allocators need some themselves. Only the last one made counts.
+class PeakOfBytes
+{
+public:
+    PeakOfBytes();
+    std::int64_t Bytes() const;
+
+private:
+    std::int64_t before_;
+};
+
 /// While one of these lives, the n-th allocation of this thread (counted from 1) and all later ones fail.
 class FailingAllocations
 {

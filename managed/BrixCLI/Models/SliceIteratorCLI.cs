@@ -156,8 +156,10 @@ public sealed unsafe class SliceIteratorCLI : EngineObject
     {
         RowCounts size = Engine.Call<RowCounts>((counts, error) =>
             NativeMethods.brix_rows_size(rows, &counts->Rows, &counts->Length, error));
-        var lists = new List<List<bool>>(SizeLimits.ListLength(size.Rows, 1));
+        int rowCount = SizeLimits.ListLength(size.Rows, 1);
         int length = SizeLimits.ListLength(size.Length, 1);
+        MemoryLimitCLI.RequireForLists(2.0 * rowCount * (length + 64.0)); // SliceBools has arrays beside the lists
+        var lists = new List<List<bool>>(rowCount);
         for (long row = 0; row < size.Rows; ++row) {
             // The engine writes a byte of 0 or 1 per voxel, which is what the runtime keeps for a bool.
             lists.Add(NumberLists.Filled<bool>(length, items => Engine.Call<int>(

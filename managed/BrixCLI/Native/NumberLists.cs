@@ -48,7 +48,9 @@ internal static unsafe class NumberLists
         try {
             ListSize size = SizeOf(list);
             requireCount?.Invoke(size.ItemCount);
-            return Filled<double>(SizeLimits.ListLength(size.ItemCount, size.Width), items => Engine.Call<int>(
+            int length = SizeLimits.ListLength(size.ItemCount, size.Width);
+            MemoryLimitCLI.RequireForLists((double)length * sizeof(double));
+            return Filled<double>(length, items => Engine.Call<int>(
                 (_, error) => NativeMethods.brix_list_copy(list, 0, size.ItemCount, items, error)));
         } finally {
             NativeMethods.brix_list_free(list);

@@ -1,0 +1,22 @@
+// How large the model of triangles will be, and what it takes to make it, estimated from the triangles alone.
+#pragma once
+
+#include "../model/ModelSize.h"
+#include "Triangle.h"
+
+#include <span>
+
+namespace brix {
+
+/// The size of the model of triangles on extents: the chunks that small triangles touch are counted; for larger ones, and for
+/// stacks and their layers, areas and edges tell. Nearly always too high, as many triangles share a stack.
+/// Throws std::domain_error when the finest level is negative or not less than 6. Cost: a pass over the triangles, as for the
+/// others.
+ModelSize SizeOfVoxels(const Extents& extents, std::span<const WorldTriangle> triangles, std::int64_t finestLOD);
+
+/// Bytes that Voxelize takes at most beside its triangles, its result, of this size, included; or, when triangles are filed
+/// first, TriangleModel and VoxelizeTriangleModel.
+double BytesToVoxelize(const ModelSize& size, const Axes& axes, std::span<const WorldTriangle> triangles);
+double BytesToFileAndVoxelize(const ModelSize& size, const Axes& axes, std::span<const WorldTriangle> triangles);
+
+} // namespace brix
