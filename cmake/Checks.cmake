@@ -13,7 +13,7 @@ if(BRIX_BASH)
         if(BRIX_BUILD_C_INTERFACE)
             add_test(NAME CInterface.ExportsNothingElse
                 COMMAND "${BRIX_BASH}" "${PROJECT_SOURCE_DIR}/tools/dev/check-exports" "$<TARGET_FILE:brix_c>"
-                    "${PROJECT_SOURCE_DIR}/managed/native/brix_c.h" "${CMAKE_NM}")
+                    "${PROJECT_SOURCE_DIR}/bindings/c/brix_c.h" "${CMAKE_NM}")
         endif()
     endif()
 endif()

@@ -1,13 +1,13 @@
 # Tests of the NuGet package (label package), when the class library is built: tools/dev/pack-nuget makes a package for this system
 # alone, and tests/package/check uses it. Included by tests/CMakeLists.txt.
-if(NOT COMMAND brix_add_managed_tests OR NOT BRIX_BASH OR NOT CMAKE_SYSTEM_NAME STREQUAL "Linux"
+if(NOT COMMAND brix_add_dotnet_tests OR NOT BRIX_BASH OR NOT CMAKE_SYSTEM_NAME STREQUAL "Linux"
     OR NOT CMAKE_SYSTEM_PROCESSOR STREQUAL "x86_64")
     return()
 endif()
 
 # The library with the next ABI version. Only Errors.cpp knows the number; the other objects are those of this version.
 math(EXPR next "${BRIX_ABI_VERSION} + 1")
-set(native "${PROJECT_SOURCE_DIR}/managed/native")
+set(native "${PROJECT_SOURCE_DIR}/bindings/c")
 set(sources "${CMAKE_CURRENT_BINARY_DIR}/next")
 file(READ "${native}/brix_c.h" header)
 string(REPLACE "#define BRIX_ABI_VERSION ${BRIX_ABI_VERSION}\n" "#define BRIX_ABI_VERSION ${next}\n" header "${header}")

@@ -1,7 +1,8 @@
 // Voxels from and to the memory of hosts: a byte for each, as images and arrays of other libraries have them.
 //
-//   bytes[x - lower.x + strides.y * (y - lower.y) + strides.z * (z - lower.z)]      0: empty; written as 1, read as anything else:
-//                                                                                   filled
+//   bytes[x - lower.x + strides.y * (y - lower.y) + strides.z * (z - lower.z)]
+//
+// is the byte of voxel (x, y, z) in a box: 0 for an empty one; 1 is written for a filled one, and anything but 0 is read as that.
 #pragma once
 
 #include "VoxelModel.h"

@@ -2,6 +2,9 @@
 // contents apart that differ by chance; it does not withstand somebody who wants two of them to have one hash.
 #pragma once
 
+#include "../frame/Compiler.h"
+
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstddef>

@@ -54,7 +54,7 @@ public:
     // The heights that it passes while it crosses a stack. A level or an upright triangle leaves most of them alike.
     double HeightsPassed() const
     {
-        const double upright = std::hypot(areas_[0], areas_[1]);
+        const double upright = std::sqrt(areas_[0] * areas_[0] + areas_[1] * areas_[1]);
         return areas_[2] < 1e-9 * upright ? 0 : std::min(64.0, 16 * upright / areas_[2]);
     }
 

@@ -1,4 +1,4 @@
-// A host of the package, as a user would write it. It does what tests/native/host.c does, and prints the same lines: whichever
+// A host of the package, as a user would write it. It does what bindings/c/tests/host.c does, and prints the same lines: whichever
 // way the package reached this program, they have to be equal to those of the C program.
 using System;
 using System.Collections.Generic;

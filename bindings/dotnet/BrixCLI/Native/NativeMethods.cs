@@ -1,4 +1,4 @@
-// The C interface, managed/native/brix_c.h, line by line: same order, same names. Only types that cross without marshalling: a
+// The C interface, bindings/c/brix_c.h, line by line: same order, same names. Only types that cross without marshalling: a
 // handle is an IntPtr, a boolean an int, three numbers a pointer to a triple.
 //
 // DllImport and not LibraryImport: for such types both are the same direct call, and LibraryImport does not exist below .NET 7.

@@ -57,7 +57,7 @@ internal struct Ray
     internal PointTriple Point, Direction;
 }
 
-// The managed layer's own checks, and the only place where their sentences are built.
+// The class library's own checks, and the only place where their sentences are built.
 internal static class Arguments
 {
     internal static Exception Null(string parameter) => new Exception("The argument " + parameter + " cannot be null.");
