@@ -1,6 +1,7 @@
 """Runs what the documents tell their readers to type, as it stands there, in order, in a fresh folder for each document: the command lines
 of README.md and docs/*.md, and the examples that the program prints. Each must succeed, and the files that it names must be there
-afterwards, and not be blank. The C++ and CMake lines of README.md are built as they are printed.
+afterwards, and not be blank. The C++ and CMake lines of README.md
+and the C program of docs/c.md are built as they are printed.
 
   commands_tests.py BUILD_FOLDER BRIX --with-hosts|--without-hosts     with: the build can be installed, and hosts linked to it
 """
@@ -180,6 +181,11 @@ class Commands(unittest.TestCase):
         self.environment["LD_LIBRARY_PATH"] = str(next((self.folder / "PLACE").rglob("brix.pc")).parents[1])
         self.call(f"{line} && ./a.out")
         self.assert_is_not_blank(self.folder / "voxels.stl", line)
+
+        text = (ROOT / "docs/c.md").read_text(encoding="utf-8")
+        (self.folder / "host.c").write_text({language: "\n".join(lines) + "\n" for language, lines in blocks_of(text)}["c"], encoding="utf-8")
+        line = re.search(r"`(gcc [^`]*)`", text)[1]
+        self.assertRegex(self.call(f"{line} && ./a.out"), r"^[1-9]\d+ voxels\n$")
 
 
 BUILD, BRIX = (pathlib.Path(argument).resolve() for argument in sys.argv[1:3])
