@@ -253,8 +253,15 @@ private:
     Bytes bytes_;
 };
 
+// Room for the layers of a stack, used again and again.
+struct Layers
+{
+    std::array<std::uint8_t, static_cast<std::size_t>(StackHeight)> offsets{};
+    std::array<Plate, static_cast<std::size_t>(StackHeight)> plates;
+};
+
 // Gives the code that it begins with.
-std::uint8_t ReadStack(RecordReader& reader, Stack& stack, const OffsetBox& inside)
+std::uint8_t ReadStack(RecordReader& reader, Layers& layers, Stack& stack, const OffsetBox& inside)
 {
     const auto count = reader.Take<std::uint8_t>();
     if (count == EmptyStackCode) return count;
@@ -263,13 +270,12 @@ std::uint8_t ReadStack(RecordReader& reader, Stack& stack, const OffsetBox& insi
         return count;
     }
     RequireSound(count <= StackHeight);
-    std::array<std::uint8_t, static_cast<std::size_t>(StackHeight)> offsets{};
+    auto& [offsets, plates] = layers;
     const Bytes starts = reader.Take(std::size_t{count} - 1);
     std::copy(starts.begin(), starts.end(), offsets.begin() + 1);
     RequireSound(std::adjacent_find(offsets.begin(), offsets.begin() + count, std::greater_equal<>()) ==
                      offsets.begin() + count &&
                  offsets[std::size_t{count} - 1] < StackHeight);
-    std::array<Plate, static_cast<std::size_t>(StackHeight)> plates;
     std::memcpy(plates.data(), reader.Take(count * sizeof(Plate)).data(), count * sizeof(Plate));
     RequireSound(std::adjacent_find(plates.begin(), plates.begin() + count) == plates.begin() + count);
     stack.Assign({plates.data(), count}, {offsets.data(), count});
@@ -278,7 +284,7 @@ std::uint8_t ReadStack(RecordReader& reader, Stack& stack, const OffsetBox& insi
     return count;
 }
 
-void ReadStore(RecordReader& reader, Kind kind, Store& store)
+void ReadStore(RecordReader& reader, Layers& layers, Kind kind, Store& store)
 {
     if (kind == Kind::Empty) return;
     if (kind == Kind::Full && store.SharesFullStacks()) return store.MakeUniform(true);
@@ -289,7 +295,7 @@ void ReadStore(RecordReader& reader, Kind kind, Store& store)
         if (kind == Kind::Full)
             stack = FullStack(store.Inside(ij));
         else
-            codes.Add(ReadStack(reader, stack, store.Inside(ij)));
+            codes.Add(ReadStack(reader, layers, stack, store.Inside(ij)));
     });
     RequireSound(kind == Kind::Full || codes.KindOfAll() == Kind::Stacks);
 }
@@ -301,7 +307,7 @@ bool IsBefore(const Triple& a, const Triple& b)
 }
 
 // Gives the chunk's indices.
-Triple ReadChunk(RecordReader reader, VoxelModel<bool>& model)
+Triple ReadChunk(RecordReader reader, Layers& layers, VoxelModel<bool>& model)
 {
     Triple chunkIndices{};
     for (std::int64_t& index : chunkIndices) index = reader.Take<std::int16_t>();
@@ -310,7 +316,7 @@ Triple ReadChunk(RecordReader reader, VoxelModel<bool>& model)
     RequireSound(std::any_of(kinds.begin(), kinds.end(), [](std::uint8_t kind) { return kind != 0; }));
     VoxelChunk<bool>& chunk = model.ChunkRef(chunkIndices);
     for (std::int64_t lod = 0; lod <= model.FinestLOD(); ++lod)
-        ReadStore(reader, static_cast<Kind>(kinds[static_cast<std::size_t>(lod)]), chunk.VoxelStoreRef(lod));
+        ReadStore(reader, layers, static_cast<Kind>(kinds[static_cast<std::size_t>(lod)]), chunk.VoxelStoreRef(lod));
     RequireSound(reader.IsAtEnd());
     return chunkIndices;
 }
@@ -354,10 +360,11 @@ template <class Take> VoxelModel<bool> Read(const Take& take)
         return bytes;
     };
     VoxelModel<bool> model = ReadHeader(takeHashed(HeaderSize));
+    const auto layers = std::make_unique<Layers>();
     Triple last = Minus(model.LowerChunkIndices(), {1, 1, 1});
     while (const auto length = RecordReader(takeHashed(sizeof(std::uint32_t))).Take<std::uint32_t>()) {
         RequireSound(LeastRecordSize <= length && length <= MostRecordSize);
-        const Triple chunk = ReadChunk(RecordReader(takeHashed(length)), model);
+        const Triple chunk = ReadChunk(RecordReader(takeHashed(length)), *layers, model);
         RequireSound(IsBefore(last, chunk));
         last = chunk;
     }
@@ -381,6 +388,7 @@ void SaveModel(const VoxelModel<bool>& model, std::ostream& stream)
 std::vector<std::uint8_t> SaveModel(const VoxelModel<bool>& model)
 {
     std::vector<std::uint8_t> saved;
+    saved.reserve(HeaderSize + model.AllocatedBytes()); // more than enough
     const auto put = [&](Bytes bytes) { saved.insert(saved.end(), bytes.begin(), bytes.end()); };
     const Hash128 hash = Write(model, put);
     put(hash);
