@@ -1,46 +1,26 @@
-// The first model: triangles of an STL file become voxels, the voxels are counted and written as triangles again.
-//
-//   FirstModel house.stl voxels.stl
+// The first model, as README.md shows it: triangles of an STL file become voxels, which are counted, saved, and written as
+// triangles again.
 #include <brix.h>
 
-#include <exception>
+#include <fstream>
 #include <iostream>
 
-namespace {
-
-std::int64_t CountVoxels(const brix::VoxelModel<bool>& model, std::int64_t lod)
+int main()
 {
-    std::int64_t filled = 0;
-    const brix::Extents& extents = model.ExtentsRef(lod);
-    brix::ForEachTriple(extents.LowerIndices(), extents.UpperIndices(),
-                        [&](const brix::Triple& voxel) { filled += model.FindVoxel(voxel, lod).Value(); });
-    return filled;
-}
+    const brix::Axes axes(1.6, {0, 0, 0}, 0, 4); // voxels 1.6 wide at level 0, 0.1 at level 4; as high as those of level 4
+    const std::vector<brix::WorldTriangle> triangles = brix::LoadTrianglesFromSTL("house.stl", false);
+    const brix::VoxelModel<bool> house = brix::Voxelize(axes, triangles, 4); // levels 0 to 4
+    std::cout << brix::CountFilled(house, 4) << " voxels of 0.1 m\n";
 
-void Voxelize(const char* input, const char* output)
-{
-    const std::int64_t finestLOD = 4;
-    const brix::Axes axes(1.6, {0, 0, 0}, 0, finestLOD); // level 0: 1.6 wide; level 4: 0.1 wide; all 0.1 high
-    std::vector<brix::WorldTriangle> triangles = brix::LoadTrianglesFromSTL(input, false);
+    std::int64_t longest = 0; // rows of voxels that are filled, without a list of them
+    brix::ForEachFilledRun(house, 4,
+                           [&](const brix::FilledRun& run) { longest = std::max(longest, run.upperX - run.lowerX + 1); });
+    std::cout << "the longest run has " << longest << '\n';
 
-    const brix::VoxelModel<bool> model = brix::Voxelize(axes, triangles, finestLOD);
-    std::cout << CountVoxels(model, finestLOD) << " voxels are filled\n";
+    std::ofstream file("house.brix", std::ios::binary);
+    brix::SaveModel(house, file); // brix::LoadModel reads it again
 
-    triangles.clear();
-    brix::TessellateVoxelModel(triangles, model, finestLOD);
-    brix::SaveTrianglesToBinarySTL(output, triangles, false);
-}
-
-} // namespace
-
-int main(int argc, char** argv)
-{
-    try {
-        if (argc == 3) return Voxelize(argv[1], argv[2]), 0;
-        std::cerr << "usage: FirstModel IN.stl OUT.stl\n";
-        return 2;
-    } catch (const std::exception& error) {
-        std::cerr << error.what() << '\n';
-        return 1;
-    }
+    std::vector<brix::WorldTriangle> boxes;
+    brix::TessellateVoxelModel(boxes, house, 2); // of the voxels of level 2, 0.4 wide
+    brix::SaveTrianglesToBinarySTL("voxels.stl", boxes, false);
 }

@@ -166,6 +166,7 @@ class Commands(unittest.TestCase):
             self.skipTest("this build is not for hosts")
         text = (ROOT / "README.md").read_text(encoding="utf-8")
         code = {language: "\n".join(lines) + "\n" for language, lines in blocks_of(text)}
+        self.assertIn(code["cpp"], (ROOT / "examples/cpp/FirstModel.cpp").read_text(encoding="utf-8"), "the sample is the example")
         (self.folder / "host.cpp").write_text(code["cpp"], encoding="utf-8")
         (self.folder / "CMakeLists.txt").write_text("cmake_minimum_required(VERSION 3.25)\nproject(host CXX)\nadd_executable(host host.cpp)\n"
                                                     + code["cmake"], encoding="utf-8")
