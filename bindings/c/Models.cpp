@@ -86,6 +86,21 @@ std::int32_t brix_voxelize(const brix_axes* axes, const double* triangles, std::
                    [&] { MakeModel(result, Voxelize(axes->axes, SpanOf(triangles, triangle_count), finest_lod)); });
 }
 
+std::int32_t brix_voxelize_mesh(const brix_axes* axes, const double* vertices, std::int64_t vertex_count,
+                                const std::int32_t* indices, std::int64_t triangle_count, std::int64_t finest_lod,
+                                brix_model** result, brix_error* error)
+{
+    return Guarded(error, {axes, result}, "the voxel model of the mesh", [&] {
+        RequireItems(vertices, vertex_count, 3, "triangle mesh vertices");
+        RequireItems(indices, triangle_count, 3, "triangles");
+        const std::span points(reinterpret_cast<const std::array<double, 3>*>(vertices), static_cast<std::size_t>(vertex_count));
+        for (std::int64_t i = 0; i < 3 * triangle_count; ++i) RequireVertexIndex(indices[i], points.size());
+        const std::span triangles(reinterpret_cast<const std::array<std::uint32_t, 3>*>(indices),
+                                  static_cast<std::size_t>(triangle_count));
+        MakeModel(result, Voxelize(axes->axes, points, triangles, finest_lod));
+    });
+}
+
 void brix_model_free(brix_model* model) { delete model; }
 
 std::int32_t brix_model_axes(const brix_model* model, brix_axes** result, brix_error* error)
@@ -111,6 +126,18 @@ std::int32_t brix_are_filled(const brix_model* model, const std::int64_t* voxel_
         RequireItems(result, voxel_count, 1, "voxels");
         const auto count = static_cast<std::size_t>(voxel_count);
         AreFilled(VoxelsOf(model), voxel_lod, {reinterpret_cast<const Triple*>(voxel_indices), count},
+                  {reinterpret_cast<bool*>(result), count});
+    });
+}
+
+std::int32_t brix_are_filled_at(const brix_model* model, const double* points, std::int64_t point_count, std::int64_t voxel_lod,
+                                std::uint8_t* result, brix_error* error)
+{
+    return Guarded(error, {model}, [&] {
+        RequireItems(points, point_count, 3, "points");
+        RequireItems(result, point_count, 1, "points");
+        const auto count = static_cast<std::size_t>(point_count);
+        AreFilled(VoxelsOf(model), voxel_lod, std::span(reinterpret_cast<const std::array<double, 3>*>(points), count),
                   {reinterpret_cast<bool*>(result), count});
     });
 }

@@ -53,6 +53,11 @@ struct brix_models
     std::vector<SharedVoxels> voxels;
 };
 
+struct brix_bytes
+{
+    std::vector<std::uint8_t> bytes;
+};
+
 struct brix_path_model
 {
     SharedVoxels environment; // keeps alive what the path model refers to

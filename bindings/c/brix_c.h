@@ -60,7 +60,7 @@ typedef enum brix_status
     BRIX_OK = 0,
     BRIX_INVALID_ARGUMENT = 1, /* an argument breaks a rule (std::domain_error) */
     BRIX_OUT_OF_RANGE = 2,     /* an iterator that points outside its model was used (std::out_of_range) */
-    BRIX_FILE_FAILURE = 3,     /* a file cannot be read or written (std::runtime_error) */
+    BRIX_FILE_FAILURE = 3,     /* a file, or a saved model, cannot be read or written (std::runtime_error) */
     BRIX_OUT_OF_MEMORY = 4,    /* there is not enough memory for what the message names; nothing is lost but the result */
     BRIX_NULL_ARGUMENT = 5,    /* a required pointer is NULL */
     BRIX_FAILURE = 6           /* anything else */
@@ -211,6 +211,9 @@ BRIX_C_API int32_t brix_model_from_triangles(const double* triangles, int64_t tr
  * the voxels touched, and not the box (brix/triangles/Voxelize.h). */
 BRIX_C_API int32_t brix_voxelize(const brix_axes* axes, const double* triangles, int64_t triangle_count, int64_t finest_lod,
                                  brix_model** result, brix_error* error);
+/* The same from three doubles per vertex and three indices per triangle. The memory limit does not ask for it. */
+BRIX_C_API int32_t brix_voxelize_mesh(const brix_axes* axes, const double* vertices, int64_t vertex_count, const int32_t* indices,
+                                      int64_t triangle_count, int64_t finest_lod, brix_model** result, brix_error* error);
 BRIX_C_API void brix_model_free(brix_model* model);
 
 BRIX_C_API int32_t brix_model_axes(const brix_model* model, brix_axes** result, brix_error* error);
@@ -221,6 +224,35 @@ BRIX_C_API int32_t brix_model_finest_lod(const brix_model* model, int64_t* resul
  * one (brix/model/AreFilled.h). */
 BRIX_C_API int32_t brix_are_filled(const brix_model* model, const int64_t* voxel_indices, int64_t voxel_count, int64_t voxel_lod,
                                    uint8_t* result, brix_error* error);
+/* The same for the voxels that hold points, three world coordinates each. */
+BRIX_C_API int32_t brix_are_filled_at(const brix_model* model, const double* points, int64_t point_count, int64_t voxel_lod,
+                                      uint8_t* result, brix_error* error);
+
+/* ---- Voxels and models as bytes (brix/model/VoxelArrays.h, brix/storage/SavedModel.h) ---- */
+
+/* A byte for each voxel of a box at its level, x fastest, then y, then z: 1 where it is filled, 0 where it is not or lies outside
+ * the model. `byte_count` is the number of the box's voxels. */
+BRIX_C_API int32_t brix_copy_voxels(const brix_model* model, const brix_extents* box, uint8_t* bytes, int64_t byte_count,
+                                    brix_error* error);
+/* The way back: a model on the extents, filled where a byte is not 0; all levels 0 to `finest_lod` follow from those of the
+ * extents. */
+BRIX_C_API int32_t brix_model_from_voxels(const brix_extents* extents, const uint8_t* bytes, int64_t byte_count,
+                                          int64_t finest_lod, brix_model** result, brix_error* error);
+
+/* Bytes of any number; `copy` writes any part of them to the caller's memory. */
+typedef struct brix_bytes brix_bytes;
+
+BRIX_C_API void brix_bytes_free(brix_bytes* bytes);
+BRIX_C_API int32_t brix_bytes_size(const brix_bytes* bytes, int64_t* result, brix_error* error);
+BRIX_C_API int32_t brix_bytes_copy(const brix_bytes* bytes, int64_t first_byte, int64_t byte_count, uint8_t* destination,
+                                   brix_error* error);
+
+/* A model as bytes that docs/format.md describes, the same for equal models on every platform; and back, where anything else is
+ * refused with BRIX_FILE_FAILURE. */
+BRIX_C_API int32_t brix_save_model(const brix_model* model, brix_bytes** result, brix_error* error);
+BRIX_C_API int32_t brix_load_model(const uint8_t* bytes, int64_t byte_count, brix_model** result, brix_error* error);
+/* The last 16 bytes of what saving would write: a hash of frame, extents, levels and voxels. */
+BRIX_C_API int32_t brix_content_hash(const brix_model* model, uint8_t* result_16, brix_error* error);
 
 /* ---- Single voxels (brix/model/VoxelIterator.h) ---- */
 

@@ -2,6 +2,7 @@
 // the engine's function of its name with its arguments in order.
 #include "Objects.h"
 
+#include "model/VoxelArrays.h"
 #include "operations/AutoSplit.h"
 #include "operations/BasicOperations.h"
 #include "operations/DensityMap.h"
@@ -10,12 +11,14 @@
 #include "operations/SliceRows.h"
 #include "operations/SolidOperations.h"
 #include "operations/SurfaceOperations.h"
+#include "storage/SavedModel.h"
 #include "support/FailingAllocations.h"
 #include "support/Messages.h"
 #include "travel/Path.h"
 #include "triangles/Cuboidization.h"
 #include "triangles/Solidization.h"
 #include "triangles/Tessellation.h"
+#include "triangles/TriangleMesh.h"
 #include "triangles/Voxelization.h"
 #include "triangles/Voxelize.h"
 #include "visibility/Visibility.h"
@@ -284,6 +287,51 @@ TEST_F(CInterface, VoxelizesInOneStepAndLooksUpManyVoxelsAtOnce)
         EXPECT_EQ(FailureOf(brix_are_filled, model.get(), places.front().data(), wrong, 3, filled.data()).status,
                   BRIX_INVALID_ARGUMENT);
     }
+}
+
+TEST_F(CInterface, MovesVoxelsAndModelsThroughMemory)
+{
+    const auto extents = Get<brix_extents*>(brix_model_extents, cModel_.get(), 2);
+    std::vector<std::uint8_t> expected(DenseSize(model_.ExtentsRef(2)));
+    CopyVoxels(model_, model_.ExtentsRef(2), expected);
+    std::vector<std::uint8_t> bytes(expected.size(), 7);
+    const std::int64_t size = std::ssize(bytes);
+    ASSERT_EQ(brix_copy_voxels(cModel_.get(), extents.get(), bytes.data(), size, nullptr), BRIX_OK);
+    EXPECT_EQ(bytes, expected);
+    EXPECT_EQ(FailureOf(brix_copy_voxels, cModel_.get(), extents.get(), bytes.data(), size - 1).status, BRIX_INVALID_ARGUMENT);
+    EXPECT_EQ(FailureOf(brix_copy_voxels, cModel_.get(), extents.get(), bytes.data(), std::int64_t{-1}).status,
+              BRIX_INVALID_ARGUMENT);
+    const auto made = Get<brix_model*>(brix_model_from_voxels, extents.get(), bytes.data(), size, 3);
+    ExpectSame(ModelFromVoxels(model_.ExtentsRef(2), expected, 3), made.get(), "brix_model_from_voxels");
+
+    const auto saved = Get<brix_bytes*>(brix_save_model, cModel_.get());
+    const auto savedSize = Get<std::int64_t>(brix_bytes_size, saved.get());
+    bytes.assign(static_cast<std::size_t>(savedSize), 0);
+    ASSERT_EQ(brix_bytes_copy(saved.get(), 0, 10, bytes.data(), nullptr), BRIX_OK);
+    ASSERT_EQ(brix_bytes_copy(saved.get(), 10, savedSize - 10, bytes.data() + 10, nullptr), BRIX_OK);
+    EXPECT_EQ(bytes, SaveModel(model_));
+    EXPECT_EQ(FailureOf(brix_bytes_copy, saved.get(), 10, savedSize - 9, bytes.data()).status, BRIX_INVALID_ARGUMENT);
+    ExpectSame(model_, Get<brix_model*>(brix_load_model, bytes.data(), savedSize).get(), "brix_load_model");
+    std::array<std::uint8_t, 16> hash{};
+    ASSERT_EQ(brix_content_hash(cModel_.get(), hash.data(), nullptr), BRIX_OK);
+    EXPECT_TRUE(std::equal(hash.begin(), hash.end(), bytes.end() - 16));
+    bytes.back() ^= 1;
+    brix_model* damaged = nullptr;
+    EXPECT_EQ(FailureOf(brix_load_model, bytes.data(), savedSize, &damaged).status, BRIX_FILE_FAILURE);
+
+    const TriangleMesh mesh(triangles_);
+    std::vector<std::int32_t> corners;
+    for (const auto& triangle : mesh.IndexedTrianglesRef()) {
+        for (const std::int64_t corner : triangle) corners.push_back(static_cast<std::int32_t>(corner));
+    }
+    const auto fromMesh = Get<brix_model*>(brix_voxelize_mesh, cAxes_.get(), mesh.VerticesRef().front().data(),
+                                           std::ssize(mesh.VerticesRef()), corners.data(), count_, 3);
+    ExpectSame(Voxelize(axes_, triangles_, 3), fromMesh.get(), "brix_voxelize_mesh");
+    std::array<std::uint8_t, 2> filled{7, 7};
+    const std::array<double, 6> points{triangles_[0][0][0], triangles_[0][0][1], triangles_[0][0][2], 1e6, 0, 0};
+    ASSERT_EQ(brix_are_filled_at(fromMesh.get(), points.data(), 2, 3, filled.data(), nullptr), BRIX_OK);
+    EXPECT_EQ(filled[0], 1);
+    EXPECT_EQ(filled[1], 0);
 }
 
 TEST_F(CInterface, CopiesResultsWholeOrInParts)

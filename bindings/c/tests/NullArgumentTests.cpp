@@ -21,7 +21,7 @@ using brix::tests::Free;
 
 // An object of each type, or a place for a result of it.
 using Objects = std::tuple<brix_axes*, brix_extents*, brix_model*, brix_models*, brix_iterator*, brix_list*, brix_mesh*,
-                           brix_rows*, brix_path_model*, brix_distance_field*, brix_path*>;
+                           brix_rows*, brix_path_model*, brix_distance_field*, brix_path*, brix_bytes*>;
 
 class NullArguments : public ::testing::Test
 {
@@ -31,7 +31,7 @@ protected:
     {
         const double floor[9] = {0, 0, 0, 3, 0, 0, 0, 3, 0};
         brix_error* const error = nullptr;
-        auto& [axes, extents, model, models, iterator, list, mesh, rows, pathModel, field, path] = objects_;
+        auto& [axes, extents, model, models, iterator, list, mesh, rows, pathModel, field, path, bytes] = objects_;
         EXPECT_EQ(brix_axes_create(1, numbers_.data(), 0, 1, &axes, error), BRIX_OK);
         EXPECT_EQ(brix_detect_triangle_extents(axes, floor, 1, &extents, error), BRIX_OK);
         EXPECT_EQ(brix_model_from_triangles(floor, 1, extents, 1, &model, error), BRIX_OK);
@@ -43,6 +43,7 @@ protected:
         EXPECT_EQ(brix_path_model_create(model, 1, 1, 2, 1, &pathModel, error), BRIX_OK);
         EXPECT_EQ(brix_distance_field_create(pathModel, point_.data(), 1, 1e3, &field, error), BRIX_OK);
         EXPECT_EQ(brix_path_create(field, point_.data(), &path, error), BRIX_OK);
+        EXPECT_EQ(brix_save_model(model, &bytes, error), BRIX_OK);
     }
 
     ~NullArguments() override
@@ -96,6 +97,7 @@ private:
     const double* Given(const double*, Objects&, brix_error&) { return numbers_.data(); }
     const std::int64_t* Given(const std::int64_t*, Objects&, brix_error&) { return indices_.data(); }
     const std::int32_t* Given(const std::int32_t*, Objects&, brix_error&) { return corners_.data(); }
+    const std::uint8_t* Given(const std::uint8_t*, Objects&, brix_error&) { return bytesOut_.data(); }
     const char* Given(const char*, Objects&, brix_error&) { return path_.data(); }
     double* Given(double*, Objects&, brix_error&) { return numbersOut_.data(); }
     std::int64_t* Given(std::int64_t*, Objects&, brix_error&) { return indicesOut_.data(); }

@@ -57,6 +57,56 @@ public class ModelTests
         Assert.StartsWith("The finest level of detail", MessageOf(() => VoxelModelCLI.Voxelize(triangles, axes, 6)));
     }
 
+    [Fact]
+    public void MovesVoxelsAndModelsThroughArraysAndStreams()
+    {
+        using VoxelModelCLI model = Model((38, -4, 0), (44, 3, 9), (40, -1, 7), (42, 3, 9));
+        using ExtentsCLI box = Extents((39, -2, 6), (46, 3, 8));
+        byte[] voxels = model.CopyVoxels(box);
+        Assert.Equal(8 * 6 * 3, voxels.Length);
+        Assert.Equal([1 * 48 + 1 * 8 + 1], Enumerable.Range(0, voxels.Length).Where(i => voxels[i] == 1));
+        using (VoxelModelCLI copy = VoxelModelCLI.FromVoxels(box, voxels, 5)) Assert.Equal([(40, -1, 7)], Read(copy).Filled);
+        Assert.Equal([true, false], model.AreFilledAt([.. Centre((42, 3, 9)), .. Centre((42, 3, 8))], 5));
+
+        byte[] saved = model.Save();
+        using var stream = new MemoryStream();
+        model.Save(stream);
+        Assert.Equal(saved, stream.ToArray());
+        stream.Position = 0;
+        using (VoxelModelCLI loaded = VoxelModelCLI.Load(stream)) {
+            Assert.Equal(Read(model).ToString(), Read(loaded).ToString());
+            Assert.Equal(model.ContentHash(), loaded.ContentHash());
+        }
+        using (VoxelModelCLI loaded = VoxelModelCLI.Load(saved)) Assert.Equal(saved[^16..], loaded.ContentHash());
+
+        Assert.Equal("The saved voxel model is cut off.", MessageOf(() => VoxelModelCLI.Load([])));
+        Assert.Equal("The saved voxel model is cut off.", MessageOf(() => VoxelModelCLI.Load(new MemoryStream())));
+        saved[60] ^= 1;
+        Assert.Equal("The saved voxel model is damaged.", MessageOf(() => VoxelModelCLI.Load(saved)));
+        Assert.Equal("There must be as many bytes as the box has voxels.",
+            MessageOf(() => VoxelModelCLI.FromVoxels(box, [1], 5)));
+        Assert.Equal("The array of voxels cannot be null.", MessageOf(() => VoxelModelCLI.FromVoxels(box, null!, 5)));
+        Assert.Equal("The stream cannot be null.", MessageOf(() => model.Save(null!)));
+        var closed = new MemoryStream();
+        closed.Dispose();
+        Assert.StartsWith("The voxel model cannot be written to the stream. ", MessageOf(() => model.Save(closed)));
+        Assert.StartsWith("The voxel model cannot be read from the stream. ", MessageOf(() => VoxelModelCLI.Load(closed)));
+    }
+
+    [Fact]
+    public void VoxelizesTheArraysOfAMesh()
+    {
+        using AxesCLI axes = Axes(30);
+        List<double> triangles = Triangles([(40, -1, 7), (42, 3, 9)]);
+        using VoxelModelCLI expected = VoxelModelCLI.Voxelize(triangles, axes, 5);
+        using VoxelModelCLI model = VoxelModelCLI.Voxelize([.. triangles], [0, 1, 2, 3, 4, 5], axes, 5);
+        Assert.Equal(expected.ContentHash(), model.ContentHash());
+        Assert.StartsWith("No triangle vertex index can be negative.",
+            MessageOf(() => VoxelModelCLI.Voxelize([1, 2, 3], [0, 0, -1], axes, 5)));
+        Assert.Equal("The number of vertex indices must be divisible by three.",
+            MessageOf(() => VoxelModelCLI.Voxelize([1, 2, 3], [0], axes, 5)));
+    }
+
     // A system that promises any memory, and takes it back by ending processes, is not asked.
     private sealed class HonestMemoryFactAttribute : FactAttribute
     {

@@ -7,7 +7,7 @@ namespace BrixCLI;
 /// A sparse model of filled voxels that holds all levels of detail from 0 to its finest one. It never changes: operations return
 /// new models, each of which the host disposes of. A model does not depend on the frame, box or lists that it was made from.
 /// </summary>
-public sealed unsafe class VoxelModelCLI : EngineObject
+public sealed unsafe partial class VoxelModelCLI : EngineObject
 {
     private AxesCLI? axesCLI_; // the model's own frame, wrapped when it is first asked for
     private IntPtr voxelModelPtr_ = IntPtr.Zero;
@@ -142,9 +142,7 @@ public sealed unsafe class VoxelModelCLI : EngineObject
     /// beyond the finest one</exception>
     public bool[] AreFilled(long[] voxelIndices, int voxelLOD)
     {
-        if (voxelIndices is null) throw new Exception("The list of voxel indices cannot be null.");
-        if (voxelIndices.Length % 3 != 0) throw new Exception("The number of voxel indices must be divisible by three.");
-        var filled = new bool[voxelIndices.Length / 3];
+        var filled = new bool[Triples(voxelIndices, "voxel indices")];
         fixed (long* indices = voxelIndices)
         fixed (bool* results = filled) {
             long* first = indices; // lambdas cannot hold fixed variables

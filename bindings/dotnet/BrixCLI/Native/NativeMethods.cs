@@ -185,6 +185,10 @@ internal static unsafe class NativeMethods
         NativeError* error);
 
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_voxelize_mesh(IntPtr axes, double* vertices, long vertexCount, int* indices,
+        long triangleCount, long finestLOD, IntPtr* result, NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
     internal static extern void brix_model_free(IntPtr model);
 
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
@@ -199,6 +203,38 @@ internal static unsafe class NativeMethods
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
     internal static extern int brix_are_filled(IntPtr model, long* voxelIndices, long voxelCount, long voxelLOD, byte* result,
         NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_are_filled_at(IntPtr model, double* points, long pointCount, long voxelLOD, byte* result,
+        NativeError* error);
+
+    // ---- Voxels and models as bytes (brix/model/VoxelArrays.h, brix/storage/SavedModel.h) ----
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_copy_voxels(IntPtr model, IntPtr box, byte* bytes, long byteCount, NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_model_from_voxels(IntPtr extents, byte* bytes, long byteCount, long finestLOD, IntPtr* result,
+        NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern void brix_bytes_free(IntPtr bytes);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_bytes_size(IntPtr bytes, long* result, NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_bytes_copy(IntPtr bytes, long firstByte, long byteCount, byte* destination,
+        NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_save_model(IntPtr model, IntPtr* result, NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_load_model(byte* bytes, long byteCount, IntPtr* result, NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_content_hash(IntPtr model, byte* result16, NativeError* error);
 
     // ---- Single voxels (brix/model/VoxelIterator.h) ----
 
