@@ -19,7 +19,15 @@ public:
 
     std::string Word() { return *next_++; }
 
-    int Integer() { return Read<int>("a whole number"); }
+    int Integer()
+    {
+        const int number = Read<int>("a whole number");
+        integers_.push_back(number);
+        return number;
+    }
+
+    /// Those that were read.
+    const std::vector<std::int64_t>& Integers() const { return integers_; }
 
     double Number()
     {
@@ -60,6 +68,7 @@ private:
 
     std::string step_;
     const std::string* next_;
+    std::vector<std::int64_t> integers_;
 };
 
 } // namespace brix::tools

@@ -95,11 +95,10 @@ Input ReadInput(const std::filesystem::path& filePath, const Axes& axes, const G
     return {ReadTriangles(filePath, options.swapYZ), axes};
 }
 
-VoxelModel<bool> Voxelize(Input input, const GridOptions& options, const std::vector<std::string>& steps)
+VoxelModel<bool> Voxelize(Input input, const GridOptions& options, const std::vector<PlannedStep>& steps)
 {
-    const Extents extents = DetectTriangleExtents(input.axes, input.triangles);
-    PrintExtents(extents);
-    RequireMemoryForModel(input, extents, options, steps);
+    PrintExtents(DetectTriangleExtents(input.axes, input.triangles));
+    RequireMemoryForModel(input, options, steps);
 
     const Stopwatch watch;
     VoxelModel<bool> model = FilledModel(input.axes, options.lod, input.triangles);

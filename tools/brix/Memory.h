@@ -1,12 +1,10 @@
 // How much memory the work will take, estimated before it begins, so that a slip in the voxels' size is answered with numbers and
-// not with a dead machine. The estimates follow how models are stored (docs/model.md) and how much more the operations were
-// measured to take; they are meant to be too high rather than too low. What is beyond them ends at the limit, too, of which
-// the system is told.
+// not with a dead machine. The estimates are the engine's, or follow from its sizes of models; they are meant to be too
+// high rather than too low. What is beyond them ends at the limit, too, of which the system is told.
 #pragma once
 
 #include "Grid.h"
 
-#include <string>
 #include <vector>
 
 namespace brix::tools {
@@ -17,13 +15,12 @@ double MemoryLimit(const GridOptions& options);
 /// From here on, the system refuses memory beyond the limit, and the program ends with a sentence.
 void HoldMemoryLimit(const GridOptions& options);
 
-/// Throws std::runtime_error when a model of the input, or one of the steps (names of `brix run`) that follow, would take more
-/// than the limit. The sentence names the estimate, the limit and the size of voxels that would fit.
-void RequireMemoryForModel(const Input& input, const Extents& extents, const GridOptions& options,
-                           const std::vector<std::string>& steps);
+/// Throws std::runtime_error when a model of the input, or one of the steps that follow, would take more than the limit. The
+/// sentence names the estimate, the limit and the size of voxels that would fit.
+void RequireMemoryForModel(const Input& input, const GridOptions& options, const std::vector<PlannedStep>& steps);
 
 /// The same for one step, when the model is there.
-void RequireMemoryForStep(const std::string& step, const VoxelModel<bool>& model, const GridOptions& options);
+void RequireMemoryForStep(const PlannedStep& step, const VoxelModel<bool>& model, const GridOptions& options);
 
 /// How many triangles a step will write is known only when their voxels are: counted, before the first one is made.
 /// Throws std::runtime_error when so many triangles would take more memory than the limit, or a larger file than --output-limit.

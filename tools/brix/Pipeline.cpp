@@ -30,7 +30,8 @@ std::vector<Action> ReadSteps(const std::vector<std::string>& words, Plan& plan)
     for (std::size_t position = 0; position < words.size();) {
         const Step& step = FindStep(words, position);
         Arguments arguments(step.name, words.data() + position + 1);
-        actions.push_back({step.name, step.read(plan, arguments)});
+        std::function<void(Pipeline&)> run = step.read(plan, arguments);
+        actions.push_back({{step.name, arguments.Integers()}, std::move(run)});
         position += static_cast<std::size_t>(step.ArgumentCount()) + 1;
     }
     return actions;
@@ -46,7 +47,7 @@ void Rehearse(const std::vector<Action>& actions, const GridOptions& grid)
         try {
             action.run(pipeline);
         } catch (const std::domain_error& error) {
-            throw UsageError("The step " + action.name + ": " + error.what());
+            throw UsageError("The step " + action.step.name + ": " + error.what());
         }
     }
 }
@@ -55,10 +56,10 @@ void RunSteps(Pipeline& pipeline, const std::vector<Action>& actions)
 {
     for (std::size_t number = 0; number < actions.size(); ++number) {
         const Stopwatch watch;
-        const std::string& name = actions[number].name;
+        const std::string& name = actions[number].step.name;
         Progress progress("step " + std::to_string(number + 1) + " of " + std::to_string(actions.size()) + ", " + name);
         progress.Update(static_cast<double>(number), static_cast<double>(actions.size()));
-        RequireMemoryForStep(name, pipeline.model, pipeline.grid);
+        RequireMemoryForStep(actions[number].step, pipeline.model, pipeline.grid);
         actions[number].run(pipeline);
         const std::int64_t lod = pipeline.model.FinestLOD();
         const std::int64_t filled = CountFilled(pipeline.model, lod);

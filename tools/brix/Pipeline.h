@@ -37,7 +37,7 @@ struct Plan
 /// A step with its arguments.
 struct Action
 {
-    std::string name;
+    PlannedStep step;
     std::function<void(Pipeline&)> run;
 };
 

@@ -29,9 +29,9 @@ void RunPipeline(const Options& options)
     Input input = ReadInput(options.grid);
     const Extents extents = DetectTriangleExtents(input.axes, input.triangles);
     for (const SlicePosition& slice : plan.slices) FindSlice(extents, slice);
-    std::vector<std::string> names;
-    for (const Action& action : actions) names.push_back(action.name);
-    Pipeline pipeline{options.grid, options.ascii, Voxelize(std::move(input), options.grid, names)};
+    std::vector<PlannedStep> steps;
+    for (const Action& action : actions) steps.push_back(action.step);
+    Pipeline pipeline{options.grid, options.ascii, Voxelize(std::move(input), options.grid, steps)};
     RunSteps(pipeline, actions);
 }
 

@@ -275,7 +275,7 @@ void RunTravel(const Options& options)
     FormatOf(options.output);
     Input input = ReadStoreyInput(options);
     const Body body = BodyOf(options, input.axes);
-    Voxels solid = SolidWithHeadroom(Voxelize(std::move(input), options.grid, {"fill-enclosed", "travel"}), body);
+    Voxels solid = SolidWithHeadroom(Voxelize(std::move(input), options.grid, {{"fill-enclosed"}, {"travel"}}), body);
     const Travel travel = MakeTravel(std::move(solid), options, body);
     SavePage(options.output, DrawTravel(travel, options, body.height));
 }

@@ -120,7 +120,7 @@ void RunWalkable(const Options& options)
     const Axes axes = input.axes;
     const Body body = BodyOf(options, axes);
 
-    Voxels solid = SolidWithHeadroom(Voxelize(std::move(input), options.grid, {"fill-enclosed", "walkable"}), body);
+    Voxels solid = SolidWithHeadroom(Voxelize(std::move(input), options.grid, {{"fill-enclosed"}, {"walkable"}}), body);
     const Stopwatch watch;
     Voxels traversable = PathModel(solid, lod, body.diameter, body.height, false).TraversableVoxels();
     PrintStep("walkable", std::to_string(CountFilled(traversable, lod)) + " voxels for a person of " +

@@ -9,7 +9,7 @@ public static unsafe class MemoryLimitCLI
     /// <see cref="double.PositiveInfinity"/> at first. What would take more is refused before the work begins, with a sentence
     /// that names the estimate and the limit. Wrong arguments are told first. Lists of results count, too: those of triangles,
     /// boxes and rectangles are judged once their length is known, after the limit of the call. Estimates are rather too high
-    /// than too low: models mostly take a half to a tenth of them.</summary>
+    /// than too low, often several times.</summary>
     /// <exception cref="Exception">the limit that is set is negative or not a number</exception>
     public static double Bytes
     {
