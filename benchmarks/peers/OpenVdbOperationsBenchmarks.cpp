@@ -280,9 +280,9 @@ private:
 
     void RegisterAllInPlace() const
     {
-        RegisterInPlace("Union", UnionInPlace, [](Tree& tree, const Tree& other) { tree.topologyUnion(other); });
-        RegisterInPlace("Intersect", IntersectInPlace, [](Tree& tree, const Tree& other) { tree.topologyIntersection(other); });
-        RegisterInPlace("Subtract", SubtractInPlace, [](Tree& tree, const Tree& other) { tree.topologyDifference(other); });
+        RegisterInPlace("Union", &UnionInPlace, [](Tree& tree, const Tree& other) { tree.topologyUnion(other); });
+        RegisterInPlace("Intersect", &IntersectInPlace, [](Tree& tree, const Tree& other) { tree.topologyIntersection(other); });
+        RegisterInPlace("Subtract", &SubtractInPlace, [](Tree& tree, const Tree& other) { tree.topologyDifference(other); });
     }
 
     void RegisterQueries() const
