@@ -2,7 +2,8 @@
 //
 // An estimate is what the operation takes of the heap at one moment beside what it is given, its result included. It follows how
 // models are stored (docs/model.md), and which stacks the operation can reach: those that hold something, and their neighbours as
-// far as voxels may move. Tests hold that random models never take more, nor less than a fiftieth.
+// far as voxels may move. Tests hold that random models never take more nor, from
+// 200 kB on, less than a fiftieth.
 //
 // Estimates are made of sizes (ModelSize.h): of models that are there, SizeOf(model, lod), or are still to be made. Sizes of
 // several models have to be of one level, that at which the operation works: Refined(size, lod) brings them there.

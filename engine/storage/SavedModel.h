@@ -21,7 +21,7 @@ std::vector<std::uint8_t> SaveModel(const VoxelModel<bool>& model);
 /// The model that was saved. From a stream, its bytes are read and no more.
 /// Throws std::runtime_error with a sentence when the bytes are no saved model, of a version that this one does not know, cut
 /// off, or damaged: nothing else comes of bytes that are not what SaveModel has written. Throws std::bad_alloc when memory runs
-/// out. Cost: linear in the bytes. Memory: the model's, at most 50 times the bytes and 4 MB, also for bytes that lie about their
+/// out. Cost: linear in the bytes. Memory: the model's, at most 150 times the bytes and 4 MB, also for bytes that lie about their
 /// content.
 VoxelModel<bool> LoadModel(std::istream& stream);
 VoxelModel<bool> LoadModel(std::span<const std::uint8_t> bytes);

@@ -188,6 +188,27 @@ TEST(SavedModel, TellsWhatIsWrongWithBytes)
     }
 }
 
+// The worst that bytes can do: full chunks far from each other, and full stacks that the extents cut, beside an empty one.
+TEST(SavedModel, TakesNoMoreMemoryThanItsBytesJustify)
+{
+    const Axes axes(1, {0, 0, 0}, 0, 0);
+    VoxelModel<bool> scattered(Extents(axes, {0, 0, 0}, {16 * 4 * 60 - 1, 16 * 4 * 5 - 1, 255}, 0), 0);
+    ForEachTriple({0, 0, 0}, {59, 4, 0}, [&](const Triple& place) {
+        scattered.ChunkRef({4 * place[0], 4 * place[1], 0}).VoxelStoreRef(0).MakeUniform(true);
+    });
+    VoxelModel<bool> cut(Extents(axes, {1, 0, 5}, {1, 511, 60}, 5), 5);
+    ForEachStack(cut, 5, [](VoxelStore<bool>& store, const StackIndices& ij) {
+        const OffsetBox inside = store.Inside(ij);
+        VoxelStack<bool> full = VoxelStack<bool>::WhollyFilled();
+        full.FillOutsideBox(inside.lower, inside.upper, false);
+        if (ij[1] > 0) store.ValidStackRef(ij) = std::move(full);
+    });
+    for (const VoxelModel<bool>* const model : {&scattered, &cut}) {
+        const Bytes saved = SaveModel(*model);
+        EXPECT_LT(LoadModel(saved).AllocatedBytes(), 150 * saved.size());
+    }
+}
+
 // What passes for a model, whatever was done to its bytes, is one that is saved as the same bytes.
 TEST(SavedModel, TakesNothingButWhatItWrites)
 {
