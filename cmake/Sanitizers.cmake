@@ -1,7 +1,8 @@
-# The sanitizer build: every finding ends the program, so that a test that meets one fails. GCC's own checks get in the way of its
-# analysis of what is initialised, so that warning is left to the other builds.
+# The sanitizer build: every finding ends the program, so that a test that meets one fails. BRIX_SANITIZED tells sources and tests,
+# whatever the compiler. GCC's own checks get in the way of its analysis of what is initialised, so that warning is left to the other
+# builds.
 if(BRIX_SANITIZE)
     add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer -D_GLIBCXX_ASSERTIONS
-        $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
+        -DBRIX_SANITIZED $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
     add_link_options(-fsanitize=address,undefined)
 endif()

@@ -110,7 +110,7 @@ TEST(SurfaceOperations, EqualTheVoxelByVoxelDefinition)
 TEST(SurfaceOperations, ReachFarAlongZ)
 {
     const Extents tall(Frame, {-2, -2, -150}, {2, 2, 250}, 1);
-    for (std::uint64_t seed = 1; seed <= 80; ++seed) {
+    for (std::uint64_t seed = 1; seed <= Rounds(80); ++seed) {
         Random random(seed);
         ReferenceModel reference(tall, 1, 1);
         ReferenceModel barrier(tall, 1, 1);

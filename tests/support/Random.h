@@ -32,4 +32,14 @@ private:
     std::uint64_t state_;
 };
 
+/// How many random cases a slow property is tried on: fewer where sanitizers make each one slower by ten times.
+constexpr std::uint64_t Rounds(std::uint64_t count)
+{
+#ifdef BRIX_SANITIZED
+    return (count + 7) / 8;
+#else
+    return count;
+#endif
+}
+
 } // namespace brix::tests

@@ -1,6 +1,6 @@
 // The memory limit holds: what is estimated is not below what is taken, and what would take more is refused before the work.
 // Not under AddressSanitizer, which takes memory of its own.
-#if defined BRIX_PROGRAM && !defined __SANITIZE_ADDRESS__
+#if defined BRIX_PROGRAM && !defined BRIX_SANITIZED
 #include "ProgramFixture.h"
 
 namespace brix {

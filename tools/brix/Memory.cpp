@@ -118,7 +118,7 @@ double MemoryLimit(const GridOptions& options)
 // The sanitizers reserve far more addresses than they use.
 void HoldMemoryLimit([[maybe_unused]] const GridOptions& options)
 {
-#ifndef __SANITIZE_ADDRESS__
+#ifndef BRIX_SANITIZED
     constexpr double Reserved = 64e6; // addresses of libraries and stack, of which little is used
     rlimit limit{};
     getrlimit(RLIMIT_AS, &limit);

@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#if defined(__linux__) && !defined(__SANITIZE_ADDRESS__) // the sanitizer's shadow alone is larger than any limit
+#if defined(__linux__) && !defined(BRIX_SANITIZED) // the sanitizer's shadow alone is larger than any limit
 #include <sys/resource.h>
 
 namespace {
