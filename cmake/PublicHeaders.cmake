@@ -4,6 +4,7 @@ set(BRIX_INTERNAL_HEADERS
     frame/Product.h
     frame/Require.h
     frame/SineAndCosine.h
+    model/ChangeWhole.h
     model/CheckInvariants.h
     model/ChunkPart.h
     model/CombineStacks.h

@@ -9,6 +9,8 @@
 #include "brix/frame/Axes.h"
 #include "brix/frame/Extents.h"
 #include "brix/frame/NotEnoughMemory.h"
+#include "brix/frame/Watch.h"
+#include "brix/frame/WatchedLoop.h"
 
 #include "brix/model/StackLattice.h"
 

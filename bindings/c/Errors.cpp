@@ -52,6 +52,8 @@ std::int32_t ReportException(brix_error* error, const char* asked) noexcept
         return ReportNoMemoryFor(error, asked);
     } catch (const std::length_error&) { // more items than a container of the standard library can have
         return ReportNoMemoryFor(error, asked);
+    } catch (const Cancelled& exception) {
+        return Report(error, BRIX_CANCELLED, exception);
     } catch (const NullArgument& exception) {
         return Report(error, BRIX_NULL_ARGUMENT, exception);
     } catch (const std::domain_error& exception) {

@@ -221,7 +221,9 @@ public:
 
     void Copy(std::int64_t firstItem, std::int64_t itemCount, double* destination) const override
     {
+        WatchedLoop loop(static_cast<std::size_t>(itemCount));
         for (std::int64_t i = firstItem; i < firstItem + itemCount; ++i, destination += width) {
+            loop.Step();
             const Numbers numbers = convert_(items_[static_cast<std::size_t>(i)]);
             std::memcpy(destination, &numbers, sizeof numbers);
         }

@@ -63,7 +63,8 @@ typedef enum brix_status
     BRIX_FILE_FAILURE = 3,     /* a file, or a saved model, cannot be read or written (std::runtime_error) */
     BRIX_OUT_OF_MEMORY = 4,    /* there is not enough memory for what the message names; nothing is lost but the result */
     BRIX_NULL_ARGUMENT = 5,    /* a required pointer is NULL */
-    BRIX_FAILURE = 6           /* anything else */
+    BRIX_FAILURE = 6,          /* anything else */
+    BRIX_CANCELLED = 7         /* a watch said stop */
 } brix_status;
 
 /* What went wrong. Start with all zero; pass the same one again only after brix_error_clear. `message` is UTF-8 text of `length`
@@ -78,6 +79,24 @@ typedef struct brix_error
 
 /* Frees the message and sets everything to zero. */
 BRIX_C_API void brix_error_clear(brix_error* error);
+
+/* ---- Progress and stop (brix/frame/Watch.h) ----
+ *
+ * Between begin and end a watch is asked by every call of its thread that takes longer than about a tenth of a second. It gets
+ * the share that is done, from 0 to 1, which never falls, and returns 0 to let the call go on. With anything else the call ends
+ * within a few hundredths of a second, and the time that it takes to give memory back, with BRIX_CANCELLED: its operands are as
+ * they were, there is no result. Watches nest; the outer ones are told, and asked, as well.
+ *
+ * `pause_seconds`, 0 or more, is the least time between two questions (0.01 serves most). The callback may not throw or leave by
+ * longjmp; calls that it makes itself are not watched. A watch has to be ended on the thread on which it was begun, which
+ * BRIX_INVALID_ARGUMENT reminds of. */
+
+typedef struct brix_watch brix_watch;
+typedef int32_t (*brix_watch_callback)(void* context, double share);
+
+BRIX_C_API int32_t brix_watch_begin(brix_watch_callback callback, void* context, double pause_seconds, brix_watch** result,
+                                    brix_error* error);
+BRIX_C_API int32_t brix_watch_end(brix_watch* watch, brix_error* error);
 
 /* ---- Memory limit ----
  *

@@ -106,7 +106,10 @@ void LookUp(const VoxelModel<bool>& model, std::int64_t lod, std::span<const Pla
     Require(places.size() == filled.size(), "There must be as many results as voxels.");
     const StackFinder finder(model, lod, places.size());
     std::array<Triple, Batch::Size> voxels;
+    constexpr std::size_t placesPerStep = 128 * Batch::Size;
+    WatchedLoop loop(places.size() / placesPerStep + 1);
     for (std::size_t first = 0; first < places.size(); first += Batch::Size) {
+        if (first % placesPerStep == 0) loop.Step();
         const std::size_t count = std::min(Batch::Size, places.size() - first);
         for (std::size_t i = 0; i < count; ++i) voxels[i] = voxelOf(places[first + i]);
         const Batch batch(finder, {voxels.data(), count});

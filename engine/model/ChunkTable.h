@@ -9,6 +9,7 @@
 #pragma once
 
 #include "../frame/Triples.h"
+#include "../frame/WatchedLoop.h"
 
 #include <bit>
 #include <memory>
@@ -202,6 +203,7 @@ template <class Item> ChunkTable<Item>::ChunkTable(const ChunkTable& other) : Ch
         for (std::uint64_t slots = block->present; slots != 0; slots &= slots - 1) {
             const auto slot = static_cast<std::size_t>(std::countr_zero(slots));
             copy->items[slot] = std::make_unique<Item>(*block->items[slot]);
+            CheckWatch();
         }
         blocks_.push_back(std::move(copy));
     }

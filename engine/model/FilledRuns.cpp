@@ -71,6 +71,7 @@ void VisitSlab(const std::vector<PlacedStack>& stacks, std::int64_t lowerZ, cons
     for (const PlacedStack& placed : stacks) layers.emplace_back(*placed.stack);
     std::vector<PlacedPlate> plates;
     for (std::int64_t z = 0; z < StackHeight; ++z) {
+        CheckWatch();
         for (std::size_t i = 0; i < stacks.size();) {
             const std::int64_t y = stacks[i].y;
             plates.clear();
@@ -88,8 +89,13 @@ void VisitSlab(const std::vector<PlacedStack>& stacks, std::int64_t lowerZ, cons
 void ForEachFilledRun(const VoxelModel<bool>& model, std::int64_t lod, const std::function<void(const FilledRun&)>& visit)
 {
     RequireLevelOf(model.FinestLOD(), "The level of detail for runs of voxels", lod);
-    for (std::int64_t z = model.LowerChunkIndices()[2]; z <= model.UpperChunkIndices()[2]; ++z)
+    const std::int64_t lower = model.LowerChunkIndices()[2];
+    const std::int64_t upper = model.UpperChunkIndices()[2];
+    WatchedLoop loop(static_cast<std::size_t>(upper - lower + 1));
+    for (std::int64_t z = lower; z <= upper; ++z) {
         VisitSlab(StacksOfSlab(model, lod, z), z * ChunkHeight, visit);
+        loop.Step();
+    }
 }
 
 } // namespace brix

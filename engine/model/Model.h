@@ -3,6 +3,7 @@
 #pragma once
 
 #include "../frame/NotEnoughMemory.h"
+#include "../frame/WatchedLoop.h"
 #include "ChunkTable.h"
 #include "LevelBounds.h"
 #include "ReaderChunks.h"
@@ -75,9 +76,9 @@ public:
     }
     std::size_t StoredChunkCount() const { return chunks_.Size(); }
 
-    /// Calls visit(chunk indices, chunk) for all chunks that are stored: z outermost, then y, then x.
-    template <class Visit> void ForEachChunk(const Visit& visit) { chunks_.ForEach(visit); }
-    template <class Visit> void ForEachChunk(const Visit& visit) const { chunks_.ForEach(visit); }
+    /// Calls visit(chunk indices, chunk) for all chunks that are stored: z outermost, then y, then x. A watch may end it.
+    template <class Visit> void ForEachChunk(const Visit& visit) { WalkWatched(chunks_, visit); }
+    template <class Visit> void ForEachChunk(const Visit& visit) const { WalkWatched(chunks_, visit); }
 
     /// The same for the chunks of one height.
     template <class Visit> void ForEachChunkOfSlab(std::int64_t z, const Visit& visit) const { chunks_.ForEachOfSlab(z, visit); }
@@ -105,6 +106,14 @@ private:
         levels.reserve(static_cast<std::size_t>(LevelCount));
         for (std::int64_t lod = 0; lod < LevelCount; ++lod) levels.emplace_back(extents.RescaledCopy(lod));
         return std::make_shared<const BoundsOfLevels>(std::move(levels));
+    }
+
+    template <class Chunks, class Visit> static void WalkWatched(Chunks& chunks, const Visit& visit)
+    {
+        chunks.ForEach([&](const Triple& chunkIndices, auto& chunk) {
+            visit(chunkIndices, chunk);
+            CheckWatch();
+        });
     }
 
     std::unique_ptr<Chunk> MakeChunk(const Triple& chunkIndices) const

@@ -1,6 +1,7 @@
 #include "VoxelArrays.h"
 
 #include "../frame/Require.h"
+#include "ChangeWhole.h"
 #include "CombineStacks.h"
 #include "ForEachStack.h"
 #include "InstructionSet.h"
@@ -55,8 +56,11 @@ template <class Visit> void ForEachRowOfStacks(const Extents& box, const Visit& 
 {
     const Triple lower = StackOfVoxel(box.LowerIndices());
     const Triple upper = StackOfVoxel(box.UpperIndices());
-    ForEachTriple({lower[0], lower[1], lower[2]}, {lower[0], upper[1], upper[2]},
-                  [&](const Triple& first) { visit(first, upper[0]); });
+    WatchedLoop loop(static_cast<std::size_t>((upper[1] - lower[1] + 1) * (upper[2] - lower[2] + 1)));
+    ForEachTriple({lower[0], lower[1], lower[2]}, {lower[0], upper[1], upper[2]}, [&](const Triple& first) {
+        visit(first, upper[0]);
+        loop.Step();
+    });
 }
 
 // Where the voxel of a box lies in memory.
@@ -95,6 +99,7 @@ void CopyRowOfStacks(const VoxelModel<bool>& model, const Extents& box, const Tr
     const std::int64_t length = box.UpperIndices()[0] - box.LowerIndices()[0] + 1;
     std::vector<const Plate*> plates(stacks.size());
     for (std::int64_t z = part.lower[2]; z <= part.upper[2]; ++z) {
+        CheckWatch(); // a row may be long
         for (std::size_t i = 0; i < stacks.size(); ++i) plates[i] = &stacks[i]->LayerVoxelPlateRef(stacks[i]->LayerID(z));
         for (std::int64_t y = part.lower[1]; y <= part.upper[1]; ++y) {
             const Triple voxel{box.LowerIndices()[0], first[1] * PlateWidth + y, first[2] * StackHeight + z};
@@ -155,6 +160,7 @@ std::vector<Triple> WriteStacks(VoxelModel<bool>& model, const Extents& box, con
     std::vector<Triple> chunks;
     ForEachRowOfStacks(box, [&](Triple stack, std::int64_t lastX) {
         for (; stack[0] <= lastX; ++stack[0]) {
+            CheckWatch();
             const OffsetBox part = PartIn(box, stack);
             const Triple corner = Plus(CornerOfStack(stack), part.lower);
             const Stack& before = FindStack(model, stack, lod);
@@ -205,7 +211,9 @@ void WriteVoxels(VoxelModel<bool>& model, const Extents& box, const std::uint8_t
     const Extents& extents = model.ExtentsRef(box.VoxelLOD());
     Require(extents.ContainsVoxel(box.LowerIndices()) && extents.ContainsVoxel(box.UpperIndices()),
             "The box of voxels to be written must lie inside the extents of the voxel model.");
-    model.FinishLevels(box.VoxelLOD(), WriteStacks(model, box, bytes, strides));
+    ChangeWhole(model, [&](VoxelModel<bool>& changed) {
+        changed.FinishLevels(box.VoxelLOD(), WriteStacks(changed, box, bytes, strides));
+    });
 }
 
 void WriteVoxels(VoxelModel<bool>& model, const Extents& box, std::span<const std::uint8_t> bytes)

@@ -47,14 +47,22 @@ void VoxelModel<bool>::FinishChunk(VoxelChunk<bool>& chunk, std::int64_t lod) co
 void VoxelModel<bool>::FinishLevels(std::int64_t lod)
 {
     RequireHeldLevel(lod);
-    ForEachChunk([&](const Triple&, VoxelChunk<bool>& chunk) { FinishChunk(chunk, lod); });
+    WatchedLoop loop(StoredChunkCount());
+    ForEachChunk([&](const Triple&, VoxelChunk<bool>& chunk) {
+        FinishChunk(chunk, lod);
+        loop.Step();
+    });
     ReleaseEmptyChunks();
 }
 
 void VoxelModel<bool>::FinishLevels(std::int64_t lod, const std::vector<Triple>& chunks)
 {
     RequireHeldLevel(lod);
-    for (const Triple& chunk : chunks) FinishChunk(ChunkRef(chunk), lod);
+    WatchedLoop loop(chunks.size());
+    for (const Triple& chunk : chunks) {
+        FinishChunk(ChunkRef(chunk), lod);
+        loop.Step();
+    }
     ReleaseEmptyChunks();
 }
 

@@ -118,6 +118,7 @@ Stack MakePart(const Stack& stack, const std::vector<Piece>& pieces, const Chain
 void Splitter::AddStack(const Stack& stack, const Triple& corner, std::span<const Region> runs)
 {
     if (runs.empty()) return;
+    CheckWatch();
     if (std::all_of(runs.begin(), runs.end(), [&](Region region) { return region == runs.front(); }))
         return AddPart(runs.front(), corner, stack);
 
@@ -185,7 +186,9 @@ std::vector<VoxelModel<bool>> Splitter::MakeModels(const VoxelModel<bool>& sourc
     const Extents& extents = source.ExtentsRef(lod);
     std::vector<VoxelModel<bool>> models;
     models.reserve(regions_.size());
+    WatchedLoop loop(regions_.size());
     for (const RegionParts& region : regions_) {
+        loop.Step();
         VoxelModel<bool>& model = models.emplace_back(ExtentsOf(region, extents), lod, source.WhenLevelsAreMade());
         for (std::uint32_t number = region.parts.first; number != None; number = parts_[number].next) {
             Part& part = parts_[number];

@@ -160,6 +160,7 @@ void GrowColumn(LevelGrid& grid, const LevelGrid& guide, std::span<const Triple>
             const OffsetBox inExtents = grid.Inside(stack);
             if (!inExtents.IsWholeStack()) grown.FillOutsideBox(inExtents.lower, inExtents.upper, false);
             grid.Replace(stack, std::move(grown));
+            CheckWatch(); // a column may be high
             if (IsEmpty(left.Growing())) break;
         }
     }
@@ -171,12 +172,14 @@ template <Side towards> void GrowAllColumns(LevelGrid& grid, const LevelGrid& gu
     const auto onTheWay = [](const Triple& stack) {
         return std::tuple(stack[1], stack[0], towards == Side::Upper ? stack[2] : -stack[2]);
     };
-    std::sort(occupied.begin(), occupied.end(), [&](const Triple& a, const Triple& b) { return onTheWay(a) < onTheWay(b); });
+    WatchedSort(occupied.begin(), occupied.end(), [&](const Triple& a, const Triple& b) { return onTheWay(a) < onTheWay(b); });
+    WatchedLoop loop(occupied.size());
     const auto isOtherColumn = [](const Triple& a, const Triple& b) { return a[0] != b[0] || a[1] != b[1]; };
     for (auto begin = occupied.begin(); begin != occupied.end();) {
         const auto between = std::adjacent_find(begin, occupied.end(), isOtherColumn);
         const auto end = between == occupied.end() ? between : std::next(between);
         GrowColumn<towards>(grid, guide, {begin, end}, count);
+        loop.Step(static_cast<std::size_t>(end - begin));
         begin = end;
     }
 }

@@ -194,6 +194,7 @@ void WriteChunk(std::vector<VoxelModel<bool>>& results, const Triple& chunk, con
             const Stack& stack = source->VoxelStoreRef(lod).VoxelStackRef(ij);
             if (!stack.IsUnallocated()) stacks.Add(stack, weights[i]);
         }
+        CheckWatch();
         stacks.Write(thresholds, written);
         const OffsetBox inExtents = store.Inside(ij);
         for (std::size_t i = 0; i < results.size(); ++i) {
@@ -233,8 +234,11 @@ std::vector<VoxelModel<bool>> DensityMap(const std::vector<const VoxelModel<bool
     std::deque<VoxelModel<bool>> refined;
     const ModelPointers sources = AtLevel(models, lod, refined);
     WeightedStacks stacks;
-    for (const Triple& chunk : ChunksOf(sources, empty, thresholds)) {
+    const std::vector<Triple> chunks = ChunksOf(sources, empty, thresholds);
+    WatchedLoop loop(chunks.size());
+    for (const Triple& chunk : chunks) {
         RunWith(FastestInstructionSet(), [&] { WriteChunk(results, chunk, sources, weights, thresholds, stacks); });
+        loop.Step();
     }
     for (VoxelModel<bool>& result : results) result.FinishLevels(lod);
     return results;

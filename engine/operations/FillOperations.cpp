@@ -170,7 +170,9 @@ void Flood::FindChunks()
 void Flood::AddRuns()
 {
     stacks_.resize(mixed_.size() * StacksPerChunk());
+    WatchedLoop loop(mixed_.size());
     for (std::size_t i = 0; i < mixed_.size(); ++i) {
+        loop.Step();
         ForEachStackOfStore(*mixed_[i].store, [&](const VoxelStore<bool>& store, const StackIndices& ij) {
             StackRuns& runs = stacks_[i * StacksPerChunk() + NumberInChunk(ij)];
             const OffsetBox inExtents = store.Inside(ij);
@@ -319,13 +321,20 @@ void Flood::Spread()
 {
     RunWith(FastestInstructionSet(), [&] {
         std::vector<std::size_t> turn;
+        WatchedLoop loop(stacks_.size()); // most are come to once
         while (!waiting_.empty() || !left_.empty()) {
             turn.clear();
             std::swap(turn, left_);
-            for (const std::size_t region : turn) LeaveRegion(region);
+            for (const std::size_t region : turn) {
+                LeaveRegion(region);
+                CheckWatch();
+            }
             turn.clear();
             std::swap(turn, waiting_);
-            for (const std::size_t number : turn) SpreadInStack(number);
+            for (const std::size_t number : turn) {
+                SpreadInStack(number);
+                loop.Step();
+            }
         }
     });
 }
@@ -404,16 +413,22 @@ void Flood::WriteStack(VoxelStore<bool>& to, const StackIndices& ij, std::size_t
 template <class Rule> VoxelModel<bool> Flood::MakeResult(const Rule& rule) const
 {
     VoxelModel<bool> result(extents_, bits_);
+    WatchedLoop loop(mixed_.size());
     const auto storeOf = [&](const Triple& chunk) -> VoxelStore<bool>& { return result.ChunkRef(chunk).VoxelStoreRef(bits_); };
     for (std::size_t i = 0; i < mixed_.size(); ++i) {
         ForEachStackOfStore(storeOf(mixed_[i].chunk), [&](VoxelStore<bool>& to, const StackIndices& ij) {
             WriteStack(to, ij, i * StacksPerChunk() + NumberInChunk(ij), rule);
         });
+        loop.Step();
     }
     for (const Triple& chunk : full_) storeOf(chunk).MakeUniform(true);
     regions_->ForEachBox([&](std::size_t region, const Triple& lower, const Triple& upper) {
         const Run run{FilledPlate(), isReached_[region] ? FilledPlate() : Plate{}};
-        if (IsFull(rule(run))) ForEachTriple(lower, upper, [&](const Triple& chunk) { storeOf(chunk).MakeUniform(true); });
+        if (IsFull(rule(run)))
+            ForEachTriple(lower, upper, [&](const Triple& chunk) {
+                storeOf(chunk).MakeUniform(true);
+                CheckWatch();
+            });
     });
     result.FinishLevels(bits_);
     return result;

@@ -194,6 +194,7 @@ VoxelModel<bool> LevelGrid::TakeModel()
 {
     VoxelModel<bool> model(extents_, bits_, otherLevels_);
     blocks_.ForEach([&](const Triple& chunk, Block& block) {
+        CheckWatch();
         VoxelStore<bool>& store = model.ChunkRef(chunk).VoxelStoreRef(bits_);
         if (block.isFull) return store.MakeUniform(true);
         ForEachStackOfStore(store, [&](VoxelStore<bool>&, const StackIndices& ij) {

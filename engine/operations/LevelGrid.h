@@ -137,17 +137,21 @@ template <class Write> void LevelGrid::WriteBlock(const Triple& chunk, const Row
             write(Triple{chunk[0] << bits_ | i, chunk[1] << bits_ | j, chunk[2]}, result);
             if (!result.IsUnallocated()) occupied |= 1U << i;
         }
+        CheckWatch();
     }
 }
 
 template <class Write> void LevelGrid::Rewrite(std::span<const Source> sources, bool keepsFull, const Write& write)
 {
     std::vector<Triple> kept;
-    for (const Triple& chunk : ChunksToWrite(sources)) {
+    const std::vector<Triple> chunks = ChunksToWrite(sources);
+    WatchedLoop loop(chunks.size());
+    for (const Triple& chunk : chunks) {
         if (keepsFull && SeesFull(chunk, sources))
             kept.push_back(chunk);
         else
             WriteBlock(chunk, StacksToWrite(chunk, sources), write);
+        loop.Step();
     }
     ReplaceByWritten(kept);
 }

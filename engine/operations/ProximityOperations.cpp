@@ -158,6 +158,7 @@ ConstVoxelIterator NearestFilledHorizontally(const VoxelModel<bool>& voxelModel,
         const std::int64_t halfWidth = std::min(area.HalfWidth(y - voxel[1]), FarAway);
         const std::int64_t lowerX = std::max(voxel[0] - halfWidth, extents.LowerIndices()[0]);
         const std::int64_t upperX = std::min(voxel[0] + halfWidth, extents.UpperIndices()[0]);
+        CheckWatch();
         const auto x = NearestOnLine<Axis::X>(voxelModel, {voxel[0], y, voxel[2]}, point[0], lowerX, upperX);
         if (!x || squareTo(0, *x) + squareTo(1, y) >= leastSquare) continue;
         leastSquare = squareTo(0, *x) + squareTo(1, y);

@@ -30,7 +30,9 @@ template <class Source> VoxelModel<bool> TransferOneLevel(Source& source, const 
     VoxelModel<bool> result(newExtents, newFinestLOD, source.WhenLevelsAreMade());
     const std::int64_t lod = std::min(source.FinestLOD(), newFinestLOD);
     RunWith(FastestInstructionSet(), [&] {
+        WatchedLoop loop(source.StoredChunkCount());
         source.ForEachChunk([&](const Triple& chunkIndices, auto& chunk) {
+            loop.Step();
             auto& from = StoreToTransfer(chunk, lod);
             if (!result.IsChunkValid(chunkIndices) || from.IsUnallocated()) return;
             VoxelStore<bool>& to = result.ChunkRef(chunkIndices).VoxelStoreRef(lod);

@@ -19,6 +19,8 @@ constexpr std::size_t RunOf(unsigned row, int x)
     return static_cast<std::size_t>(std::popcount(RunStarts(row) & ((2U << x) - 1))) - 1;
 }
 
+constexpr std::size_t LabelsBetweenChecks = 1 << 20;
+
 constexpr std::size_t RunCount(unsigned row) { return static_cast<std::size_t>(std::popcount(RunStarts(row))); }
 
 } // namespace
@@ -27,7 +29,9 @@ RegionLabels::RegionLabels(const VoxelModel<bool>& model, const LevelGrid& grid)
     : grid_(grid), lod_(model.FinestLOD()), runs_(model.LowerChunkIndices(), model.UpperChunkIndices())
 {
     RunWith(FastestInstructionSet(), [&] {
+        WatchedLoop loop(model.StoredChunkCount());
         model.ForEachChunk([&](const Triple& chunkIndices, const VoxelChunk<bool>& chunk) {
+            loop.Step();
             const VoxelStore<bool>& store = chunk.VoxelStoreRef(lod_);
             if (IsUniformlyFull(store, ChunkPart(store))) return AddFullChunk(chunkIndices);
             ForEachStackOfStore(store, [&](const VoxelStore<bool>&, const StackIndices& ij) {
@@ -47,6 +51,7 @@ RegionLabels::StackRuns& RegionLabels::MakeRunsOf(const Triple& stack)
 // In stack order, the lower neighbours of a stack are labelled already.
 void RegionLabels::AddStack(const Triple& stack)
 {
+    CheckWatch(); // its runs may be thousands
     const std::size_t first = labels_.size();
     for (const Plate& plate : grid_.StackAt(stack).Plates()) AddPlate(plate);
     MakeRunsOf(stack) = {first, labels_.size() - first};
@@ -181,9 +186,13 @@ void RegionLabels::NumberRegions()
 {
     Region count = 0;
     for (Region label = 0; label < parents_.size(); ++label) {
+        if (label % LabelsBetweenChecks == 0) CheckWatch();
         parents_[label] = parents_[label] == label ? count++ : parents_[parents_[label]];
     }
-    for (Region& label : labels_) label = parents_[label];
+    for (std::size_t i = 0; i < labels_.size(); ++i) {
+        if (i % LabelsBetweenChecks == 0) CheckWatch();
+        labels_[i] = parents_[labels_[i]];
+    }
     regionCount_ = count;
 }
 

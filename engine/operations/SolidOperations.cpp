@@ -1,6 +1,7 @@
 #include "SolidOperations.h"
 
 #include "../frame/Require.h"
+#include "../model/ChangeWhole.h"
 #include "../model/ChunkPart.h"
 #include "../model/CombineStacks.h"
 #include "../model/ForEachStack.h"
@@ -157,7 +158,9 @@ template <class Rule>
 void Combine(VoxelModel<bool>& result, std::int64_t lod, const Rule& rule, const VoxelModel<bool>* first,
              const VoxelModel<bool>* second, const std::optional<Extents>& clip, const std::vector<Triple>& chunks)
 {
+    WatchedLoop loop(chunks.size());
     const auto combineChunk = [&](const Triple& chunk) {
+        loop.Step();
         const Store* const a = StoreOf(first, chunk, lod);
         const Store* const b = StoreOf(second, chunk, lod);
         Store& combined = result.ChunkRef(chunk).StoreToRewrite(lod);
@@ -220,13 +223,16 @@ void CombineAll(VoxelModel<bool>& result, const Rule& rule, const ModelPointers&
         const ModelAtLevel second(*models[1], within(*models[1]), lod);
         Combine(result, lod, rule, first.Pointer(), second.Pointer(), clip);
     }
-    for (std::size_t i = 2; i < models.size(); ++i)
+    WatchedLoop loop(models.size() - 2);
+    for (std::size_t i = 2; i < models.size(); ++i) {
         Combine(result, lod, rule, &result, ModelAtLevel(*models[i], within(*models[i]), lod).Pointer(), clip);
+        loop.Step();
+    }
 }
 
 // Changes a model at its finest level, where it stands if its extents hold the other one. Only a union needs all of a coarser
 // one refined.
-template <class Rule> void CombineInPlace(VoxelModel<bool>& model, const Rule& rule, const VoxelModel<bool>& other)
+template <class Rule> void CombineInto(VoxelModel<bool>& model, const Rule& rule, const VoxelModel<bool>& other)
 {
     RequireSameAxes({&model, &other});
     const std::int64_t lod = model.FinestLOD();
@@ -238,6 +244,11 @@ template <class Rule> void CombineInPlace(VoxelModel<bool>& model, const Rule& r
     const std::vector<Triple> changed = ChunksOf(Rule::whereChanged, model, &model, second.Pointer());
     Combine(model, lod, rule, &model, second.Pointer(), std::nullopt, changed);
     model.FinishLevels(lod, changed);
+}
+
+template <class Rule> void CombineInPlace(VoxelModel<bool>& model, const Rule& rule, const VoxelModel<bool>& other)
+{
+    ChangeWhole(model, [&](VoxelModel<bool>& changed) { CombineInto(changed, rule, other); });
 }
 
 VoxelModel<bool> CroppedOrPropagated(VoxelModel<bool>&& model, bool autoCrop)

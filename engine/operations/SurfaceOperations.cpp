@@ -78,7 +78,12 @@ template <class PassOf> void ForEachDiscPass(std::int64_t diameter, const PassOf
 // When no voxel has one neighbour that would change it, none has two: then all further passes would do nothing.
 template <class Change> VoxelModel<bool> ChangeHorizontally(SurfacePasses<Change> passes, int diameter, bool autoCrop)
 {
-    ForEachDiscPass(diameter, [&](std::int64_t least) { return passes.Beside(least) || least > 1; });
+    WatchedLoop loop(static_cast<std::size_t>(diameter) * 3 / 4 + 1); // about as many passes
+    ForEachDiscPass(diameter, [&](std::int64_t least) {
+        const bool hasChanged = passes.Beside(least);
+        loop.Step();
+        return hasChanged || least > 1;
+    });
     return passes.Finish(autoCrop);
 }
 

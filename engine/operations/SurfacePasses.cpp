@@ -44,7 +44,9 @@ template <class Change> void SurfacePasses<Change>::AlongGuide(Axis axis, Side s
     LevelGrid barrier(*guideVoxels_, grid_.ExtentsRef());
     std::int64_t barrierStep = 1;
     std::int64_t moved = 0;
-    for (auto passes = static_cast<int>(std::bit_width(static_cast<std::uint64_t>(count))); passes-- > 0;) {
+    auto passes = static_cast<int>(std::bit_width(static_cast<std::uint64_t>(count)));
+    WatchedLoop loop(static_cast<std::size_t>(passes));
+    for (; passes-- > 0; loop.Step()) {
         const std::int64_t step = (count >> passes) - moved; // moved is half of what it will be, rounded down
         while (barrierStep < step) {
             const std::int64_t farther = std::min(barrierStep, step - barrierStep);
@@ -80,7 +82,8 @@ template <class Change> void SurfacePasses<Change>::Along(Axis axis, std::int64_
     }
     std::int64_t toSeeLower = areSidesCrossed ? upper : lower;
     std::int64_t toSeeUpper = areSidesCrossed ? lower : upper;
-    for (std::int64_t farthest = 1; toSeeLower > 0 || toSeeUpper > 0; farthest *= 2) {
+    WatchedLoop loop(static_cast<std::size_t>(std::bit_width(static_cast<std::uint64_t>(std::max(toSeeLower, toSeeUpper)))));
+    for (std::int64_t farthest = 1; toSeeLower > 0 || toSeeUpper > 0; farthest *= 2, loop.Step()) {
         const std::int64_t towardsLower = std::min(toSeeLower, farthest);
         const std::int64_t towardsUpper = std::min(toSeeUpper, farthest);
         if (!Look(axis, towardsLower, towardsUpper)) return; // all further passes would do nothing

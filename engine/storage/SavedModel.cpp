@@ -209,9 +209,11 @@ template <class Put> Hash128 Write(const VoxelModel<bool>& model, const Put& put
     };
     AddHeader(record, model);
     putRecord();
+    WatchedLoop loop(model.StoredChunkCount());
     model.ForEachChunk([&](const Triple& chunkIndices, const VoxelChunk<bool>& chunk) {
         AddChunk(record, chunkIndices, chunk, model.FinestLOD());
         putRecord();
+        loop.Step();
     });
     record.Add(std::uint32_t{0});
     putRecord();
@@ -367,6 +369,7 @@ template <class Take> VoxelModel<bool> Read(const Take& take)
         const Triple chunk = ReadChunk(RecordReader(takeHashed(length)), *layers, model);
         RequireSound(IsBefore(last, chunk));
         last = chunk;
+        CheckWatch(); // nobody knows how many are to come
     }
     const Hash128 expected = hash.Finish();
     const Bytes found = take(expected.size());

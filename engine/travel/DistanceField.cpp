@@ -60,6 +60,7 @@ void DistanceField::CutAt(std::int64_t maxDistance)
 {
     std::int64_t farthest = Rounded(farthest_);
     for (Index voxel = 0; voxel < graph_.Size(); ++voxel) {
+        if (voxel % (1 << 20) == 0) CheckWatch();
         if (!IsReached(voxel)) continue;
         const std::int64_t distance = Rounded(voxel);
         if (distance > maxDistance) {

@@ -34,13 +34,16 @@ TravelLabels DistanceSearch::Run(const std::vector<Index>& sources, double maxDi
         SetLabel(source, 0, source, {});
         Wait(source);
     }
+    WatchedLoop loop(graph_.Size());
     std::size_t emptyInARow = 0;
     for (current_ = 0; emptyInARow < buckets_.size() && Front() <= maxDistance + 1 + margin_; ++current_) {
         std::vector<Index>& bucket = BucketAt(current_);
         emptyInARow = bucket.empty() ? emptyInARow + 1 : 0;
         for (std::size_t i = 0; i < bucket.size(); ++i) {
             const Index voxel = bucket[i];
-            if (isExpanded_[voxel] == 0) Expand(voxel);
+            if (isExpanded_[voxel] != 0) continue;
+            Expand(voxel);
+            loop.Step();
         }
         bucket.clear();
     }

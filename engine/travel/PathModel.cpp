@@ -48,11 +48,16 @@ void RequireAgent(const Voxels& environment, std::int64_t voxelLOD, std::int64_t
 Voxels StandingPlaces(const Voxels& solid, std::int64_t diameter, std::int64_t height)
 {
     const std::int64_t lod = solid.FinestLOD();
-    const Voxels blocked = ExpandedAlongZ(solid, height - 1, 0);
-    const Voxels standing = Subtract(ExpandedAlongZ(blocked, 0, 1), blocked, lod, false);
-    const Voxels air = Invert(ExpandedAlongZ(solid, 0, 2));
-    const Voxels walls = ReduceAlongZ(blocked, 0, 1, std::nullopt, false);
-    const Voxels obstacles = ExpandedHorizontally(Union({&walls, &air}, lod, false), diameter);
+    WatchedLoop loop(6);
+    const auto step = [&](Voxels made) {
+        loop.Step();
+        return made;
+    };
+    const Voxels blocked = step(ExpandedAlongZ(solid, height - 1, 0));
+    const Voxels standing = step(Subtract(ExpandedAlongZ(blocked, 0, 1), blocked, lod, false));
+    const Voxels air = step(Invert(ExpandedAlongZ(solid, 0, 2)));
+    const Voxels walls = step(ReduceAlongZ(blocked, 0, 1, std::nullopt, false));
+    const Voxels obstacles = step(ExpandedHorizontally(Union({&walls, &air}, lod, false), diameter));
     return Subtract(standing, obstacles, lod, false);
 }
 

@@ -72,7 +72,11 @@ struct Sample
 std::vector<std::uint8_t> MarkedVoxels(const TraversableGraph& graph, const TraversableGraph& marked)
 {
     std::vector<std::uint8_t> marks(graph.Size(), 0);
-    for (Index voxel = 0; voxel < marked.Size(); ++voxel) marks[graph.Find(marked.VoxelIndices(voxel))] = 1;
+    WatchedLoop loop(marked.Size());
+    for (Index voxel = 0; voxel < marked.Size(); ++voxel) {
+        marks[graph.Find(marked.VoxelIndices(voxel))] = 1;
+        loop.Step();
+    }
     return marks;
 }
 
@@ -102,6 +106,7 @@ private:
         waiting_.assign(1, first);
         isFlooded_[first] = 1;
         while (!waiting_.empty()) {
+            CheckWatch();
             const Index voxel = waiting_.back();
             waiting_.pop_back();
             const std::int64_t remoteness = grid_.Remoteness(graph_.VoxelIndices(voxel));

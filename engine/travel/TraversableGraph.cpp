@@ -70,7 +70,9 @@ void TraversableGraph::AddRows(const VoxelModel<bool>& traversable)
     const std::int64_t upperY = extents_.UpperIndices()[1];
     std::vector<std::vector<Layer>> band(static_cast<std::size_t>(grid.UpperStack()[0] - grid.LowerStack()[0] + 1));
     Index previous = 0;
+    WatchedLoop loop(static_cast<std::size_t>(upperY - lowerY + 1));
     for (std::int64_t y = lowerY; y <= upperY; ++y) {
+        loop.Step();
         const std::int64_t stackY = FloorShift(y, PlateWidthBits);
         if (y == lowerY || y == PlateWidth * stackY) {
             for (std::size_t i = 0; i < band.size(); ++i)
@@ -138,6 +140,7 @@ void TraversableGraph::FindPlains()
     const auto isLevelRow = [&](Index voxel) { return (levelRows[voxel / 64] >> voxel % 64 & 1) != 0; };
     for (Index voxel = 1; voxel + 1 < Size(); ++voxel) levelRows[voxel / 64] |= std::uint64_t{IsLevelRow(voxel)} << voxel % 64;
     for (std::size_t word = 0; word < plains_.size(); ++word) {
+        if (word % (1 << 14) == 0) CheckWatch();
         for (std::uint64_t left = levelRows[word]; left != 0; left &= left - 1) {
             const Voxel& voxel = voxels_[64 * word + static_cast<std::size_t>(std::countr_zero(left))];
             const auto isLevelWith = [&](Index row) { return row != None && isLevelRow(row) && voxels_[row].z == voxel.z; };

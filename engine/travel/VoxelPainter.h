@@ -19,7 +19,10 @@ public:
     {
         const StackIterator iterator(model_, voxelIndices, model_.FinestLOD());
         VoxelStack<bool>& stack = iterator.VoxelStackRef();
-        if (!stack.IsFullyDecompressed()) stack.Decompress();
+        if (!stack.IsFullyDecompressed()) {
+            stack.Decompress();
+            CheckWatch();
+        }
         const Triple offset = Minus(voxelIndices, iterator.LowerIndices());
         auto& row = stack.LayerVoxelPlateRef(static_cast<std::int32_t>(offset[2])).rows[static_cast<std::size_t>(offset[1])];
         row = static_cast<std::uint16_t>(row | 1U << offset[0]);

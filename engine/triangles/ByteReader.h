@@ -47,8 +47,12 @@ public:
 
     std::string_view Peek(std::size_t count) const { return {begin_, count}; }
 
+    /// How many bytes were taken.
+    std::size_t Taken() const { return taken_; }
+
     const char* Take(std::size_t count)
     {
+        taken_ += count;
         begin_ += count;
         return begin_ - count;
     }
@@ -94,6 +98,7 @@ private:
     std::uintmax_t expectedSize_ = 0;
     std::unique_ptr<char[]> block_;
     std::size_t blockLength_ = 0;
+    std::size_t taken_ = 0;
     const char* begin_ = "";
     const char* end_ = begin_;
 };

@@ -18,8 +18,13 @@ public:
 
     std::vector<VoxelCuboid> MakeCuboids()
     {
+        const std::int64_t lower = model_.LowerChunkIndices()[2];
         const std::int64_t upper = model_.UpperChunkIndices()[2];
-        for (std::int64_t z = model_.LowerChunkIndices()[2]; z <= upper; ++z) AddSlab(z);
+        WatchedLoop loop(static_cast<std::size_t>(upper - lower + 1));
+        for (std::int64_t z = lower; z <= upper; ++z) {
+            AddSlab(z);
+            loop.Step();
+        }
         EndSlab((upper + 1) * ChunkHeight);
         return std::move(cuboids_);
     }
@@ -70,6 +75,7 @@ void CuboidMaker::AddSlab(std::int64_t chunkZ)
 void CuboidMaker::AddRunEnds(const VoxelStack<bool>& stack, const Triple& corner)
 {
     if (stack.IsUnallocated()) return;
+    CheckWatch();
     const VoxelStack<bool>& lower = StackBeside(model_, lod_, corner, {-PlateWidth, 0, 0});
     const VoxelStack<bool>& upper = StackBeside(model_, lod_, corner, {PlateWidth, 0, 0});
     if (IsSolid(stack) && IsSolid(lower) && IsSolid(upper)) return;
@@ -90,7 +96,7 @@ std::vector<VoxelCuboid> CuboidizeVoxelModel(const VoxelModel<bool>& model, std:
     RequireLevelOf(model.FinestLOD(), "The level of detail for voxel cuboidization", lod);
     std::vector<VoxelCuboid> cuboids = CuboidMaker(model, lod).MakeCuboids();
     const auto order = [](const VoxelCuboid& cuboid) { return std::tuple(cuboid.lower[2], cuboid.lower[1], cuboid.lower[0]); };
-    std::sort(cuboids.begin(), cuboids.end(), [&](const VoxelCuboid& a, const VoxelCuboid& b) { return order(a) < order(b); });
+    WatchedSort(cuboids.begin(), cuboids.end(), [&](const VoxelCuboid& a, const VoxelCuboid& b) { return order(a) < order(b); });
     return cuboids;
 }
 

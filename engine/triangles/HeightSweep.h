@@ -89,6 +89,8 @@ private:
     Heights covered_ = 0;
 };
 
+inline constexpr std::size_t CellsBetweenChecks = 1 << 16;
+
 /// Sorts by key: short lists by comparing, long ones digit by digit from the lowest up, which leaves digits out that all keys
 /// share.
 inline void SortCells(std::vector<Cell>& cells)
@@ -98,16 +100,22 @@ inline void SortCells(std::vector<Cell>& cells)
     const auto isBefore = [](const Cell& a, const Cell& b) { return a.key < b.key; };
     if (cells.size() < shortest) return std::sort(cells.begin(), cells.end(), isBefore);
 
+    const auto forEachCell = [&](const auto& visit) {
+        for (std::size_t i = 0; i < cells.size(); ++i) {
+            if (i % CellsBetweenChecks == 0) CheckWatch();
+            visit(cells[i]);
+        }
+    };
     std::uint64_t differing = 0;
-    for (const Cell& cell : cells) differing |= cell.key ^ cells.front().key;
+    forEachCell([&](const Cell& cell) { differing |= cell.key ^ cells.front().key; });
     std::vector<Cell> sorted(cells);
     for (int shift = 0; shift < 64; shift += digitBits) {
         const auto digitOf = [shift](std::uint64_t key) { return static_cast<std::size_t>(key >> shift & 0xFF); };
         if (digitOf(differing) == 0) continue;
         std::array<std::size_t, 257> starts{}; // of each digit; counted one place higher
-        for (const Cell& cell : cells) ++starts[digitOf(cell.key) + 1];
+        forEachCell([&](const Cell& cell) { ++starts[digitOf(cell.key) + 1]; });
         for (std::size_t digit = 1; digit < starts.size(); ++digit) starts[digit] += starts[digit - 1];
-        for (const Cell& cell : cells) sorted[starts[digitOf(cell.key)]++] = cell;
+        forEachCell([&](const Cell& cell) { sorted[starts[digitOf(cell.key)]++] = cell; });
         cells.swap(sorted);
     }
 }
@@ -118,6 +126,7 @@ template <class Emit> void MergeCells(std::vector<Cell>& cells, const Emit& emit
     SortCells(cells);
     RunSweep sweep;
     for (std::size_t i = 0; i < cells.size(); ++i) {
+        if (i % CellsBetweenChecks == 0) CheckWatch();
         const std::uint64_t line = cells[i].Line();
         const auto emitRun = [&](const IndexRange& range, Heights heights) { emit(line, range, heights); };
         sweep.Cover(cells[i].Position(), cells[i].heights, emitRun);
@@ -131,7 +140,12 @@ template <class Emit> void MergeToggles(std::vector<Cell>& toggles, const Emit& 
 {
     SortCells(toggles);
     RunSweep sweep;
+    std::size_t untilCheck = CellsBetweenChecks;
     for (auto toggle = toggles.begin(); toggle != toggles.end();) {
+        if (--untilCheck == 0) {
+            CheckWatch();
+            untilCheck = CellsBetweenChecks;
+        }
         const Cell& first = *toggle;
         Heights toggled = 0;
         for (; toggle != toggles.end() && toggle->key == first.key; ++toggle) toggled ^= toggle->heights;
@@ -170,7 +184,7 @@ public:
         }
         open_.swap(next_);
         next_.clear();
-        std::sort(open_.begin(), open_.end(), IsBefore);
+        WatchedSort(open_.begin(), open_.end(), IsBefore);
     }
 
 private:

@@ -27,11 +27,13 @@ void ForEachPackedBatch(const Axes& axes, std::span<const WorldTriangle> triangl
                         const Visit& visit)
 {
     std::array<PackedTriangle, 128> buffer;
+    WatchedLoop loop(triangles.size());
     for (std::size_t first = 0; first < triangles.size(); first += buffer.size()) {
         const auto world = triangles.subspan(first, std::min(buffer.size(), triangles.size() - first));
         const std::span packed(buffer.data(), world.size());
         PackWorldTriangles(axes, world, packed, instructionSet);
         visit(PackedBatch{world, packed});
+        loop.Step(world.size());
     }
 }
 

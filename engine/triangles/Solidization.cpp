@@ -18,8 +18,13 @@ public:
 
     std::vector<VoxelRectangle> MakeRectangles()
     {
+        const std::int64_t lower = model_.LowerChunkIndices()[2];
         const std::int64_t upper = model_.UpperChunkIndices()[2];
-        for (std::int64_t z = model_.LowerChunkIndices()[2]; z <= upper; ++z) AddSlab(z);
+        WatchedLoop loop(static_cast<std::size_t>(upper - lower + 1));
+        for (std::int64_t z = lower; z <= upper; ++z) {
+            AddSlab(z);
+            loop.Step();
+        }
         for (Facing& facing : facings_) EndSlab(facing, (upper + 1) * ChunkHeight);
         return std::move(rectangles_);
     }
@@ -82,6 +87,7 @@ void RectangleMaker::AddSlab(std::int64_t chunkZ)
             const Triple corner = store.LowerIndices(ij);
             if (stack.IsUnallocated() || IsBuried(stack, corner)) return;
             for (Facing& facing : facings_) AddFaces(facing, stack, corner);
+            CheckWatch();
         });
     });
     for (Facing& facing : facings_) facing.axis == Axis::Z ? MergeHorizontal(facing, bottom) : MergeUpright(facing, bottom);
@@ -147,8 +153,8 @@ std::vector<VoxelRectangle> SolidizeVoxelModel(const VoxelModel<bool>& model, st
         const auto& [x, y, z] = rectangle.lower;
         return std::tuple(rectangle.axis, rectangle.side, rectangle.lower[static_cast<std::size_t>(rectangle.axis)], z, y, x);
     };
-    std::sort(rectangles.begin(), rectangles.end(),
-              [&](const VoxelRectangle& a, const VoxelRectangle& b) { return order(a) < order(b); });
+    WatchedSort(rectangles.begin(), rectangles.end(),
+                [&](const VoxelRectangle& a, const VoxelRectangle& b) { return order(a) < order(b); });
     return rectangles;
 }
 

@@ -1,5 +1,6 @@
 #include "StlFormats.h"
 
+#include "../frame/WatchedLoop.h"
 #include "PathText.h"
 #include "TextNumbers.h"
 
@@ -10,6 +11,7 @@
 #include <limits>
 #include <memory>
 #include <string>
+#include <utility>
 
 namespace brix {
 
@@ -64,7 +66,10 @@ public:
 
     /// `fileOffset`: how many bytes the file has already.
     BlockWriter(std::ostream& stream, const std::filesystem::path& filePath, std::size_t itemCount, std::size_t fileOffset = 0)
-        : stream_(stream), filePath_(filePath), lineCount_(1 + linesPerItem * std::min(itemCount, largestItemCount))
+        : stream_(stream),
+          filePath_(filePath),
+          loop_(itemCount),
+          lineCount_(1 + linesPerItem * std::min(itemCount, largestItemCount))
     {
         StartBlock(fileOffset);
     }
@@ -74,6 +79,7 @@ public:
     {
         if (static_cast<std::size_t>(block_[lineCount_ - 1].bytes.end() - end_) < maxItemSize) PassOn();
         end_ = write(end_);
+        ++items_;
     }
 
     /// Passes on what is left, as far as the operating system.
@@ -103,12 +109,15 @@ private:
     {
         if (!stream_.write(begin_, end_ - begin_)) throw Failure();
         StartBlock(fileOffset_ + static_cast<std::size_t>(end_ - begin_));
+        loop_.Step(std::exchange(items_, 0));
     }
 
     std::runtime_error Failure() const { return StlFailure("Failed to write triangle to STL file ", filePath_, "."); }
 
     std::ostream& stream_;
     const std::filesystem::path& filePath_;
+    WatchedLoop loop_;
+    std::size_t items_ = 0; // in the block
     std::size_t lineCount_;
     std::unique_ptr<CacheLine[]> block_ = std::make_unique_for_overwrite<CacheLine[]>(lineCount_);
     std::size_t fileOffset_ = 0;
@@ -207,7 +216,11 @@ bool IsAsciiStl(ByteReader& file, const std::filesystem::path& filePath)
 std::vector<WorldTriangle> ReadAsciiTriangles(ByteReader& file, const std::filesystem::path& filePath, bool swapYZ)
 {
     std::vector<WorldTriangle> triangles;
+    constexpr std::size_t bytesPerStep = 1 << 16;
+    WatchedLoop loop(static_cast<std::size_t>(file.ExpectedSize() / bytesPerStep + 1));
+    std::size_t nextStep = bytesPerStep;
     for (bool hasMoreLines = true; hasMoreLines;) {
+        for (; file.Taken() >= nextStep; nextStep += bytesPerStep) loop.Step();
         auto [text, hasLineBreak] = file.TakeLine();
         const std::string_view token = TakeToken(text);
         if (token == "outer" || token == "OUTER") triangles.push_back(TakeCorners(file, filePath, swapYZ));
@@ -228,11 +241,13 @@ std::vector<WorldTriangle> ReadBinaryTriangles(ByteReader& file, const std::file
     std::vector<WorldTriangle> triangles;
     triangles.reserve(static_cast<std::size_t>(std::min<std::uintmax_t>(triangleCount, file.ExpectedSize() / recordSize)));
     constexpr std::size_t recordsAtOnce = 1000;
+    WatchedLoop loop(triangleCount);
     while (triangles.size() < triangleCount) {
         const std::size_t count = std::min(recordsAtOnce, triangleCount - triangles.size());
         if (!file.Holds(count * recordSize)) throw StlFailure("Failed to read triangle in STL file ", filePath, ".");
         const char* record = file.Take(count * recordSize);
         for (std::size_t i = 0; i < count; ++i, record += recordSize) triangles.push_back(ReadRecord(record, swapYZ));
+        loop.Step(count);
     }
     return triangles;
 }

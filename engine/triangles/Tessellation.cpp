@@ -42,10 +42,12 @@ Tessellation::Tessellation(const VoxelModel<bool>& model, std::int64_t lod)
         ForEachBoxOfStack(store.VoxelStackRef(ij), [&](const Triple&, const Triple&) { ++boxCount; });
     });
     boxes_.reserve(boxCount);
+    WatchedLoop loop(boxCount);
     ForEachStoredStack(model, lod, [&](const VoxelStore<bool>& store, const StackIndices& ij) {
         const Triple corner = store.LowerIndices(ij);
         ForEachBoxOfStack(store.VoxelStackRef(ij), [&](const Triple& lower, const Triple& upper) {
             boxes_.push_back({Narrowed(Plus(corner, lower)), Narrowed(Plus(corner, upper))});
+            loop.Step();
         });
     });
 }
@@ -89,8 +91,16 @@ void TessellateVoxelModel(std::vector<WorldTriangle>& triangles, const VoxelMode
 {
     const Tessellation tessellation(model, lod);
     const std::size_t before = triangles.size();
-    triangles.resize(before + static_cast<std::size_t>(tessellation.TriangleCount()));
-    tessellation.CopyTriangles(0, tessellation.TriangleCount(), triangles.data() + before);
+    const std::int64_t count = tessellation.TriangleCount();
+    triangles.reserve(before + static_cast<std::size_t>(count));
+    constexpr std::int64_t partSize = 1 << 12; // the list grows by what a fast cache holds, to be written twice there
+    WatchedLoop loop(static_cast<std::size_t>(count / partSize + 1));
+    for (std::int64_t first = 0; first < count; first += partSize) {
+        const std::int64_t size = std::min(partSize, count - first);
+        triangles.resize(before + static_cast<std::size_t>(first + size));
+        tessellation.CopyTriangles(first, size, triangles.data() + before + first);
+        loop.Step();
+    }
 }
 
 } // namespace brix

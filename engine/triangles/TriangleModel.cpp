@@ -131,6 +131,7 @@ void TriangleModel::FileInPieces(const LatticeTriangle& triangle)
     };
     ForEachPiece(triangle, touches, [&](const LatticeTriangle& piece, const TriangleBox&) {
         ForEachTriple(lower, upper, [&](const Triple& chunk) { ChunkRef(chunk).AddTriangle(piece); });
+        CheckWatch();
     });
 }
 

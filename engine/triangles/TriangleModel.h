@@ -63,6 +63,7 @@ void TriangleChunk::ForEachTriangle(const Visit& visit, const VisitLarge& visitL
 {
     for (const std::vector<PackedTriangle>& block : blocks_) {
         for (const PackedTriangle& triangle : block) visit(triangle);
+        CheckWatch();
     }
     for (const LatticeTriangle& triangle : large_) visitLarge(triangle);
 }

@@ -189,7 +189,10 @@ void TriangleRaster::Fill(const TriangleChunk& triangles, InstructionSet instruc
     };
     const Triple margin{MaxPieceSpan, MaxPieceSpan, MaxPieceSpan};
     ForEachNearPart(triangle, Minus(lower, margin), Plus(upper, margin), [&](const LatticeTriangle& part) {
-        ForEachPiece(part, touches, [&](const LatticeTriangle& piece, const TriangleBox&) { Fill(Packed(piece)); });
+        ForEachPiece(part, touches, [&](const LatticeTriangle& piece, const TriangleBox&) {
+            Fill(Packed(piece));
+            CheckWatch();
+        });
     });
 }
 

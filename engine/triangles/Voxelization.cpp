@@ -75,7 +75,9 @@ void VoxelizeTriangleModel(VoxelModel<bool>& model, const TriangleModel& triangl
     const std::int64_t finestLOD = model.FinestLOD();
     const Triple voxelSize = model.AxesRef().VoxelSize(finestLOD);
     const InstructionSet instructionSet = FastestInstructionSet();
+    WatchedLoop loop(triangles.StoredChunkCount());
     triangles.ForEachChunk([&](const Triple& chunkIndices, const TriangleChunk& ofChunk) {
+        loop.Step();
         if (ofChunk.IsEmpty() || !model.IsChunkValid(chunkIndices)) return;
         VoxelChunk<bool>& chunk = model.ChunkRef(chunkIndices);
         VoxelStore<bool>& finest = chunk.VoxelStoreRef(finestLOD);

@@ -93,6 +93,7 @@ public:
         VoxelModel<bool> model(extents, finestLOD_);
         const bool isFilledBelow = lower_[2] % voxelSize_[2] == 0;
         canvases_.ForEach([&](const Triple& chunk, Canvas& canvas) {
+            CheckWatch();
             if (model.IsChunkValid(chunk)) canvas.MoveTo(model.ChunkRef(chunk).VoxelStoreRef(finestLOD_), isFilledBelow);
         });
         FillLarge(model);
@@ -181,15 +182,21 @@ private:
             TriangleRows(triangle, chunkSize_)
                 .ForEachRow(
                     touching.LowerIndices(), touching.UpperIndices(), [&](std::int64_t y, std::int64_t z, const VoxelRun& run) {
+                        CheckWatch();
                         for (std::int64_t x = run.first; x <= run.last; ++x)
                             touching.FindOrMake({x, y, z}, [] { return std::make_unique<std::vector<const LatticeTriangle*>>(); })
                                 .push_back(&triangle);
                     });
         }
+        WatchedLoop loop(touching.Size());
         touching.ForEach([&](const Triple& chunk, const std::vector<const LatticeTriangle*>& triangles) {
             TriangleRaster raster(model.ChunkRef(chunk).VoxelStoreRef(finestLOD_), voxelSize_);
-            for (const LatticeTriangle* const triangle : triangles) raster.FillWhole(*triangle);
+            for (const LatticeTriangle* const triangle : triangles) {
+                raster.FillWhole(*triangle);
+                CheckWatch();
+            }
             raster.Close();
+            loop.Step();
         });
     }
 
@@ -223,6 +230,7 @@ VoxelModel<bool> VoxelizeMesh(const Axes& axes, std::span<const std::array<Numbe
     if (triangles.empty()) return Voxelize(axes, std::span<const WorldTriangle>(), finestLOD);
     Voxelizer voxelizer(axes, finestLOD);
     std::array<WorldTriangle, 128> batch;
+    WatchedLoop loop(triangles.size());
     for (std::size_t first = 0; first < triangles.size(); first += batch.size()) {
         const std::size_t count = std::min(batch.size(), triangles.size() - first);
         for (std::size_t i = 0; i < count; ++i) {
@@ -232,6 +240,7 @@ VoxelModel<bool> VoxelizeMesh(const Axes& axes, std::span<const std::array<Numbe
             }
         }
         voxelizer.Add({batch.data(), count});
+        loop.Step(count);
     }
     return voxelizer.Finish();
 }

@@ -78,13 +78,16 @@ template <class Carrier>
 void SweepBox(VoxelModel<bool>& result, const VoxelModel<bool>& model, std::int64_t lod, const BoxSweep& sweep, Carrier carrier)
 {
     const Triple count = sweep.StackCount();
+    WatchedLoop loop(static_cast<std::size_t>(count[0] * count[1]));
     for (std::int64_t j = 0; j < count[1]; ++j) {
         carrier.EnterRow();
         for (std::int64_t i = 0; i < count[0]; ++i) {
             carrier.EnterColumn(i, sweep.CornerAt({i, j, 0}));
             for (std::int64_t k = 0; k < count[2]; ++k) {
                 SweepStack(result, model, lod, sweep, sweep.CornerAt({i, j, k}), k, carrier);
+                CheckWatch();
             }
+            loop.Step();
         }
     }
 }

@@ -187,15 +187,17 @@ void MarkFromPoint(VoxelModel<bool>& result, const VoxelModel<bool>& model, cons
     if (MarksNothing(view.threshold) || Lowest(view.lower, view.upper) != view.lower) return;
     const Triple eye = model.AxesRef().ContainingVoxel(view.point, lod);
     const std::vector<BoxSweep> octants = OctantsFrom(eye, view);
-    if (view.threshold <= 0) {
-        for (const BoxSweep& octant : octants) SweepBox(result, model, lod, octant, EverythingCarrier());
-        return;
-    }
+    WatchedLoop loop(octants.size());
     for (const BoxSweep& octant : octants) {
+        loop.Step();
+        if (view.threshold <= 0) {
+            SweepBox(result, model, lod, octant, EverythingCarrier());
+            continue;
+        }
         const PointWeights weights(model.AxesRef(), view.point, eye, lod, octant.order);
         SweepBox(result, model, lod, octant, ValueCarrier(weights, octant.StackCount(), view.threshold, instructionSet));
     }
-    UnmarkIfFilled(result, model, eye, lod);
+    if (view.threshold > 0) UnmarkIfFilled(result, model, eye, lod);
 }
 
 } // namespace brix::sight

@@ -1,13 +1,11 @@
 #include "OutputFile.h"
 
+#include "Signals.h"
 #include "Text.h"
 
 #include <algorithm>
 #include <array>
-#include <atomic>
 #include <cerrno>
-#include <climits>
-#include <csignal>
 #include <cstring>
 #include <stdexcept>
 #include <utility>
@@ -20,40 +18,6 @@ namespace brix::tools {
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr std::array EndingSignals{SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE, SIGXCPU};
-
-// The temporary file that is being written, for the handler, which may touch nothing that is not made for it.
-std::array<char, PATH_MAX> unfinished{};
-std::atomic<bool> isUnfinished{false};
-static_assert(std::atomic<bool>::is_always_lock_free);
-
-void RemoveUnfinishedAndEnd(int signal)
-{
-    if (isUnfinished.exchange(false)) unlink(unfinished.data());
-    std::signal(signal, SIG_DFL);
-    raise(signal);
-}
-
-// While one of these lives, signals wait: a file and the note of it come and go as one.
-class SignalsWait
-{
-public:
-    SignalsWait()
-    {
-        sigset_t ending;
-        sigemptyset(&ending);
-        for (const int signal : EndingSignals) sigaddset(&ending, signal);
-        sigprocmask(SIG_BLOCK, &ending, &before_);
-    }
-    ~SignalsWait() { sigprocmask(SIG_SETMASK, &before_, nullptr); }
-
-    SignalsWait(const SignalsWait&) = delete;
-    SignalsWait& operator=(const SignalsWait&) = delete;
-
-private:
-    sigset_t before_{};
-};
 
 std::runtime_error CannotWrite(const fs::path& name, int error)
 {
@@ -204,7 +168,6 @@ void OutputFile::OpenTemporary()
 {
     for (int number = 0;; ++number) {
         temporary_ = FolderOf(target_) / (".brix-" + std::to_string(getpid()) + "-" + std::to_string(number) + ".part");
-        if (temporary_.native().size() >= unfinished.size()) throw CannotWrite(name_, ENAMETOOLONG);
         const SignalsWait guard;
         const int file = open(temporary_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
         if (file < 0 && errno == EEXIST) continue;
@@ -212,8 +175,7 @@ void OutputFile::OpenTemporary()
             temporary_.clear();
             throw CannotWrite(name_, errno);
         }
-        std::ranges::copy(temporary_.native() + '\0', unfinished.begin());
-        isUnfinished = true;
+        NoteUnfinished(temporary_); // a name that the system has taken is not too long
         buffer_ = std::make_unique<Buffer>(file, progress_, expectedBytes_);
         return;
     }
@@ -224,7 +186,7 @@ void OutputFile::Discard()
     if (temporary_.empty()) return;
     const SignalsWait guard;
     unlink(temporary_.c_str());
-    isUnfinished = false;
+    ForgetUnfinished();
     temporary_.clear();
 }
 
@@ -255,21 +217,8 @@ void OutputFile::Commit()
     if (buffer_->Error() != 0) throw Failure();
     const SignalsWait guard;
     if (rename(temporary_.c_str(), target_.c_str()) != 0) throw CannotWrite(name_, errno);
-    isUnfinished = false;
+    ForgetUnfinished();
     temporary_.clear();
-}
-
-void CleanUpOnSignals()
-{
-    for (const int signal : EndingSignals) {
-        struct sigaction action
-        {};
-        sigaction(signal, nullptr, &action);
-        if (action.sa_handler == SIG_IGN) continue; // as under nohup
-        action.sa_handler = RemoveUnfinishedAndEnd;
-        sigaction(signal, &action, nullptr);
-    }
-    std::signal(SIGXFSZ, SIG_IGN);
 }
 
 } // namespace brix::tools

@@ -65,8 +65,4 @@ private:
     std::ostream stream_{nullptr};
 };
 
-/// Lets a signal that ends the program (Ctrl-C, a closed terminal, ...) remove the temporary file first, and a file that grows
-/// beyond its limit be an error like a full disk. To be called once, at the start.
-void CleanUpOnSignals();
-
 } // namespace brix::tools

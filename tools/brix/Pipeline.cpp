@@ -57,8 +57,7 @@ void RunSteps(Pipeline& pipeline, const std::vector<Action>& actions)
     for (std::size_t number = 0; number < actions.size(); ++number) {
         const Stopwatch watch;
         const std::string& name = actions[number].step.name;
-        Progress progress("step " + std::to_string(number + 1) + " of " + std::to_string(actions.size()) + ", " + name);
-        progress.Update(static_cast<double>(number), static_cast<double>(actions.size()));
+        const Progress progress("step " + std::to_string(number + 1) + " of " + std::to_string(actions.size()) + ", " + name);
         RequireMemoryForStep(actions[number].step, pipeline.model, pipeline.grid);
         actions[number].run(pipeline);
         const std::int64_t lod = pipeline.model.FinestLOD();

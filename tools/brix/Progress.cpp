@@ -1,6 +1,7 @@
 #include "Progress.h"
 
 #include "Report.h"
+#include "Signals.h"
 
 #include <cstdio>
 
@@ -19,8 +20,13 @@ bool IsShown()
 
 } // namespace
 
-Progress::Progress(std::string step) : step_(Printable(step)), outer_(innermost)
+Progress::Progress(std::string step)
+    : step_(Printable(step)), outer_(innermost), watch_([this](double share) {
+          if (!isCounted_) ShowShare(share);
+          return !IsInterrupted();
+      })
 {
+    LetInterruptsWait(true);
     innermost = this;
     Show(step_ + " ...");
 }
@@ -28,15 +34,23 @@ Progress::Progress(std::string step) : step_(Printable(step)), outer_(innermost)
 Progress::~Progress()
 {
     innermost = outer_;
+    LetInterruptsWait(innermost != nullptr);
     Show(outer_ == nullptr ? "" : outer_->step_ + " ...");
 }
 
 void Progress::Update(double done, double all)
 {
+    if (!(all > 0)) return;
+    isCounted_ = true;
+    ShowShare(std::min(1.0, done / all));
+}
+
+void Progress::ShowShare(double share)
+{
     const auto now = std::chrono::steady_clock::now();
-    if (!(all > 0) || now - shown_ < std::chrono::milliseconds(100)) return;
+    if (innermost != this || now - shown_ < std::chrono::milliseconds(100)) return;
     shown_ = now;
-    Show(step_ + " " + std::to_string(static_cast<int>(100 * std::min(1.0, done / all))) + " %");
+    Show(step_ + " " + std::to_string(static_cast<int>(100 * share)) + " %");
 }
 
 // Back to the line's start, and clear to its end.

@@ -21,9 +21,7 @@ namespace {
 class CountedBytes : public std::streambuf
 {
 public:
-    CountedBytes(std::streambuf& source, Progress& progress, double expected)
-        : source_(source), progress_(progress), expected_(expected)
-    {}
+    explicit CountedBytes(std::streambuf& source) : source_(source) {}
 
     std::int64_t Count() const { return count_; }
 
@@ -32,14 +30,11 @@ protected:
     {
         const std::streamsize given = source_.sgetn(bytes, wanted);
         count_ += given;
-        progress_.Update(static_cast<double>(count_), expected_);
         return given;
     }
 
 private:
     std::streambuf& source_;
-    Progress& progress_;
-    double expected_;
     std::int64_t count_ = 0;
 };
 
@@ -53,8 +48,8 @@ std::uintmax_t SizeOrZero(const std::filesystem::path& filePath)
 
 StlContent ReadStl(std::streambuf& source, const std::filesystem::path& name, std::uintmax_t size, bool swapYZ)
 {
-    Progress progress("reading " + name.string());
-    CountedBytes bytes(source, progress, static_cast<double>(size));
+    const Progress progress("reading " + name.string());
+    CountedBytes bytes(source);
     std::istream stream(&bytes);
     ByteReader reader(stream, size);
     const bool isAscii = IsAsciiStl(reader, name);

@@ -2,9 +2,11 @@
 #include "Commands/Commands.h"
 #include "Documents.h"
 #include "Hints.h"
-#include "OutputFile.h"
 #include "PlainNumbers.h"
 #include "Report.h"
+#include "Signals.h"
+
+#include <brix/frame/Watch.h>
 
 #include <algorithm>
 #include <iostream>
@@ -79,6 +81,9 @@ int Run(CLI::App& program, int argc, char** argv)
         return Fail(program, std::string(error.what()) + " (brix --help tells more)", ExitUsage);
     } catch (const UsageError& error) {
         return Fail(program, WithHint(error.what()), ExitUsage);
+    } catch (const Cancelled&) {
+        Fail(program, "Interrupted.", ExitFailure);
+        EndAsInterrupted();
     } catch (const std::bad_alloc&) {
         return Fail(
             program,

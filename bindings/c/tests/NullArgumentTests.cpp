@@ -1,5 +1,5 @@
 // Every function of brix_c.h with each of its pointers NULL in turn. The list of functions is made from the header when the build
-// is configured (tests/CMakeLists.txt), so that none can be left out:
+// is configured (bindings/c/tests/CMakeLists.txt), so that none can be left out:
 //     BRIX_FUNCTION(brix_axes_voxel_height, "const brix_axes* axes, double* result, brix_error* error")
 //     BRIX_FREE(brix_axes_free)
 #include "Objects.h"
@@ -21,7 +21,7 @@ using brix::tests::Free;
 
 // An object of each type, or a place for a result of it.
 using Objects = std::tuple<brix_axes*, brix_extents*, brix_model*, brix_models*, brix_iterator*, brix_list*, brix_mesh*,
-                           brix_rows*, brix_path_model*, brix_distance_field*, brix_path*, brix_bytes*>;
+                           brix_rows*, brix_path_model*, brix_distance_field*, brix_path*, brix_bytes*, brix_watch*>;
 
 class NullArguments : public ::testing::Test
 {
@@ -31,7 +31,7 @@ protected:
     {
         const double floor[9] = {0, 0, 0, 3, 0, 0, 0, 3, 0};
         brix_error* const error = nullptr;
-        auto& [axes, extents, model, models, iterator, list, mesh, rows, pathModel, field, path, bytes] = objects_;
+        auto& [axes, extents, model, models, iterator, list, mesh, rows, pathModel, field, path, bytes, watch] = objects_;
         EXPECT_EQ(brix_axes_create(1, numbers_.data(), 0, 1, &axes, error), BRIX_OK);
         EXPECT_EQ(brix_detect_triangle_extents(axes, floor, 1, &extents, error), BRIX_OK);
         EXPECT_EQ(brix_model_from_triangles(floor, 1, extents, 1, &model, error), BRIX_OK);
@@ -44,6 +44,7 @@ protected:
         EXPECT_EQ(brix_distance_field_create(pathModel, point_.data(), 1, 1e3, &field, error), BRIX_OK);
         EXPECT_EQ(brix_path_create(field, point_.data(), &path, error), BRIX_OK);
         EXPECT_EQ(brix_save_model(model, &bytes, error), BRIX_OK);
+        watch = nullptr; // a new one for each call, which ends it
     }
 
     ~NullArguments() override
@@ -104,6 +105,17 @@ private:
     std::int32_t* Given(std::int32_t*, Objects&, brix_error&) { return flagsOut_.data(); }
     std::uint8_t* Given(std::uint8_t*, Objects&, brix_error&) { return bytesOut_.data(); }
     brix_error* Given(brix_error*, Objects&, brix_error& error) { return &error; }
+    void* Given(void*, Objects&, brix_error&) { return this; }
+    brix_watch_callback Given(brix_watch_callback, Objects&, brix_error&)
+    {
+        return [](void*, double) { return 0; };
+    }
+    brix_watch* Given(brix_watch*, Objects&, brix_error&)
+    {
+        brix_watch* watch = nullptr;
+        EXPECT_EQ(brix_watch_begin([](void*, double) { return 0; }, nullptr, 0, &watch, nullptr), BRIX_OK);
+        return watch;
+    }
     const brix_model* const* Given(const brix_model* const*, Objects&, brix_error&) { return &std::get<brix_model*>(objects_); }
     template <class Object> const Object* Given(const Object*, Objects&, brix_error&) { return std::get<Object*>(objects_); }
     template <class Object> Object** Given(Object**, Objects& results, brix_error&) { return &std::get<Object*>(results); }
@@ -145,7 +157,7 @@ void NullArguments::Check(const char* name, std::int32_t (*function)(Parameters.
     const std::array<bool, sizeof...(Parameters)> isPointer{std::is_pointer_v<Parameters>...};
     for (std::size_t i = 0; i < names.size(); ++i) {
         if (!isPointer[i]) continue;
-        const bool isOptional = names[i] == "error" || names[i] == "guide";
+        const bool isOptional = names[i] == "error" || names[i] == "guide" || names[i] == "context";
         EXPECT_EQ(Status(function, names, {names[i]}), isOptional ? status : BRIX_NULL_ARGUMENT) << names[i];
         if (isOptional) continue;
         EXPECT_EQ(Status(function, names, {names[i], -7}), BRIX_NULL_ARGUMENT) << names[i] << " is looked at after numbers";

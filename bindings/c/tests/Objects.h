@@ -22,6 +22,7 @@ struct Free
 #include "Functions.inc"
 #undef BRIX_FUNCTION
 #undef BRIX_FREE
+        if constexpr (std::is_same_v<Object, brix_watch>) brix_watch_end(object, nullptr);
     }
 };
 template <class Object> using Owned = std::unique_ptr<Object, Free>;

@@ -8,6 +8,8 @@ namespace BrixCLI;
 [StructLayout(LayoutKind.Sequential)]
 internal unsafe struct NativeError
 {
+    private const int Cancelled = 7; // BRIX_CANCELLED
+
     private int status;
     private int isOwned;
     private long length;
@@ -18,6 +20,7 @@ internal unsafe struct NativeError
     {
         string text = error->message == null ? "" : Encoding.UTF8.GetString(error->message, checked((int)error->length));
         NativeMethods.brix_error_clear(error);
+        if (status == Cancelled) return WatchCLI.Stopped(text);
         return new Exception(text.Length > 0 ? text : "The voxel engine failed with status " + status + " and no message.");
     }
 }

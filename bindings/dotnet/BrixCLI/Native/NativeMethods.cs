@@ -30,6 +30,17 @@ internal static unsafe class NativeMethods
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
     internal static extern void brix_error_clear(NativeError* error);
 
+    // ---- Progress and stop ----
+
+    [UnmanagedFunctionPointer(CallingConvention.Cdecl)]
+    internal delegate int WatchCallback(IntPtr context, double share);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_watch_begin(IntPtr callback, IntPtr context, double pauseSeconds, IntPtr* result, NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_watch_end(IntPtr watch, NativeError* error);
+
     // ---- Memory limit ----
 
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
