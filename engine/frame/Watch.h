@@ -4,6 +4,8 @@
 //     const brix::VoxelModel<bool> grown = brix::ExpandHorizontally(model, 33, std::nullopt, true); // may throw Cancelled
 #pragma once
 
+#include "Compiler.h"
+
 #include <chrono>
 #include <exception>
 #include <functional>

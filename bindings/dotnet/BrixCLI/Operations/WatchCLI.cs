@@ -8,8 +8,8 @@ namespace BrixCLI;
 /// <summary>
 /// Progress and cancellation of all that this thread asks of the engine, as long as it lives:
 /// <code>
-/// using var watch = new WatchCLI(new Progress&lt;double&gt;(share => bar.Value = share), source.Token);
-/// VoxelModelCLI grown = SurfaceOperationsCLI.ExpandHorizontally(model, 33);
+/// using (new WatchCLI(new Progress&lt;double&gt;(share => bar.Value = share), source.Token))
+///     grown = SurfaceOperationsCLI.ExpandHorizontally(model, 33);
 /// </code>
 /// An operation that is cancelled throws <see cref="OperationCanceledException"/>, the one exception of this library that is not
 /// <see cref="Exception"/> itself; its arguments are as they were and it has no result. One watch is meant for one operation.
