@@ -30,7 +30,7 @@ struct Operation
     std::function<DenseWords(const Scene&)> runDensely;
 };
 
-using ExpandFunction = VoxelModel<bool>(const VoxelModel<bool>&, int, int, const std::optional<VoxelModel<bool>>&, bool);
+using ExpandFunction = VoxelModel<bool>(const VoxelModel<bool>&, int, int, Guide, bool);
 
 // Growth or shrinkage along an axis by n voxels on both sides.
 Operation Along(const std::string& name, ExpandFunction& function, DenseWords (*densely)(const DenseWords&, Axis, std::int64_t),

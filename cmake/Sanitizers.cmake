@@ -6,3 +6,9 @@ if(BRIX_SANITIZE)
         -DBRIX_SANITIZED $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
     add_link_options(-fsanitize=address,undefined)
 endif()
+
+# The build that looks for data races: what BRIX_SANITIZED leaves out, this does, too.
+if(BRIX_SANITIZE_THREADS)
+    add_compile_options(-fsanitize=thread -fno-omit-frame-pointer -DBRIX_SANITIZED)
+    add_link_options(-fsanitize=thread)
+endif()

@@ -22,7 +22,6 @@
 namespace {
 
 using namespace brix;
-using Voxels = VoxelModel<bool>;
 
 // Reads numbers from the bytes; zeros when they are used up.
 class Bytes

@@ -1,6 +1,8 @@
 // Voxels and models as bytes in the caller's memory.
 #include "Objects.h"
 
+#include <brix/frame/Require.h>
+
 #include <algorithm>
 
 using namespace brix;
@@ -19,6 +21,31 @@ std::span<const std::uint8_t> BytesAt(const std::uint8_t* bytes, std::int64_t co
     return {bytes, ByteCountOf(bytes, count)};
 }
 
+// Throws when the last voxel of a box would lie beyond the bytes.
+ByteStrides StridesOf(const brix_extents* box, std::int64_t byteCount, std::int64_t strideY, std::int64_t strideZ)
+{
+    RequireNotNegative("The distance of rows in bytes", strideY);
+    RequireNotNegative("The distance of layers in bytes", strideZ);
+    const Triple last = Minus(box->extents.UpperIndices(), box->extents.LowerIndices());
+    // Extents are less than 2^32 wide, so that nothing overflows once the strides are held to the bytes.
+    const bool isFar = (last[1] > 0 && strideY > byteCount / last[1]) || (last[2] > 0 && strideZ > byteCount / last[2]);
+    Require(!isFar && last[0] + last[1] * strideY + last[2] * strideZ < byteCount,
+            "The bytes of a box of voxels must hold its last voxel.");
+    return {static_cast<std::ptrdiff_t>(strideY), static_cast<std::ptrdiff_t>(strideZ)};
+}
+
+// A copy of a model in which write(copy) has written voxels.
+template <class Write>
+std::int32_t Written(const brix_model* model, const brix_extents* box, const std::uint8_t* bytes, brix_model** result,
+                     brix_error* error, const Write& write)
+{
+    return Guarded(error, {model, box, bytes, result}, "the written voxel model", [&] {
+        Voxels copy = VoxelsOf(model);
+        write(copy);
+        MakeModel(result, std::move(copy));
+    });
+}
+
 } // namespace
 
 std::int32_t brix_copy_voxels(const brix_model* model, const brix_extents* box, std::uint8_t* bytes, std::int64_t byte_count,
@@ -34,6 +61,55 @@ std::int32_t brix_model_from_voxels(const brix_extents* extents, const std::uint
 {
     return Guarded(error, {extents, bytes, result}, "the voxel model of the bytes",
                    [&] { MakeModel(result, ModelFromVoxels(extents->extents, BytesAt(bytes, byte_count), finest_lod)); });
+}
+
+std::int32_t brix_write_voxels(const brix_model* model, const brix_extents* box, const std::uint8_t* bytes,
+                               std::int64_t byte_count, brix_model** result, brix_error* error)
+{
+    return Written(model, box, bytes, result, error,
+                   [&](Voxels& copy) { WriteVoxels(copy, box->extents, BytesAt(bytes, byte_count)); });
+}
+
+std::int32_t brix_copy_voxels_strided(const brix_model* model, const brix_extents* box, std::uint8_t* bytes,
+                                      std::int64_t byte_count, std::int64_t stride_y, std::int64_t stride_z, brix_error* error)
+{
+    return Guarded(error, {model, box, bytes},
+                   [&] { CopyVoxels(VoxelsOf(model), box->extents, bytes, StridesOf(box, byte_count, stride_y, stride_z)); });
+}
+
+std::int32_t brix_write_voxels_strided(const brix_model* model, const brix_extents* box, const std::uint8_t* bytes,
+                                       std::int64_t byte_count, std::int64_t stride_y, std::int64_t stride_z, brix_model** result,
+                                       brix_error* error)
+{
+    return Written(model, box, bytes, result, error,
+                   [&](Voxels& copy) { WriteVoxels(copy, box->extents, bytes, StridesOf(box, byte_count, stride_y, stride_z)); });
+}
+
+std::int32_t brix_for_each_filled_run(const brix_model* model, std::int64_t voxel_lod, brix_run_visitor visit, void* context,
+                                      brix_error* error)
+{
+    return Guarded(error, {model}, [&] {
+        if (visit == nullptr) throw NullArgument();
+        struct Ended
+        {};
+        constexpr std::size_t mostAtOnce = 1000;
+        std::vector<FilledRun> runs;
+        runs.reserve(mostAtOnce);
+        const auto passOn = [&] {
+            const auto count = std::ssize(runs);
+            if (count > 0 && visit(context, &runs.front().lowerX, count) != 0) throw Ended();
+            runs.clear();
+        };
+        static_assert(sizeof(FilledRun) == 4 * sizeof(std::int64_t));
+        try {
+            ForEachFilledRun(VoxelsOf(model), voxel_lod, [&](const FilledRun& run) {
+                runs.push_back(run);
+                if (runs.size() == mostAtOnce) passOn();
+            });
+            passOn();
+        } catch (const Ended&) {
+        }
+    });
 }
 
 std::int32_t brix_save_model(const brix_model* model, brix_bytes** result, brix_error* error)

@@ -15,14 +15,8 @@ namespace {
 // The iterator's constructor needs a model that stays where it is; sharing it first sees to that.
 void MakeIterator(brix_iterator** result, const SharedVoxels& voxels, const Triple& voxelIndices, std::int64_t lod)
 {
-    Make(result, voxels, std::as_const(**voxels).FindVoxel(voxelIndices, lod));
+    Make(result, voxels, std::as_const(*voxels).FindVoxel(voxelIndices, lod));
 }
-
-std::span<const WorldTriangle> SpanOf(const double* triangles, std::int64_t count)
-{
-    return {TrianglesAt(triangles, count), static_cast<std::size_t>(count)};
-}
-
 using RowsAtIndex = std::vector<std::vector<bool>>(const VoxelModel<bool>&, std::int64_t, std::int64_t, bool, bool);
 
 RowsAtIndex& RowsAcross(std::int32_t dimIndex)
@@ -38,6 +32,21 @@ RowsAtIndex& RowsAcross(std::int32_t dimIndex)
         throw std::domain_error("The axis of a slice must be 0, 1 or 2. The value encountered was " + std::to_string(dimIndex) +
                                 ".");
     }
+}
+
+template <class Number>
+std::int32_t VoxelizedMesh(const brix_axes* axes, const Number* vertices, std::int64_t vertexCount, const std::int32_t* indices,
+                           std::int64_t triangleCount, std::int64_t finestLOD, brix_model** result, brix_error* error)
+{
+    return Guarded(error, {axes, result}, "the voxel model of the mesh", [&] {
+        RequireItems(vertices, vertexCount, 3, "triangle mesh vertices");
+        RequireItems(indices, triangleCount, 3, "triangles");
+        const std::span points(reinterpret_cast<const std::array<Number, 3>*>(vertices), static_cast<std::size_t>(vertexCount));
+        for (std::int64_t i = 0; i < 3 * triangleCount; ++i) RequireVertexIndex(indices[i], points.size());
+        const std::span triangles(reinterpret_cast<const std::array<std::uint32_t, 3>*>(indices),
+                                  static_cast<std::size_t>(triangleCount));
+        MakeModel(result, Voxelize(axes->axes, points, triangles, finestLOD));
+    });
 }
 
 } // namespace
@@ -61,13 +70,13 @@ std::int32_t brix_model_from_triangles(const double* triangles, std::int64_t tri
                                        std::int64_t finest_lod, brix_model** result, brix_error* error)
 {
     const auto bytes = [&] {
-        const std::span<const WorldTriangle> given = SpanOf(triangles, triangle_count);
+        const std::span<const WorldTriangle> given = TrianglesAt(triangles, triangle_count);
         return BytesToFileAndVoxelize(SizeOfVoxels(extents->extents, given, finest_lod), extents->extents.AxesRef(), given);
     };
     return Guarded(error, {extents, result}, "the voxel model of the triangles", bytes, [&] {
-        const std::span<const WorldTriangle> given = SpanOf(triangles, triangle_count);
+        const std::span<const WorldTriangle> given = TrianglesAt(triangles, triangle_count);
         TriangleModel filed(extents->extents);
-        filed.AddWorldTriangles(given.data(), given.size());
+        filed.AddWorldTriangles(given);
         VoxelModel<bool> voxels(extents->extents, finest_lod);
         VoxelizeTriangleModel(voxels, filed);
         MakeModel(result, std::move(voxels));
@@ -78,27 +87,31 @@ std::int32_t brix_voxelize(const brix_axes* axes, const double* triangles, std::
                            brix_model** result, brix_error* error)
 {
     const auto bytes = [&] {
-        const std::span<const WorldTriangle> given = SpanOf(triangles, triangle_count);
-        const Extents extents = DetectTriangleExtents(axes->axes, given.data(), given.size());
+        const std::span<const WorldTriangle> given = TrianglesAt(triangles, triangle_count);
+        const Extents extents = DetectTriangleExtents(axes->axes, given);
         return BytesToVoxelize(SizeOfVoxels(extents, given, finest_lod), axes->axes, given);
     };
     return Guarded(error, {axes, result}, "the voxel model of the triangles", bytes,
-                   [&] { MakeModel(result, Voxelize(axes->axes, SpanOf(triangles, triangle_count), finest_lod)); });
+                   [&] { MakeModel(result, Voxelize(axes->axes, TrianglesAt(triangles, triangle_count), finest_lod)); });
 }
 
 std::int32_t brix_voxelize_mesh(const brix_axes* axes, const double* vertices, std::int64_t vertex_count,
                                 const std::int32_t* indices, std::int64_t triangle_count, std::int64_t finest_lod,
                                 brix_model** result, brix_error* error)
 {
-    return Guarded(error, {axes, result}, "the voxel model of the mesh", [&] {
-        RequireItems(vertices, vertex_count, 3, "triangle mesh vertices");
-        RequireItems(indices, triangle_count, 3, "triangles");
-        const std::span points(reinterpret_cast<const std::array<double, 3>*>(vertices), static_cast<std::size_t>(vertex_count));
-        for (std::int64_t i = 0; i < 3 * triangle_count; ++i) RequireVertexIndex(indices[i], points.size());
-        const std::span triangles(reinterpret_cast<const std::array<std::uint32_t, 3>*>(indices),
-                                  static_cast<std::size_t>(triangle_count));
-        MakeModel(result, Voxelize(axes->axes, points, triangles, finest_lod));
-    });
+    return VoxelizedMesh(axes, vertices, vertex_count, indices, triangle_count, finest_lod, result, error);
+}
+
+std::int32_t brix_voxelize_float_mesh(const brix_axes* axes, const float* vertices, std::int64_t vertex_count,
+                                      const std::int32_t* indices, std::int64_t triangle_count, std::int64_t finest_lod,
+                                      brix_model** result, brix_error* error)
+{
+    return VoxelizedMesh(axes, vertices, vertex_count, indices, triangle_count, finest_lod, result, error);
+}
+
+std::int32_t brix_most_bytes_of_model(const brix_extents* extents, std::int64_t finest_lod, double* result, brix_error* error)
+{
+    return Guarded(error, {extents, result}, [&] { *result = MostBytesOfModel(extents->extents, finest_lod); });
 }
 
 void brix_model_free(brix_model* model) { delete model; }

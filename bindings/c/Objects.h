@@ -18,9 +18,8 @@
 #include <utility>
 #include <vector>
 
-// Models do not change once they have a handle, so handles, iterators and path models share them. They are kept in the form in
-// which growth takes its guide: a guide is then passed on, not copied.
-using SharedVoxels = std::shared_ptr<const std::optional<brix::VoxelModel<bool>>>;
+// Models do not change once they have a handle, so handles, iterators and path models share them.
+using SharedVoxels = std::shared_ptr<const brix::Voxels>;
 
 struct brix_axes
 {
@@ -142,7 +141,7 @@ std::int32_t Guarded(brix_error* error, std::initializer_list<const void*> neede
     return Guarded(error, needed, "the result", work);
 }
 
-inline const VoxelModel<bool>& VoxelsOf(const brix_model* model) { return **model->voxels; }
+inline const VoxelModel<bool>& VoxelsOf(const brix_model* model) { return *model->voxels; }
 
 /// Models on which an operation is tried before it is estimated, so that wrong arguments are told as ever: without any content,
 /// on the same extents, or on one voxel of them for operations whose work follows the extents.
@@ -176,10 +175,7 @@ template <class Object, class... Members> void Make(Object** result, Members&&..
     *result = new Object{std::forward<Members>(members)...};
 }
 
-inline SharedVoxels Share(VoxelModel<bool>&& voxels)
-{
-    return std::make_shared<const std::optional<VoxelModel<bool>>>(std::move(voxels));
-}
+inline SharedVoxels Share(VoxelModel<bool>&& voxels) { return std::make_shared<const Voxels>(std::move(voxels)); }
 
 inline void MakeModel(brix_model** result, VoxelModel<bool>&& voxels) { Make(result, Share(std::move(voxels))); }
 
@@ -188,7 +184,7 @@ inline void MakeModel(brix_model** result, VoxelModel<bool>&& voxels) { Make(res
 void RequireItems(const void* numbers, std::int64_t count, std::int64_t width, std::string_view name);
 
 /// Triangles in the caller's memory.
-const WorldTriangle* TrianglesAt(const double* triangles, std::int64_t count);
+std::span<const WorldTriangle> TrianglesAt(const double* triangles, std::int64_t count);
 
 /// Checks that `count` items from `first` on lie within 0 .. size - 1, and that there is a place for them.
 void RequirePart(std::int64_t first, std::int64_t count, std::int64_t size, const void* destination);

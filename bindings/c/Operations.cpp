@@ -49,7 +49,7 @@ std::int32_t Changed(const char* asked, const Change& change, const ReachOf& rea
     const bool autoAdjusts = autoAdjustExtents != 0;
     const auto estimate = [&] {
         const VoxelModel<bool>& voxels = VoxelsOf(model);
-        std::optional<VoxelModel<bool>> emptyGuide;
+        std::optional<Voxels> emptyGuide;
         if (guide != nullptr) emptyGuide.emplace(EmptyLike(VoxelsOf(guide)));
         change(EmptyLike(voxels), numbers..., emptyGuide, autoAdjusts);
         const Reach reach = reachOf(numbers...);
@@ -57,8 +57,8 @@ std::int32_t Changed(const char* asked, const Change& change, const ReachOf& rea
         return BytesToGrow(voxels, extents, reach, guide == nullptr ? nullptr : &VoxelsOf(guide));
     };
     return Guarded(error, {model, result}, asked, estimate, [&] {
-        const std::optional<VoxelModel<bool>> none;
-        MakeModel(result, change(VoxelsOf(model), numbers..., guide == nullptr ? none : *guide->voxels, autoAdjusts));
+        const Guide guideVoxels = guide == nullptr ? nullptr : &VoxelsOf(guide);
+        MakeModel(result, change(VoxelsOf(model), numbers..., guideVoxels, autoAdjusts));
     });
 }
 

@@ -3,6 +3,8 @@
 
 #include <filesystem>
 #include <limits>
+#include <ostream>
+#include <streambuf>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -26,15 +28,37 @@ void RequireItems(const void* numbers, std::int64_t count, std::int64_t width, s
     }
 }
 
-const WorldTriangle* TrianglesAt(const double* triangles, std::int64_t count)
+std::span<const WorldTriangle> TrianglesAt(const double* triangles, std::int64_t count)
 {
     RequireItems(triangles, count, 9, "triangles");
-    return reinterpret_cast<const WorldTriangle*>(triangles);
+    return {reinterpret_cast<const WorldTriangle*>(triangles), static_cast<std::size_t>(count)};
 }
 
 } // namespace brix::capi
 
 namespace {
+
+// A stream's bytes in memory.
+class ByteCollector : public std::streambuf
+{
+public:
+    std::vector<std::uint8_t> Take() { return std::move(bytes_); }
+
+protected:
+    std::streamsize xsputn(const char* bytes, std::streamsize count) override
+    {
+        bytes_.insert(bytes_.end(), bytes, bytes + count);
+        return count;
+    }
+    int_type overflow(int_type byte) override
+    {
+        bytes_.push_back(static_cast<std::uint8_t>(traits_type::to_char_type(byte)));
+        return byte;
+    }
+
+private:
+    std::vector<std::uint8_t> bytes_;
+};
 
 class TessellationList : public brix_list
 {
@@ -46,7 +70,8 @@ public:
 
     void Copy(std::int64_t firstItem, std::int64_t itemCount, double* destination) const override
     {
-        tessellation_.CopyTriangles(firstItem, itemCount, reinterpret_cast<WorldTriangle*>(destination));
+        tessellation_.CopyTriangles(firstItem,
+                                    {reinterpret_cast<WorldTriangle*>(destination), static_cast<std::size_t>(itemCount)});
     }
 
 private:
@@ -91,9 +116,9 @@ std::int32_t brix_list_copy(const brix_list* list, std::int64_t first_item, std:
 std::int32_t brix_triangle_normals(const double* triangles, std::int64_t triangle_count, double* result, brix_error* error)
 {
     return Guarded(error, {}, [&] {
-        const WorldTriangle* first = TrianglesAt(triangles, triangle_count);
+        const std::span<const WorldTriangle> given = TrianglesAt(triangles, triangle_count);
         if (triangle_count > 0) RequireGiven(result);
-        for (std::int64_t i = 0; i < triangle_count; ++i) CopyThree(WorldTriangleNormal(first[i]), result + 3 * i);
+        for (std::size_t i = 0; i < given.size(); ++i) CopyThree(WorldTriangleNormal(given[i]), result + 3 * i);
     });
 }
 
@@ -110,9 +135,33 @@ std::int32_t brix_save_stl(const double* triangles, std::int64_t triangle_count,
                            std::int32_t use_binary_format, std::int32_t swap_yz, brix_error* error)
 {
     return Guarded(error, {}, "writing the STL file", [&] {
-        const WorldTriangle* first = TrianglesAt(triangles, triangle_count);
+        const std::span<const WorldTriangle> given = TrianglesAt(triangles, triangle_count);
         const StlVariant variant = use_binary_format != 0 ? StlVariant::Binary : StlVariant::Ascii;
-        SaveTrianglesToSTL(PathAt(path, path_length), first, static_cast<std::size_t>(triangle_count), variant, swap_yz != 0);
+        SaveTrianglesToSTL(PathAt(path, path_length), given, variant, swap_yz != 0);
+    });
+}
+
+std::int32_t brix_load_stl_bytes(const std::uint8_t* bytes, std::int64_t byte_count, std::int32_t swap_yz, brix_list** result,
+                                 brix_error* error)
+{
+    return Guarded(error, {result}, "the triangles of the STL file", [&] {
+        RequireItems(bytes, byte_count, 1, "bytes");
+        MakeList(result, LoadTrianglesFromSTL({bytes, static_cast<std::size_t>(byte_count)}, swap_yz != 0),
+                 [](const WorldTriangle& triangle) { return triangle; });
+    });
+}
+
+std::int32_t brix_save_stl_bytes(const double* triangles, std::int64_t triangle_count, std::int32_t use_binary_format,
+                                 std::int32_t swap_yz, brix_bytes** result, brix_error* error)
+{
+    return Guarded(error, {result}, "the bytes of the STL file", [&] {
+        const std::span<const WorldTriangle> given = TrianglesAt(triangles, triangle_count);
+        ByteCollector bytes;
+        std::ostream stream(&bytes);
+        stream.exceptions(std::ios::badbit); // so that memory that runs out is told as such
+        const StlVariant variant = use_binary_format != 0 ? StlVariant::Binary : StlVariant::Ascii;
+        SaveTrianglesToSTL(stream, given, variant, swap_yz != 0);
+        Make(result, bytes.Take());
     });
 }
 
@@ -120,8 +169,8 @@ std::int32_t brix_detect_triangle_extents(const brix_axes* axes, const double* t
                                           brix_extents** result, brix_error* error)
 {
     return Guarded(error, {axes, result}, [&] {
-        const WorldTriangle* first = TrianglesAt(triangles, triangle_count);
-        Make(result, DetectTriangleExtents(axes->axes, first, static_cast<std::size_t>(triangle_count)));
+        const std::span<const WorldTriangle> given = TrianglesAt(triangles, triangle_count);
+        Make(result, DetectTriangleExtents(axes->axes, given));
     });
 }
 
@@ -130,6 +179,12 @@ std::int32_t brix_tessellate_voxel_model(const brix_model* model, std::int64_t v
     const auto bytes = [&] { return BytesToTessellate(BitRunCount(VoxelsOf(model), voxel_lod)); };
     return Guarded(error, {model, result}, "the triangles of the voxel model", bytes,
                    [&] { *result = new TessellationList(VoxelsOf(model), voxel_lod); });
+}
+
+std::int32_t brix_count_tessellation_triangles(const brix_model* model, std::int64_t voxel_lod, std::int64_t* result,
+                                               brix_error* error)
+{
+    return Guarded(error, {model, result}, [&] { *result = Tessellation::CountTriangles(VoxelsOf(model), voxel_lod); });
 }
 
 std::int32_t brix_cuboidize_voxel_model(const brix_model* model, std::int64_t voxel_lod, brix_list** result, brix_error* error)
@@ -160,9 +215,9 @@ std::int32_t brix_solidize_voxel_model(const brix_model* model, std::int64_t vox
 std::int32_t brix_mesh_from_triangles(const double* triangles, std::int64_t triangle_count, brix_mesh** result, brix_error* error)
 {
     return Guarded(error, {result}, "the triangle mesh", [&] {
-        const WorldTriangle* first = TrianglesAt(triangles, triangle_count);
+        const std::span<const WorldTriangle> given = TrianglesAt(triangles, triangle_count);
         TriangleMesh mesh({}, {});
-        mesh.AddTriangles(first, static_cast<std::size_t>(triangle_count));
+        mesh.AddTriangles(given);
         Make(result, std::move(mesh));
     });
 }

@@ -180,6 +180,14 @@ BRIX_C_API int32_t brix_list_size(const brix_list* list, int64_t* item_count, in
 BRIX_C_API int32_t brix_list_copy(const brix_list* list, int64_t first_item, int64_t item_count, double* destination,
                                   brix_error* error);
 
+/* Bytes of any number; `copy` writes any part of them to the caller's memory. */
+typedef struct brix_bytes brix_bytes;
+
+BRIX_C_API void brix_bytes_free(brix_bytes* bytes);
+BRIX_C_API int32_t brix_bytes_size(const brix_bytes* bytes, int64_t* result, brix_error* error);
+BRIX_C_API int32_t brix_bytes_copy(const brix_bytes* bytes, int64_t first_byte, int64_t byte_count, uint8_t* destination,
+                                   brix_error* error);
+
 /* ---- Triangles (brix/triangles/) ----
  *
  * `triangles` points to nine doubles per triangle: corner by corner, x, y, z, in world units. It may be NULL when the count is
@@ -193,6 +201,11 @@ BRIX_C_API int32_t brix_triangle_normals(const double* triangles, int64_t triang
 BRIX_C_API int32_t brix_load_stl(const char* path, int64_t path_length, int32_t swap_yz, brix_list** result, brix_error* error);
 BRIX_C_API int32_t brix_save_stl(const double* triangles, int64_t triangle_count, const char* path, int64_t path_length,
                                  int32_t use_binary_format, int32_t swap_yz, brix_error* error);
+/* The same from and to the bytes of a file, which messages name "data". */
+BRIX_C_API int32_t brix_load_stl_bytes(const uint8_t* bytes, int64_t byte_count, int32_t swap_yz, brix_list** result,
+                                       brix_error* error);
+BRIX_C_API int32_t brix_save_stl_bytes(const double* triangles, int64_t triangle_count, int32_t use_binary_format,
+                                       int32_t swap_yz, brix_bytes** result, brix_error* error);
 
 /* The extents at level 0 of all voxels that triangles can touch; of no triangles, a box around the origin. */
 BRIX_C_API int32_t brix_detect_triangle_extents(const brix_axes* axes, const double* triangles, int64_t triangle_count,
@@ -230,9 +243,14 @@ BRIX_C_API int32_t brix_model_from_triangles(const double* triangles, int64_t tr
  * the voxels touched, and not the box (brix/triangles/Voxelize.h). */
 BRIX_C_API int32_t brix_voxelize(const brix_axes* axes, const double* triangles, int64_t triangle_count, int64_t finest_lod,
                                  brix_model** result, brix_error* error);
-/* The same from three doubles per vertex and three indices per triangle. The memory limit does not ask for it. */
+/* The same from three doubles, or floats, per vertex and three indices per triangle. The memory limit does not ask for them. */
 BRIX_C_API int32_t brix_voxelize_mesh(const brix_axes* axes, const double* vertices, int64_t vertex_count, const int32_t* indices,
                                       int64_t triangle_count, int64_t finest_lod, brix_model** result, brix_error* error);
+BRIX_C_API int32_t brix_voxelize_float_mesh(const brix_axes* axes, const float* vertices, int64_t vertex_count,
+                                            const int32_t* indices, int64_t triangle_count, int64_t finest_lod,
+                                            brix_model** result, brix_error* error);
+/* Bytes that no model on these extents exceeds, whatever is filled (brix/model/ModelSize.h). */
+BRIX_C_API int32_t brix_most_bytes_of_model(const brix_extents* extents, int64_t finest_lod, double* result, brix_error* error);
 BRIX_C_API void brix_model_free(brix_model* model);
 
 BRIX_C_API int32_t brix_model_axes(const brix_model* model, brix_axes** result, brix_error* error);
@@ -257,14 +275,24 @@ BRIX_C_API int32_t brix_copy_voxels(const brix_model* model, const brix_extents*
  * extents. */
 BRIX_C_API int32_t brix_model_from_voxels(const brix_extents* extents, const uint8_t* bytes, int64_t byte_count,
                                           int64_t finest_lod, brix_model** result, brix_error* error);
+/* A copy of the model in which the voxels of a box, which lies inside its extents, are filled where a byte is not 0. */
+BRIX_C_API int32_t brix_write_voxels(const brix_model* model, const brix_extents* box, const uint8_t* bytes, int64_t byte_count,
+                                     brix_model** result, brix_error* error);
 
-/* Bytes of any number; `copy` writes any part of them to the caller's memory. */
-typedef struct brix_bytes brix_bytes;
+/* The same for memory with gaps: voxels follow each other along x, rows are `stride_y` bytes apart and layers `stride_z`, neither
+ * negative. `byte_count` bytes have to hold the last voxel. */
+BRIX_C_API int32_t brix_copy_voxels_strided(const brix_model* model, const brix_extents* box, uint8_t* bytes, int64_t byte_count,
+                                            int64_t stride_y, int64_t stride_z, brix_error* error);
+BRIX_C_API int32_t brix_write_voxels_strided(const brix_model* model, const brix_extents* box, const uint8_t* bytes,
+                                             int64_t byte_count, int64_t stride_y, int64_t stride_z, brix_model** result,
+                                             brix_error* error);
 
-BRIX_C_API void brix_bytes_free(brix_bytes* bytes);
-BRIX_C_API int32_t brix_bytes_size(const brix_bytes* bytes, int64_t* result, brix_error* error);
-BRIX_C_API int32_t brix_bytes_copy(const brix_bytes* bytes, int64_t first_byte, int64_t byte_count, uint8_t* destination,
-                                   brix_error* error);
+/* Calls visit(context, runs, run_count) with the runs of filled voxels along x at a level, in lattice order (z outermost, then y,
+ * then x), up to a thousand at a time: four numbers each, the first and the last index along x, y and z. Anything but 0 ends the
+ * call, with BRIX_OK. `visit` may not throw or leave by longjmp. */
+typedef int32_t (*brix_run_visitor)(void* context, const int64_t* runs, int64_t run_count);
+BRIX_C_API int32_t brix_for_each_filled_run(const brix_model* model, int64_t voxel_lod, brix_run_visitor visit, void* context,
+                                            brix_error* error);
 
 /* A model as bytes that docs/format.md describes, the same for equal models on every platform; and back, where anything else is
  * refused with BRIX_FILE_FAILURE. */
@@ -427,6 +455,9 @@ BRIX_C_API int32_t brix_visibility_within_pyramid(const brix_model* model, const
 
 /* The surface triangles of the filled voxels at a level, as a list of nine doubles each (brix/triangles/Tessellation.h). */
 BRIX_C_API int32_t brix_tessellate_voxel_model(const brix_model* model, int64_t voxel_lod, brix_list** result, brix_error* error);
+/* How many there will be, counted without making them. */
+BRIX_C_API int32_t brix_count_tessellation_triangles(const brix_model* model, int64_t voxel_lod, int64_t* result,
+                                                     brix_error* error);
 
 /* The filled voxels at a level as disjoint boxes, six doubles each: the world point of the lower corner, then the size along the
  * frame's X, Y and Z in world units (brix/triangles/Cuboidization.h). */

@@ -9,8 +9,6 @@
 namespace brix {
 namespace {
 
-using Stack = VoxelStack<bool>;
-
 // Where the stacks of a level are: a plain array over the box of what is stored, if that is small beside the number of look-ups,
 // and the model's own table otherwise.
 class StackFinder

@@ -7,9 +7,6 @@
 namespace brix {
 namespace {
 
-using Store = VoxelStore<bool>;
-using Stack = VoxelStack<bool>;
-
 std::string Describe(const Triple& indices, std::int64_t lod)
 {
     return " (" + std::to_string(indices[0]) + ", " + std::to_string(indices[1]) + ", " + std::to_string(indices[2]) +

@@ -8,8 +8,6 @@
 namespace brix {
 namespace {
 
-using Store = VoxelStore<bool>;
-
 constexpr double AllocatorBytes = 16; // that an allocation takes beside what was asked for
 
 const Extents& ExtentsAtValidLevel(const Extents& extents, std::int64_t lod)

@@ -37,16 +37,16 @@ struct ModelSize
 
 /// The size of a model at a level, 0..FinestLOD(). Cost: a look at every stored stack.
 /// Throws std::domain_error when the level is negative or beyond the finest one.
-ModelSize SizeOf(const VoxelModel<bool>& model, std::int64_t lod);
+[[nodiscard]] ModelSize SizeOf(const VoxelModel<bool>& model, std::int64_t lod);
 
 /// Bytes of the heap that a model of a size takes at most, with all levels up to size.lod, or with that one only.
 /// Coarser levels never have more layers than the next finer one.
-double BytesOfModel(const ModelSize& size);
-double BytesOfOneLevel(const ModelSize& size);
+[[nodiscard]] double BytesOfModel(const ModelSize& size);
+[[nodiscard]] double BytesOfOneLevel(const ModelSize& size);
 
 /// Bytes that no model on these extents exceeds, whatever is filled: every chunk is stored, and every height of every stack has a
 /// layer of its own. Real models stay far below: see docs/model.md.
 /// Throws std::domain_error when the finest level is negative or not less than 6.
-double MostBytesOfModel(const Extents& extents, std::int64_t finestLOD);
+[[nodiscard]] double MostBytesOfModel(const Extents& extents, std::int64_t finestLOD);
 
 } // namespace brix

@@ -11,9 +11,6 @@
 namespace brix {
 namespace {
 
-using Store = VoxelStore<bool>;
-using Stack = VoxelStack<bool>;
-
 // The layers of a stack at half its resolution, equal neighbours merged. Four of them are the quarters of a coarser stack, which
 // has a layer wherever one of the four has.
 class JoinedStack

@@ -12,9 +12,6 @@
 namespace brix {
 namespace {
 
-using Plate = VoxelPlate<bool>;
-using Stack = VoxelStack<bool>;
-
 constexpr auto RowBytes = static_cast<std::size_t>(PlateWidth);
 constexpr std::uint64_t LowestBits = 0x0101010101010101; // of eight bytes
 constexpr std::uint64_t HighestBits = 0x8080808080808080;

@@ -19,8 +19,8 @@ struct ByteStrides
 };
 
 /// Strides without gaps, and the number of bytes that a box then takes.
-ByteStrides DenseStrides(const Extents& box);
-std::size_t DenseSize(const Extents& box);
+[[nodiscard]] ByteStrides DenseStrides(const Extents& box);
+[[nodiscard]] std::size_t DenseSize(const Extents& box);
 
 /// Writes whether voxels are filled: a byte for each voxel of a box, whose level is one that the model holds. The box may reach
 /// beyond the model's extents; voxels outside of them are 0.
@@ -42,8 +42,9 @@ void WriteVoxels(VoxelModel<bool>& model, const Extents& box, std::span<const st
 /// A model on the extents that holds the levels 0..finestLOD, made of a byte for each voxel of the extents at their level.
 /// Throws std::domain_error when the finest level is negative or not less than 6, or the extents' level is beyond it; for a span,
 /// a size other than DenseSize(extents). Cost as above.
-VoxelModel<bool> ModelFromVoxels(const Extents& extents, const std::uint8_t* bytes, const ByteStrides& strides,
-                                 std::int64_t finestLOD);
-VoxelModel<bool> ModelFromVoxels(const Extents& extents, std::span<const std::uint8_t> bytes, std::int64_t finestLOD);
+[[nodiscard]] VoxelModel<bool> ModelFromVoxels(const Extents& extents, const std::uint8_t* bytes, const ByteStrides& strides,
+                                               std::int64_t finestLOD);
+[[nodiscard]] VoxelModel<bool> ModelFromVoxels(const Extents& extents, std::span<const std::uint8_t> bytes,
+                                               std::int64_t finestLOD);
 
 } // namespace brix

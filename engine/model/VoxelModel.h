@@ -4,6 +4,9 @@
 //
 // A voxel of level L, (x, y, z), covers the four voxels (2x..2x+1, 2y..2y+1, z) of level L + 1; heights are the same at all
 // levels. A voxel outside the extents is always empty, at every level.
+//
+// Threads: const members, and operations on const models, may run at the same time on one model. Whoever changes a model, or
+// assigns to it, must be alone with it.
 #pragma once
 
 #include "VoxelChunk.h"
@@ -83,5 +86,8 @@ private:
 
     OtherLevels otherLevels_;
 };
+
+/// The same, for those who write it often.
+using Voxels = VoxelModel<bool>;
 
 } // namespace brix

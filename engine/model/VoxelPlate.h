@@ -379,4 +379,6 @@ constexpr VoxelPlate<bool> DoubleResolution(const VoxelPlate<bool>& plate, bool 
     return MakePlate([&](std::size_t y) { return doubled[y / 2]; });
 }
 
+using Plate = VoxelPlate<bool>;
+
 } // namespace brix

@@ -9,8 +9,6 @@
 namespace brix {
 namespace {
 
-using Plate = VoxelPlate<bool>;
-
 constexpr std::uint8_t NoOffset = 0;
 
 } // namespace

@@ -194,4 +194,6 @@ template <class PlateAt> void VoxelStack<bool>::Assign(HeightSet starts, const P
     }
 }
 
+using Stack = VoxelStack<bool>;
+
 } // namespace brix

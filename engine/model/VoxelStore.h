@@ -149,4 +149,6 @@ private:
     Stacks stacks_; // the kept ones, row by row; none as long as all valid ones are empty, or full as isFull_ says
 };
 
+using Store = VoxelStore<bool>;
+
 } // namespace brix

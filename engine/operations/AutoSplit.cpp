@@ -12,9 +12,6 @@
 namespace brix {
 namespace {
 
-using Plate = VoxelPlate<bool>;
-using Stack = VoxelStack<bool>;
-using Store = VoxelStore<bool>;
 using Region = RegionLabels::Region;
 
 constexpr std::uint32_t None = std::numeric_limits<std::uint32_t>::max();

@@ -11,6 +11,6 @@ namespace brix {
 /// Method: bit runs of stored plates, united where they touch. Cost: proportional to the stored bit runs and to the results, of
 /// which each is a chunk at least; a number for each stack of the extents.
 /// Throws std::domain_error when more than 2^32 - 1 runs begin regions.
-std::vector<VoxelModel<bool>> AutoSplit(const VoxelModel<bool>& model);
+[[nodiscard]] std::vector<VoxelModel<bool>> AutoSplit(const VoxelModel<bool>& model);
 
 } // namespace brix

@@ -11,9 +11,6 @@
 namespace brix {
 namespace {
 
-using Store = VoxelStore<bool>;
-using Stack = VoxelStack<bool>;
-
 void RequireOperationLevel(const VoxelModel<bool>& model, std::int64_t lod)
 {
     RequireLevelOf(model.FinestLOD(), "The level of detail for voxel model operations", lod);

@@ -8,9 +8,6 @@
 namespace brix {
 namespace {
 
-using Plate = VoxelPlate<bool>;
-using Stack = VoxelStack<bool>;
-
 // How far each of the 16 x 16 columns of voxels still grows. The numbers are sliced by bits: plate b holds bit b of all of
 // them, so that all are counted down at once, as a chain of full subtractors does.
 class GrowthLeft

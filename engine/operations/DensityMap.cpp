@@ -16,10 +16,6 @@
 namespace brix {
 namespace {
 
-using Plate = VoxelPlate<bool>;
-using Stack = VoxelStack<bool>;
-using Store = VoxelStore<bool>;
-
 // The voxels of a plate by their sum of weights, rising from class to class; every voxel is in one class.
 class PlateSums
 {

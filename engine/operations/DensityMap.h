@@ -14,7 +14,8 @@ namespace brix {
 /// Throws std::domain_error for, in this order: no models; another number of weights than of models; no thresholds; a weight that
 /// is NaN; a threshold that is NaN (messages call them levels); `lod` negative or not less than 6; a null pointer; frames that
 /// differ. Cost: stored layers of all models, times the number of models that differ in a plate, times the sums that occur in it.
-std::vector<VoxelModel<bool>> DensityMap(const std::vector<const VoxelModel<bool>*>& models, const std::vector<double>& weights,
-                                         const std::vector<double>& thresholds, std::int64_t lod);
+[[nodiscard]] std::vector<VoxelModel<bool>> DensityMap(const std::vector<const VoxelModel<bool>*>& models,
+                                                       const std::vector<double>& weights, const std::vector<double>& thresholds,
+                                                       std::int64_t lod);
 
 } // namespace brix

@@ -19,9 +19,6 @@
 namespace brix {
 namespace {
 
-using Plate = VoxelPlate<bool>;
-using Stack = VoxelStack<bool>;
-
 // Sets of runs are sets of the heights at which these start.
 constexpr std::int64_t LowestOf(HeightSet heights) { return std::countr_zero(heights); }
 constexpr std::int64_t HighestOf(HeightSet heights) { return static_cast<std::int64_t>(std::bit_width(heights)) - 1; }

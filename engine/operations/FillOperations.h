@@ -10,12 +10,12 @@ namespace brix {
 
 /// The model with the empty region that holds a point filled. `pointCoords` in base units.
 /// A point in a filled voxel or outside the extents is no error: the result is a copy of the model.
-VoxelModel<bool> FillFromPoint(const VoxelModel<bool>& voxelModel, const std::array<std::int64_t, 3>& pointCoords);
+[[nodiscard]] VoxelModel<bool> FillFromPoint(const VoxelModel<bool>& voxelModel, const std::array<std::int64_t, 3>& pointCoords);
 
 /// The model with all empty regions filled that reach a face of the extents.
-VoxelModel<bool> FillExposedRegions(const VoxelModel<bool>& voxelModel);
+[[nodiscard]] VoxelModel<bool> FillExposedRegions(const VoxelModel<bool>& voxelModel);
 
 /// The model with all other empty regions, its cavities, filled.
-VoxelModel<bool> FillEnclosedRegions(const VoxelModel<bool>& voxelModel);
+[[nodiscard]] VoxelModel<bool> FillEnclosedRegions(const VoxelModel<bool>& voxelModel);
 
 } // namespace brix

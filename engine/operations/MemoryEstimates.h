@@ -19,52 +19,53 @@ namespace brix {
 // ---- Sizes of results
 
 /// At a finer level, as Refine makes it.
-ModelSize Refined(const ModelSize& size, std::int64_t lod);
+[[nodiscard]] ModelSize Refined(const ModelSize& size, std::int64_t lod);
 /// Sized up at a level that the model may not hold: as it is there, or refined to it.
 /// Throws std::domain_error when there is no such level.
-ModelSize SizeAtLevel(const VoxelModel<bool>& model, std::int64_t lod);
+[[nodiscard]] ModelSize SizeAtLevel(const VoxelModel<bool>& model, std::int64_t lod);
 /// On other extents, larger or smaller ones.
-ModelSize Within(const ModelSize& size, const Extents& extents);
+[[nodiscard]] ModelSize Within(const ModelSize& size, const Extents& extents);
 /// Where any of the models holds something, on given extents.
-ModelSize Joined(std::span<const ModelSize> sizes, const Extents& extents);
+[[nodiscard]] ModelSize Joined(std::span<const ModelSize> sizes, const Extents& extents);
 /// With all that is empty filled, wherever that is.
-ModelSize Inverted(const ModelSize& size);
+[[nodiscard]] ModelSize Inverted(const ModelSize& size);
 /// Grown by numbers of voxels along x, y and z, both sides together.
-ModelSize Grown(const ModelSize& size, const Triple& voxels);
+[[nodiscard]] ModelSize Grown(const ModelSize& size, const Triple& voxels);
 
 // ---- Bytes that operations take
 
 /// Crop, Enlarge, AutoCrop, Relocate and Resize to extents.
-double BytesToRebuild(const ModelSize& size, const Extents& newExtents);
-double BytesToRefine(const ModelSize& size, std::int64_t lod);
+[[nodiscard]] double BytesToRebuild(const ModelSize& size, const Extents& newExtents);
+[[nodiscard]] double BytesToRefine(const ModelSize& size, std::int64_t lod);
 /// Union, Intersect and Subtract of models; of `copied` bytes, the models that are copied first, as Subtract does with one that
 /// is finer than its result.
-double BytesToCombine(std::span<const ModelSize> sizes, const Extents& extents, double copied = 0);
-double BytesToInvert(const ModelSize& size);
+[[nodiscard]] double BytesToCombine(std::span<const ModelSize> sizes, const Extents& extents, double copied = 0);
+[[nodiscard]] double BytesToInvert(const ModelSize& size);
 /// FillFromPoint, FillExposedRegions and FillEnclosedRegions.
-double BytesToFill(const ModelSize& size);
+[[nodiscard]] double BytesToFill(const ModelSize& size);
 /// AutoSplit. Looks at every bit run of the model.
-double BytesToSplit(const VoxelModel<bool>& model);
+[[nodiscard]] double BytesToSplit(const VoxelModel<bool>& model);
 /// DensityMap at so many thresholds; `isEverywhere` when one of them is 0 or less.
-double BytesToMapDensity(std::span<const ModelSize> sizes, const Extents& extents, double thresholdCount, bool isEverywhere);
+[[nodiscard]] double BytesToMapDensity(std::span<const ModelSize> sizes, const Extents& extents, double thresholdCount,
+                                       bool isEverywhere);
 /// Growth and shrinkage on extents, by numbers of voxels along x, y and z (both sides together), with the size of a guide, if
 /// any.
-double BytesToGrow(const ModelSize& size, const Triple& voxels, const ModelSize* guide);
+[[nodiscard]] double BytesToGrow(const ModelSize& size, const Triple& voxels, const ModelSize* guide);
 /// All that is in Visibility.h, on the extents that are swept.
-double BytesToSee(const ModelSize& size, const Extents& extents);
+[[nodiscard]] double BytesToSee(const ModelSize& size, const Extents& extents);
 /// A path model, for agents of these sizes.
-double BytesToStand(const ModelSize& size, std::int64_t agentDiameter, std::int64_t agentHeight);
+[[nodiscard]] double BytesToStand(const ModelSize& size, std::int64_t agentDiameter, std::int64_t agentHeight);
 /// Sample points, and distance fields, of so many traversable voxels.
-double BytesToWalk(const ModelSize& size, double voxelCount);
+[[nodiscard]] double BytesToWalk(const ModelSize& size, double voxelCount);
 /// The boxes of Tessellation, CuboidizeVoxelModel and SolidizeVoxelModel: of so many bit runs, BitRunCount(model, lod).
-double BytesToTessellate(double runCount);
-double BytesToCuboidize(double runCount);
-double BytesToSolidize(double runCount);
+[[nodiscard]] double BytesToTessellate(double runCount);
+[[nodiscard]] double BytesToCuboidize(double runCount);
+[[nodiscard]] double BytesToSolidize(double runCount);
 /// The rows of SliceRows.h, which are vectors of bits.
-double BytesOfRows(double rowCount, double rowLength);
+[[nodiscard]] double BytesOfRows(double rowCount, double rowLength);
 
 /// Runs of filled voxels along x in all layers of a level, a layer taken once whatever its height.
 /// Throws std::domain_error when the level is negative or beyond the finest one.
-double BitRunCount(const VoxelModel<bool>& model, std::int64_t lod);
+[[nodiscard]] double BitRunCount(const VoxelModel<bool>& model, std::int64_t lod);
 
 } // namespace brix

@@ -74,8 +74,6 @@ template <class StacksOf, class Rule, class Restrain>
 bool Pass(LevelGrid& grid, std::initializer_list<LevelGrid::Source> sources, const StacksOf& stacksOf, const Rule& rule,
           const Restraint<Restrain>& restraint, InstructionSet instructionSet = FastestInstructionSet())
 {
-    using Plate = VoxelPlate<bool>;
-    using Stack = VoxelStack<bool>;
     bool isChanged = false;
     const auto write = [&](const Triple& stack, Stack& result) {
         stacksOf(stack, [&](const auto&... stacks) {
@@ -107,7 +105,6 @@ template <Axis axis, Side side, class Rule, class Restrain>
 bool PassTowards(LevelGrid& grid, std::int64_t distance, const Rule& rule, const Restraint<Restrain>& restraint,
                  InstructionSet instructionSet)
 {
-    using Plate = VoxelPlate<bool>;
     const std::int64_t skipped = (distance - 1) / StackSizeAlong(axis);
     const std::int64_t steps = distance - skipped * StackSizeAlong(axis);
     const auto withSeen = [&](const Triple& stack, const auto& combine, const auto&... barrier) {
@@ -161,7 +158,6 @@ template <class Rule, class Restrain>
 bool PassBothWays(LevelGrid& grid, Axis alongAxis, std::int64_t lowerDistance, std::int64_t upperDistance, const Rule& rule,
                   const Restraint<Restrain>& restraint, InstructionSet instructionSet = FastestInstructionSet())
 {
-    using Plate = VoxelPlate<bool>;
     return WithAxis(alongAxis, [&](auto axis) {
         const auto withSeen = [&](const Triple& stack, const auto& combine) {
             const VoxelStack<bool>& here = grid.StackAt(stack);
@@ -189,7 +185,6 @@ template <class Rule, class Restrain>
 bool PassBeside(LevelGrid& grid, const Rule& rule, const Restraint<Restrain>& restraint,
                 InstructionSet instructionSet = FastestInstructionSet())
 {
-    using Plate = VoxelPlate<bool>;
     const auto withNeighbours = [&](const Triple& stack, const auto& combine) {
         combine(grid.StackAt(stack), grid.StackAt(NeighbourOf(stack, Axis::X, Side::Lower)),
                 grid.StackAt(NeighbourOf(stack, Axis::X, Side::Upper)), grid.StackAt(NeighbourOf(stack, Axis::Y, Side::Lower)),
@@ -212,7 +207,6 @@ template <class Rule, class Restrain>
 bool PassAround(LevelGrid& grid, const Rule& rule, const Restraint<Restrain>& restraint,
                 InstructionSet instructionSet = FastestInstructionSet())
 {
-    using Plate = VoxelPlate<bool>;
     const auto withNeighbours = [&](const Triple& stack, const auto& combine) {
         const VoxelStack<bool>& here = grid.StackAt(stack);
         combine(here, SeenBelow(here, grid.StackAt(NeighbourOf(stack, Axis::Z, Side::Lower))),

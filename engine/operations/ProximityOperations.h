@@ -11,19 +11,19 @@ namespace brix {
 /// The filled voxel whose centre is nearest along the axis is found, the lower one of two; the point's own voxel before all
 /// others. A point that lies outside the extents along this axis searches as far into them as the offsets reach; along another
 /// axis, nothing is found. Throws std::domain_error when an offset is negative, the lower one first. Cost: stacks along the line.
-ConstVoxelIterator NearestFilledAlongX(const VoxelModel<bool>& voxelModel, const std::array<std::int64_t, 3>& point,
-                                       long long lowerOffset, long long upperOffset);
-ConstVoxelIterator NearestFilledAlongY(const VoxelModel<bool>& voxelModel, const std::array<std::int64_t, 3>& point,
-                                       long long lowerOffset, long long upperOffset);
-ConstVoxelIterator NearestFilledAlongZ(const VoxelModel<bool>& voxelModel, const std::array<std::int64_t, 3>& point,
-                                       long long lowerOffset, long long upperOffset);
+[[nodiscard]] ConstVoxelIterator NearestFilledAlongX(const VoxelModel<bool>& voxelModel, const std::array<std::int64_t, 3>& point,
+                                                     long long lowerOffset, long long upperOffset);
+[[nodiscard]] ConstVoxelIterator NearestFilledAlongY(const VoxelModel<bool>& voxelModel, const std::array<std::int64_t, 3>& point,
+                                                     long long lowerOffset, long long upperOffset);
+[[nodiscard]] ConstVoxelIterator NearestFilledAlongZ(const VoxelModel<bool>& voxelModel, const std::array<std::int64_t, 3>& point,
+                                                     long long lowerOffset, long long upperOffset);
 
 /// Searches the horizontal layer of the point's voxel inside the disc-like octagon that ExpandHorizontally makes of that voxel.
 /// `diameterOffset`  approximate diameter of the disc in voxels; it may reach beyond the extents and beyond the index space
 /// The filled voxel whose centre is nearest is found, the first by y and then by x of several; the point's own voxel before all
 /// others. For a point outside the extents nothing is found.
 /// Throws std::domain_error when the diameter is less than 1. Cost: stacks in the disc, at most 16 times.
-ConstVoxelIterator NearestFilledHorizontally(const VoxelModel<bool>& voxelModel, const std::array<std::int64_t, 3>& point,
-                                             long long diameterOffset);
+[[nodiscard]] ConstVoxelIterator NearestFilledHorizontally(const VoxelModel<bool>& voxelModel,
+                                                           const std::array<std::int64_t, 3>& point, long long diameterOffset);
 
 } // namespace brix

@@ -10,9 +10,6 @@
 namespace brix {
 namespace {
 
-using Plate = VoxelPlate<bool>;
-using Stack = VoxelStack<bool>;
-
 // The number of the run of a row that holds bit x.
 constexpr std::size_t RunOf(unsigned row, int x)
 {

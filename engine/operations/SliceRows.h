@@ -17,11 +17,11 @@ namespace brix {
 /// `reverseRowOrder`  the row of the highest index comes first
 /// `reverseEachRow`   each row starts with its highest index
 /// Throws std::domain_error when the level is negative or beyond the model's finest one. Cost: voxels of the plane.
-std::vector<std::vector<bool>> RowsAtSliceXIndex(const VoxelModel<bool>& model, std::int64_t sliceIndex, std::int64_t lod,
-                                                 bool reverseRowOrder, bool reverseEachRow);
-std::vector<std::vector<bool>> RowsAtSliceYIndex(const VoxelModel<bool>& model, std::int64_t sliceIndex, std::int64_t lod,
-                                                 bool reverseRowOrder, bool reverseEachRow);
-std::vector<std::vector<bool>> RowsAtSliceZIndex(const VoxelModel<bool>& model, std::int64_t sliceIndex, std::int64_t lod,
-                                                 bool reverseRowOrder, bool reverseEachRow);
+[[nodiscard]] std::vector<std::vector<bool>> RowsAtSliceXIndex(const VoxelModel<bool>& model, std::int64_t sliceIndex,
+                                                               std::int64_t lod, bool reverseRowOrder, bool reverseEachRow);
+[[nodiscard]] std::vector<std::vector<bool>> RowsAtSliceYIndex(const VoxelModel<bool>& model, std::int64_t sliceIndex,
+                                                               std::int64_t lod, bool reverseRowOrder, bool reverseEachRow);
+[[nodiscard]] std::vector<std::vector<bool>> RowsAtSliceZIndex(const VoxelModel<bool>& model, std::int64_t sliceIndex,
+                                                               std::int64_t lod, bool reverseRowOrder, bool reverseEachRow);
 
 } // namespace brix

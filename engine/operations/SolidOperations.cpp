@@ -19,10 +19,6 @@
 namespace brix {
 namespace {
 
-using Plate = VoxelPlate<bool>;
-using Store = VoxelStore<bool>;
-using Stack = VoxelStack<bool>;
-
 // Chunks: those that one of two models stores, or the first, or the second, or both; or any at all.
 enum class Where
 {

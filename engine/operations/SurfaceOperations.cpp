@@ -6,8 +6,6 @@
 namespace brix {
 namespace {
 
-using Guide = std::optional<VoxelModel<bool>>;
-
 constexpr Margins MarginsAlong(Axis axis, std::int64_t lower, std::int64_t upper)
 {
     Margins margins;
@@ -30,7 +28,7 @@ VoxelModel<bool> ChangeAlong(SurfacePasses<Change> passes, Axis axis, int lowerO
 }
 
 VoxelModel<bool> ExpandAlong(Axis axis, std::string_view lowerName, std::string_view upperName, const VoxelModel<bool>& source,
-                             int lowerOffset, int upperOffset, const Guide& guide, bool autoAdjust)
+                             int lowerOffset, int upperOffset, Guide guide, bool autoAdjust)
 {
     RequireNotNegative(lowerName, lowerOffset);
     RequireNotNegative(upperName, upperOffset);
@@ -39,7 +37,7 @@ VoxelModel<bool> ExpandAlong(Axis axis, std::string_view lowerName, std::string_
 }
 
 VoxelModel<bool> ReduceAlong(Axis axis, std::string_view lowerName, std::string_view upperName, const VoxelModel<bool>& source,
-                             int lowerOffset, int upperOffset, const Guide& guide, bool autoAdjust)
+                             int lowerOffset, int upperOffset, Guide guide, bool autoAdjust)
 {
     RequireNotNegative(lowerName, lowerOffset);
     RequireNotNegative(upperName, upperOffset);
@@ -89,7 +87,7 @@ template <class Change> VoxelModel<bool> ChangeHorizontally(SurfacePasses<Change
 
 } // namespace
 
-VoxelModel<bool> ExpandAlongX(const VoxelModel<bool>& voxelModel, int lowerOffset, int upperOffset, const Guide& guideVoxels,
+VoxelModel<bool> ExpandAlongX(const VoxelModel<bool>& voxelModel, int lowerOffset, int upperOffset, Guide guideVoxels,
                               bool autoAdjustExtents)
 {
     return ExpandAlong(Axis::X, "The number of voxels to be added to the lower X side",
@@ -97,7 +95,7 @@ VoxelModel<bool> ExpandAlongX(const VoxelModel<bool>& voxelModel, int lowerOffse
                        autoAdjustExtents);
 }
 
-VoxelModel<bool> ExpandAlongY(const VoxelModel<bool>& voxelModel, int lowerOffset, int upperOffset, const Guide& guideVoxels,
+VoxelModel<bool> ExpandAlongY(const VoxelModel<bool>& voxelModel, int lowerOffset, int upperOffset, Guide guideVoxels,
                               bool autoAdjustExtents)
 {
     return ExpandAlong(Axis::Y, "The number of voxels to be added to the lower Y side",
@@ -105,7 +103,7 @@ VoxelModel<bool> ExpandAlongY(const VoxelModel<bool>& voxelModel, int lowerOffse
                        autoAdjustExtents);
 }
 
-VoxelModel<bool> ExpandAlongZ(const VoxelModel<bool>& voxelModel, int lowerOffset, int upperOffset, const Guide& guideVoxels,
+VoxelModel<bool> ExpandAlongZ(const VoxelModel<bool>& voxelModel, int lowerOffset, int upperOffset, Guide guideVoxels,
                               bool autoAdjustExtents)
 {
     return ExpandAlong(Axis::Z, "The number of voxels to be added to the lower Z side",
@@ -113,7 +111,7 @@ VoxelModel<bool> ExpandAlongZ(const VoxelModel<bool>& voxelModel, int lowerOffse
                        autoAdjustExtents);
 }
 
-VoxelModel<bool> ReduceAlongX(const VoxelModel<bool>& voxelModel, int lowerOffset, int upperOffset, const Guide& guideVoxels,
+VoxelModel<bool> ReduceAlongX(const VoxelModel<bool>& voxelModel, int lowerOffset, int upperOffset, Guide guideVoxels,
                               bool autoAdjustExtents)
 {
     return ReduceAlong(Axis::X, "The number of voxels to be removed from the lower X side",
@@ -121,7 +119,7 @@ VoxelModel<bool> ReduceAlongX(const VoxelModel<bool>& voxelModel, int lowerOffse
                        guideVoxels, autoAdjustExtents);
 }
 
-VoxelModel<bool> ReduceAlongY(const VoxelModel<bool>& voxelModel, int lowerOffset, int upperOffset, const Guide& guideVoxels,
+VoxelModel<bool> ReduceAlongY(const VoxelModel<bool>& voxelModel, int lowerOffset, int upperOffset, Guide guideVoxels,
                               bool autoAdjustExtents)
 {
     return ReduceAlong(Axis::Y, "The number of voxels to be removed from the lower Y side",
@@ -129,7 +127,7 @@ VoxelModel<bool> ReduceAlongY(const VoxelModel<bool>& voxelModel, int lowerOffse
                        guideVoxels, autoAdjustExtents);
 }
 
-VoxelModel<bool> ReduceAlongZ(const VoxelModel<bool>& voxelModel, int lowerOffset, int upperOffset, const Guide& guideVoxels,
+VoxelModel<bool> ReduceAlongZ(const VoxelModel<bool>& voxelModel, int lowerOffset, int upperOffset, Guide guideVoxels,
                               bool autoAdjustExtents)
 {
     return ReduceAlong(Axis::Z, "The number of voxels to be removed from the lower Z side",
@@ -138,7 +136,7 @@ VoxelModel<bool> ReduceAlongZ(const VoxelModel<bool>& voxelModel, int lowerOffse
 }
 
 VoxelModel<bool> ExpandByOneVoxel(const VoxelModel<bool>& voxelModel, int horizontalAdjacency, int verticalAdjacency,
-                                  const Guide& guideVoxels, bool autoAdjustExtents)
+                                  Guide guideVoxels, bool autoAdjustExtents)
 {
     RequireAdjacency(horizontalAdjacency, verticalAdjacency);
     SurfacePasses<Growth> passes(voxelModel, guideVoxels, autoAdjustExtents ? MarginsAround(1, 1) : Margins{});
@@ -147,7 +145,7 @@ VoxelModel<bool> ExpandByOneVoxel(const VoxelModel<bool>& voxelModel, int horizo
 }
 
 VoxelModel<bool> ReduceByOneVoxel(const VoxelModel<bool>& voxelModel, int horizontalAdjacency, int verticalAdjacency,
-                                  const Guide& guideVoxels, bool autoAdjustExtents)
+                                  Guide guideVoxels, bool autoAdjustExtents)
 {
     RequireAdjacency(horizontalAdjacency, verticalAdjacency);
     SurfacePasses<Shrinkage> passes(voxelModel, guideVoxels, guideVoxels ? MarginsAround(1, 1) : Margins{});
@@ -155,7 +153,7 @@ VoxelModel<bool> ReduceByOneVoxel(const VoxelModel<bool>& voxelModel, int horizo
     return passes.Finish(autoAdjustExtents);
 }
 
-VoxelModel<bool> ExpandHorizontally(const VoxelModel<bool>& voxelModel, int diameterOffset, const Guide& guideVoxels,
+VoxelModel<bool> ExpandHorizontally(const VoxelModel<bool>& voxelModel, int diameterOffset, Guide guideVoxels,
                                     bool autoAdjustExtents)
 {
     RequireAtLeast("The approximate increase in the diameter of filled regions", 1, diameterOffset);
@@ -163,7 +161,7 @@ VoxelModel<bool> ExpandHorizontally(const VoxelModel<bool>& voxelModel, int diam
     return ChangeHorizontally(SurfacePasses<Growth>(voxelModel, guideVoxels, margins), diameterOffset, autoAdjustExtents);
 }
 
-VoxelModel<bool> ReduceHorizontally(const VoxelModel<bool>& voxelModel, int diameterOffset, const Guide& guideVoxels,
+VoxelModel<bool> ReduceHorizontally(const VoxelModel<bool>& voxelModel, int diameterOffset, Guide guideVoxels,
                                     bool autoAdjustExtents)
 {
     RequireAtLeast("The approximate decrease in the diameter of filled regions", 1, diameterOffset);

@@ -20,8 +20,7 @@ VoxelModel<bool> GuideInside(const VoxelModel<bool>& guide, const Extents& exten
 }
 
 template <class Change>
-SurfacePasses<Change>::SurfacePasses(const VoxelModel<bool>& source, const std::optional<VoxelModel<bool>>& guide,
-                                     const Margins& margins)
+SurfacePasses<Change>::SurfacePasses(const VoxelModel<bool>& source, Guide guide, const Margins& margins)
     : source_(source), grid_(source, MovedExtents(source, Minus({}, margins.lower), margins.upper))
 {
     if (!guide) return;

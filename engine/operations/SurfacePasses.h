@@ -2,6 +2,7 @@
 // a model. Growth and shrinkage are duals; each names its five plate rules and is otherwise the same.
 #pragma once
 
+#include "Guide.h"
 #include "NeighbourhoodPass.h"
 
 #include <optional>
@@ -59,7 +60,7 @@ template <class Change> class SurfacePasses
 {
 public:
     /// Works on the model's finest level, on its extents with `margins`. The source must outlive the passes.
-    SurfacePasses(const VoxelModel<bool>& source, const std::optional<VoxelModel<bool>>& guide, const Margins& margins);
+    SurfacePasses(const VoxelModel<bool>& source, Guide guide, const Margins& margins);
 
     /// Moves the faces that look to the lower side along an axis by `lower` voxels, then those that look to the upper side by
     /// `upper`.

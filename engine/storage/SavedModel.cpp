@@ -15,9 +15,6 @@
 namespace brix {
 namespace {
 
-using Plate = VoxelPlate<bool>;
-using Stack = VoxelStack<bool>;
-using Store = VoxelStore<bool>;
 using Bytes = std::span<const std::uint8_t>;
 
 static_assert(std::endian::native == std::endian::little && sizeof(Plate) == 32);

@@ -16,20 +16,20 @@ namespace brix {
 /// also where they do not follow from each other.
 /// Throws std::runtime_error when the stream fails. Cost: linear in what is stored.
 void SaveModel(const VoxelModel<bool>& model, std::ostream& stream);
-std::vector<std::uint8_t> SaveModel(const VoxelModel<bool>& model);
+[[nodiscard]] std::vector<std::uint8_t> SaveModel(const VoxelModel<bool>& model);
 
 /// The model that was saved. From a stream, its bytes are read and no more.
 /// Throws std::runtime_error with a sentence when the bytes are no saved model, of a version that this one does not know, cut
 /// off, or damaged: nothing else comes of bytes that are not what SaveModel has written. Throws std::bad_alloc when memory runs
 /// out. Cost: linear in the bytes. Memory: the model's, at most 150 times the bytes and 4 MB, also for bytes that lie about their
 /// content.
-VoxelModel<bool> LoadModel(std::istream& stream);
-VoxelModel<bool> LoadModel(std::span<const std::uint8_t> bytes);
+[[nodiscard]] VoxelModel<bool> LoadModel(std::istream& stream);
+[[nodiscard]] VoxelModel<bool> LoadModel(std::span<const std::uint8_t> bytes);
 
 /// 128 bits of a model's content: frame, extents, levels and voxels, the last 16 bytes of what SaveModel writes. Equal contents
 /// have equal hashes, on every platform; contents that differ have different ones, but for one in 2^64 pairs and for those that
 /// somebody makes on purpose.
 /// Method: MurmurHash3 x64_128. Cost: linear in what is stored.
-Hash128 ContentHash(const VoxelModel<bool>& model);
+[[nodiscard]] Hash128 ContentHash(const VoxelModel<bool>& model);
 
 } // namespace brix

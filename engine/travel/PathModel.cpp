@@ -12,8 +12,6 @@
 namespace brix {
 namespace {
 
-using Voxels = VoxelModel<bool>;
-
 // Growth beyond the largest model changes nothing more.
 int ToOffset(std::int64_t voxels) { return static_cast<int>(std::min<std::int64_t>(voxels, std::numeric_limits<int>::max())); }
 

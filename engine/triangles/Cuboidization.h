@@ -22,9 +22,9 @@ struct VoxelCuboid
 /// Throws std::domain_error when the level is negative or beyond the model's finest one.
 /// Cost: n log n for the faces across x of the stored layers, and a look at every stack. Uniform regions cost no more than their
 /// stacks.
-std::vector<VoxelCuboid> CuboidizeVoxelModel(const VoxelModel<bool>& model, std::int64_t lod);
+[[nodiscard]] std::vector<VoxelCuboid> CuboidizeVoxelModel(const VoxelModel<bool>& model, std::int64_t lod);
 
 /// A cuboid of a level in world units: its lower corner x, y, z, then its size along the frame's X, Y and Z.
-std::array<double, 6> ToWorldCuboid(const VoxelCuboid& cuboid, const Axes& axes, std::int64_t lod);
+[[nodiscard]] std::array<double, 6> ToWorldCuboid(const VoxelCuboid& cuboid, const Axes& axes, std::int64_t lod);
 
 } // namespace brix

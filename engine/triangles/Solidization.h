@@ -24,10 +24,11 @@ struct VoxelRectangle
 /// Throws std::domain_error when the level is negative or beyond the model's finest one.
 /// Cost: n log n for the faces of the stored layers, and a look at every stack. The inside of solids costs no more than its
 /// stacks.
-std::vector<VoxelRectangle> SolidizeVoxelModel(const VoxelModel<bool>& model, std::int64_t lod);
+[[nodiscard]] std::vector<VoxelRectangle> SolidizeVoxelModel(const VoxelModel<bool>& model, std::int64_t lod);
 
 /// The corners of a rectangle of a level, counter-clockwise seen from the side that it faces, in base units and in world units.
-std::array<Triple, 4> CornersOf(const VoxelRectangle& rectangle, const Axes& axes, std::int64_t lod);
-std::array<std::array<double, 3>, 4> ToWorldRectangle(const VoxelRectangle& rectangle, const Axes& axes, std::int64_t lod);
+[[nodiscard]] std::array<Triple, 4> CornersOf(const VoxelRectangle& rectangle, const Axes& axes, std::int64_t lod);
+[[nodiscard]] std::array<std::array<double, 3>, 4> ToWorldRectangle(const VoxelRectangle& rectangle, const Axes& axes,
+                                                                    std::int64_t lod);
 
 } // namespace brix

@@ -32,7 +32,6 @@ inline VoxelPlate<bool> FacesBeside(Axis axis, Side side, const VoxelPlate<bool>
 template <class Visit>
 void ForEachFacePlate(Axis axis, Side side, const VoxelStack<bool>& stack, const VoxelStack<bool>& other, const Visit& visit)
 {
-    using Plate = VoxelPlate<bool>;
     if (axis != Axis::Z)
         ForEachCommonLayer([&](std::int64_t z, std::int64_t, const Plate& here,
                                const Plate& beyond) { visit(z, FacesBeside(axis, side, here, beyond)); },

@@ -53,6 +53,14 @@ void Close(std::ofstream& file, const std::filesystem::path& filePath)
     if (!file) throw StlFailure("Failed to write triangle to STL file ", filePath, ".");
 }
 
+// What messages call a file that has no name.
+const std::filesystem::path Unnamed("data");
+
+std::vector<WorldTriangle> Read(ByteReader file, bool swapYZ)
+{
+    return IsAsciiStl(file, Unnamed) ? ReadAsciiTriangles(file, Unnamed, swapYZ) : ReadBinaryTriangles(file, Unnamed, swapYZ);
+}
+
 } // namespace
 
 std::vector<WorldTriangle> LoadTrianglesFromSTL(const std::filesystem::path& filePath, bool swapYZ)
@@ -75,28 +83,42 @@ std::vector<WorldTriangle> LoadTrianglesFromSTL(const std::filesystem::path& fil
     return read(whole, filePath, swapYZ);
 }
 
+std::vector<WorldTriangle> LoadTrianglesFromSTL(std::istream& stream, bool swapYZ) { return Read(ByteReader(stream), swapYZ); }
+
+std::vector<WorldTriangle> LoadTrianglesFromSTL(std::span<const std::uint8_t> file, bool swapYZ)
+{
+    return Read(ByteReader(std::string_view(reinterpret_cast<const char*>(file.data()), file.size())), swapYZ);
+}
+
 void SaveTrianglesToAsciiSTL(const std::filesystem::path& filePath, const std::vector<WorldTriangle>& triangles, bool swapYZ)
 {
-    SaveTrianglesToSTL(filePath, triangles.data(), triangles.size(), StlVariant::Ascii, swapYZ);
+    SaveTrianglesToSTL(filePath, triangles, StlVariant::Ascii, swapYZ);
 }
 
 void SaveTrianglesToBinarySTL(const std::filesystem::path& filePath, const std::vector<WorldTriangle>& triangles, bool swapYZ)
 {
-    SaveTrianglesToSTL(filePath, triangles.data(), triangles.size(), StlVariant::Binary, swapYZ);
+    SaveTrianglesToSTL(filePath, triangles, StlVariant::Binary, swapYZ);
 }
 
-void SaveTrianglesToSTL(const std::filesystem::path& filePath, const WorldTriangle* triangles, std::size_t count,
-                        StlVariant variant, bool swapYZ)
+void SaveTrianglesToSTL(const std::filesystem::path& filePath, std::span<const WorldTriangle> triangles, StlVariant variant,
+                        bool swapYZ)
 {
     if (variant == StlVariant::Ascii) {
         auto file = OpenToWrite(filePath, std::ios::out, " to write triangle data in ASCII format.");
-        WriteAsciiTriangles(file, filePath, {triangles, count}, swapYZ);
+        WriteAsciiTriangles(file, filePath, triangles, swapYZ);
         return Close(file, filePath);
     }
-    RequireBinaryTriangleCount(count);
+    RequireBinaryTriangleCount(triangles.size());
     auto file = OpenToWrite(filePath, std::ios::out | std::ios::binary, " to write triangle data in binary format.");
-    WriteBinaryTriangles(file, filePath, {triangles, count}, swapYZ);
+    WriteBinaryTriangles(file, filePath, triangles, swapYZ);
     Close(file, filePath);
+}
+
+void SaveTrianglesToSTL(std::ostream& stream, std::span<const WorldTriangle> triangles, StlVariant variant, bool swapYZ)
+{
+    if (variant == StlVariant::Ascii) return WriteAsciiTriangles(stream, Unnamed, triangles, swapYZ);
+    RequireBinaryTriangleCount(triangles.size());
+    WriteBinaryTriangles(stream, Unnamed, triangles, swapYZ);
 }
 
 } // namespace brix

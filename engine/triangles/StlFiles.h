@@ -6,7 +6,10 @@
 
 #include "Triangle.h"
 
+#include <cstdint>
 #include <filesystem>
+#include <iosfwd>
+#include <span>
 #include <vector>
 
 namespace brix {
@@ -23,7 +26,11 @@ namespace brix {
 /// bytes; then for ASCII files a triangle that is cut off by the end of the file (or of what can be read of it), or a line other
 /// than a vertex in a triangle; for binary files a missing header, triangle count or triangle.
 /// A pipe is read once from start to end. Cost: linear in the file's size.
-std::vector<WorldTriangle> LoadTrianglesFromSTL(const std::filesystem::path& filePath, bool swapYZ);
+[[nodiscard]] std::vector<WorldTriangle> LoadTrianglesFromSTL(const std::filesystem::path& filePath, bool swapYZ);
+
+/// The same from the rest of a stream, which has to be a binary one, or from the bytes of a file. Messages name the file "data".
+[[nodiscard]] std::vector<WorldTriangle> LoadTrianglesFromSTL(std::istream& stream, bool swapYZ);
+[[nodiscard]] std::vector<WorldTriangle> LoadTrianglesFromSTL(std::span<const std::uint8_t> file, bool swapYZ);
 
 /// Writes triangles, with their unit normals, as an ASCII STL file; a file that exists is replaced.
 /// Numbers have six significant digits, whatever the locale of the host: use a binary file where that is too coarse.
@@ -40,13 +47,16 @@ void SaveTrianglesToAsciiSTL(const std::filesystem::path& filePath, const std::v
 /// written (disk full); the incomplete file is left behind.
 void SaveTrianglesToBinarySTL(const std::filesystem::path& filePath, const std::vector<WorldTriangle>& triangles, bool swapYZ);
 
-/// Either of them, for triangles (world units) that are not in a list: `count` of them at `triangles`. Throws as they do.
+/// Either of them, for triangles (world units) that are not in a list. Throws as they do.
 enum class StlVariant
 {
     Ascii,
     Binary
 };
-void SaveTrianglesToSTL(const std::filesystem::path& filePath, const WorldTriangle* triangles, std::size_t count,
-                        StlVariant variant, bool swapYZ);
+void SaveTrianglesToSTL(const std::filesystem::path& filePath, std::span<const WorldTriangle> triangles, StlVariant variant,
+                        bool swapYZ);
+
+/// The same to a stream, a binary one, which messages name "data".
+void SaveTrianglesToSTL(std::ostream& stream, std::span<const WorldTriangle> triangles, StlVariant variant, bool swapYZ);
 
 } // namespace brix

@@ -29,18 +29,28 @@ std::array<std::int32_t, 3> Narrowed(const Triple& indices)
     return {static_cast<std::int32_t>(indices[0]), static_cast<std::int32_t>(indices[1]), static_cast<std::int32_t>(indices[2])};
 }
 
+std::size_t CountBoxes(const VoxelModel<bool>& model, std::int64_t lod)
+{
+    RequireLevelOf(model.FinestLOD(), "The level of detail for voxel tessellation", lod);
+    std::size_t count = 0;
+    ForEachStoredStack(model, lod, [&](const VoxelStore<bool>& store, const StackIndices& ij) {
+        ForEachBoxOfStack(store.VoxelStackRef(ij), [&](const Triple&, const Triple&) { ++count; });
+    });
+    return count;
+}
+
 } // namespace
+
+std::int64_t Tessellation::CountTriangles(const VoxelModel<bool>& model, std::int64_t lod)
+{
+    return TrianglesPerBox * static_cast<std::int64_t>(CountBoxes(model, lod));
+}
 
 Tessellation::Tessellation(const VoxelModel<bool>& model, std::int64_t lod)
     : axes_(model.AxesRef()), voxelSize_(axes_.VoxelSize(lod))
 {
-    RequireLevelOf(model.FinestLOD(), "The level of detail for voxel tessellation", lod);
-
     // Counted first: a list that grows would be copied again and again.
-    std::size_t boxCount = 0;
-    ForEachStoredStack(model, lod, [&](const VoxelStore<bool>& store, const StackIndices& ij) {
-        ForEachBoxOfStack(store.VoxelStackRef(ij), [&](const Triple&, const Triple&) { ++boxCount; });
-    });
+    const std::size_t boxCount = CountBoxes(model, lod);
     boxes_.reserve(boxCount);
     WatchedLoop loop(boxCount);
     ForEachStoredStack(model, lod, [&](const VoxelStore<bool>& store, const StackIndices& ij) {
@@ -67,10 +77,11 @@ void Tessellation::WriteBox(const Box& box, WorldTriangle* output) const
     for (const auto& [a, b, c] : BoxTriangles) *output++ = {corners[a], corners[b], corners[c]};
 }
 
-void Tessellation::CopyTriangles(std::int64_t first, std::int64_t count, WorldTriangle* destination) const
+void Tessellation::CopyTriangles(std::int64_t first, std::span<WorldTriangle> room) const
 {
+    WorldTriangle* destination = room.data();
     // A part may begin and end inside a box.
-    for (const std::int64_t end = first + count; first < end;) {
+    for (const auto end = first + static_cast<std::int64_t>(room.size()); first < end;) {
         const Box& box = boxes_[static_cast<std::size_t>(first / TrianglesPerBox)];
         const std::int64_t skipped = first % TrianglesPerBox;
         if (skipped == 0 && end - first >= TrianglesPerBox) {
@@ -98,7 +109,7 @@ void TessellateVoxelModel(std::vector<WorldTriangle>& triangles, const VoxelMode
     for (std::int64_t first = 0; first < count; first += partSize) {
         const std::int64_t size = std::min(partSize, count - first);
         triangles.resize(before + static_cast<std::size_t>(first + size));
-        tessellation.CopyTriangles(first, size, triangles.data() + before + first);
+        tessellation.CopyTriangles(first, std::span(triangles).last(static_cast<std::size_t>(size)));
         loop.Step();
     }
 }

@@ -4,6 +4,8 @@
 #include "../model/VoxelModel.h"
 #include "Triangle.h"
 
+#include <span>
+
 namespace brix {
 
 /// Appends the surface triangles (world units, counter-clockwise seen from outside) of boxes that cover the filled voxels of a
@@ -22,8 +24,11 @@ public:
 
     std::int64_t TriangleCount() const;
 
-    /// Writes the triangles `first` to `first + count - 1`, which must exist.
-    void CopyTriangles(std::int64_t first, std::int64_t count, WorldTriangle* destination) const;
+    /// The same of what is not made. Throws as the constructor. Cost: a pass over the stored layers.
+    static std::int64_t CountTriangles(const VoxelModel<bool>& model, std::int64_t lod);
+
+    /// Writes the triangles from `first` on, as many as there is room for, which must exist.
+    void CopyTriangles(std::int64_t first, std::span<WorldTriangle> destination) const;
 
 private:
     // Voxel indices of the level, which fit 32 bits in every model; `upper` is exclusive.

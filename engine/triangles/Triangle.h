@@ -17,6 +17,6 @@ using LatticeTriangle = std::array<std::array<std::int64_t, 3>, 3>;
 
 /// The unit normal of a world triangle by the right-hand rule: (B - A) x (C - A), divided by its length.
 /// A triangle without area, or one whose area is not a number, has the normal (0, 0, 0).
-std::array<double, 3> WorldTriangleNormal(const WorldTriangle& triangle);
+[[nodiscard]] std::array<double, 3> WorldTriangleNormal(const WorldTriangle& triangle);
 
 } // namespace brix

@@ -1,5 +1,6 @@
 #include "TriangleMesh.h"
 
+#include "../frame/WatchedLoop.h"
 #include <cmath>
 #include <stdexcept>
 #include <string>
@@ -63,11 +64,15 @@ std::int64_t TriangleMesh::IndexOf(const std::array<double, 3>& vertex)
     return index;
 }
 
-void TriangleMesh::AddTriangles(const std::vector<WorldTriangle>& triangles) { AddTriangles(triangles.data(), triangles.size()); }
+void TriangleMesh::AddTriangles(const std::vector<WorldTriangle>& triangles) { AddTriangles(std::span(triangles)); }
 
-void TriangleMesh::AddTriangles(const WorldTriangle* triangles, std::size_t count)
+void TriangleMesh::AddTriangles(std::span<const WorldTriangle> triangles)
 {
-    for (std::size_t i = 0; i < count; ++i) AddTriangle(triangles[i]);
+    WatchedLoop loop(triangles.size());
+    for (const WorldTriangle& triangle : triangles) {
+        AddTriangle(triangle);
+        loop.Step();
+    }
 }
 
 std::vector<WorldTriangle> TriangleMesh::ExpandedTriangles() const

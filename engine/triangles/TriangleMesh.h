@@ -5,6 +5,8 @@
 
 #include <map>
 
+#include <span>
+
 namespace brix {
 
 /// Throws std::domain_error when an index of a triangle's corner is negative, or not less than the number of vertices.
@@ -28,7 +30,7 @@ public:
     /// Degenerate triangles are kept. Cost per corner: logarithmic in the number of vertices.
     void AddTriangle(const WorldTriangle& triangle);
     void AddTriangles(const std::vector<WorldTriangle>& triangles);
-    void AddTriangles(const WorldTriangle* triangles, std::size_t count);
+    void AddTriangles(std::span<const WorldTriangle> triangles);
 
     /// One world triangle per index triple, in order.
     std::vector<WorldTriangle> ExpandedTriangles() const;

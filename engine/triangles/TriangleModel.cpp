@@ -96,14 +96,14 @@ private:
 
 void TriangleModel::AddWorldTriangles(const std::vector<WorldTriangle>& worldTriangles)
 {
-    AddWorldTriangles(worldTriangles.data(), worldTriangles.size());
+    AddWorldTriangles(std::span(worldTriangles));
 }
 
-void TriangleModel::AddWorldTriangles(const WorldTriangle* worldTriangles, std::size_t count)
+void TriangleModel::AddWorldTriangles(std::span<const WorldTriangle> worldTriangles)
 {
     Filing filing(*this);
     const InstructionSet instructionSet = FastestInstructionSet();
-    ForEachPackedBatch(AxesRef(), {worldTriangles, count}, instructionSet, [&](const PackedBatch& batch) {
+    ForEachPackedBatch(AxesRef(), worldTriangles, instructionSet, [&](const PackedBatch& batch) {
         RunWith(instructionSet, [&] {
             for (std::size_t i = 0; i < batch.packed.size(); ++i)
                 if (!filing.Add(batch.packed[i])) AddWorldTriangle(batch.world[i]);

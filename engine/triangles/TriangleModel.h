@@ -4,6 +4,8 @@
 #include "../model/Model.h"
 #include "Triangle.h"
 
+#include <span>
+
 namespace brix {
 
 /// Holds the corners of a triangle within +-MaxCoordinate.
@@ -78,7 +80,7 @@ public:
     /// Converts each corner from world units with the frame's FromWorldCoordinates, and files the triangle.
     void AddWorldTriangle(const WorldTriangle& worldTriangle);
     void AddWorldTriangles(const std::vector<WorldTriangle>& worldTriangles);
-    void AddWorldTriangles(const WorldTriangle* worldTriangles, std::size_t count);
+    void AddWorldTriangles(std::span<const WorldTriangle> worldTriangles);
 
     /// Files a triangle (base units) in every chunk of the grid that its box touches; one that spans more than half a chunk's
     /// width is cut into four at the midpoints of its edges first, as often as needed. What lies outside the grid is dropped.

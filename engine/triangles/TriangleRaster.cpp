@@ -6,9 +6,6 @@ namespace brix {
 
 namespace {
 
-using Plate = VoxelPlate<bool>;
-using Stack = VoxelStack<bool>;
-
 constexpr auto PlateRow = static_cast<std::int32_t>(PlateWidth);
 constexpr std::int32_t HalfPlate = PlateRow / 2; // in rows
 

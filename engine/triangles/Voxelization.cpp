@@ -51,18 +51,18 @@ void EncloseBatch(const Axes& axes, const PackedBatch& batch, Triple& lower, Tri
 
 Extents DetectTriangleExtents(const Axes& axes, const std::vector<WorldTriangle>& triangles)
 {
-    return DetectTriangleExtents(axes, triangles.data(), triangles.size());
+    return DetectTriangleExtents(axes, std::span(triangles));
 }
 
-Extents DetectTriangleExtents(const Axes& axes, const WorldTriangle* triangles, std::size_t count)
+Extents DetectTriangleExtents(const Axes& axes, std::span<const WorldTriangle> triangles)
 {
-    if (count == 0) return Extents(axes, {-25, -25, -40}, {24, 24, 39}, 0);
+    if (triangles.empty()) return Extents(axes, {-25, -25, -40}, {24, 24, 39}, 0);
 
     constexpr std::int64_t most = std::numeric_limits<std::int64_t>::max();
     Triple lower{most, most, most};
     Triple upper{-most, -most, -most};
     const InstructionSet instructionSet = FastestInstructionSet();
-    ForEachPackedBatch(axes, {triangles, count}, instructionSet,
+    ForEachPackedBatch(axes, triangles, instructionSet,
                        [&](const PackedBatch& batch) { EncloseBatch(axes, batch, lower, upper, instructionSet); });
     return ExtentsAround(axes, lower, upper);
 }

@@ -12,11 +12,11 @@ namespace brix {
 /// stacks and their layers, areas and edges tell. Nearly always too high, as many triangles share a stack.
 /// Throws std::domain_error when the finest level is negative or not less than 6. Cost: a pass over the triangles, as for the
 /// others.
-ModelSize SizeOfVoxels(const Extents& extents, std::span<const WorldTriangle> triangles, std::int64_t finestLOD);
+[[nodiscard]] ModelSize SizeOfVoxels(const Extents& extents, std::span<const WorldTriangle> triangles, std::int64_t finestLOD);
 
 /// Bytes that Voxelize takes at most beside its triangles, its result, of this size, included; or, when triangles are filed
 /// first, TriangleModel and VoxelizeTriangleModel.
-double BytesToVoxelize(const ModelSize& size, const Axes& axes, std::span<const WorldTriangle> triangles);
-double BytesToFileAndVoxelize(const ModelSize& size, const Axes& axes, std::span<const WorldTriangle> triangles);
+[[nodiscard]] double BytesToVoxelize(const ModelSize& size, const Axes& axes, std::span<const WorldTriangle> triangles);
+[[nodiscard]] double BytesToFileAndVoxelize(const ModelSize& size, const Axes& axes, std::span<const WorldTriangle> triangles);
 
 } // namespace brix

@@ -250,7 +250,7 @@ VoxelModel<bool> VoxelizeMesh(const Axes& axes, std::span<const std::array<Numbe
 VoxelModel<bool> Voxelize(const Axes& axes, std::span<const WorldTriangle> triangles, std::int64_t finestLOD)
 {
     RequireLevel("The finest level of detail in a voxel model", finestLOD);
-    if (triangles.empty()) return VoxelModel<bool>(DetectTriangleExtents(axes, triangles.data(), 0), finestLOD);
+    if (triangles.empty()) return VoxelModel<bool>(DetectTriangleExtents(axes, triangles), finestLOD);
     Voxelizer voxelizer(axes, finestLOD);
     voxelizer.Add(triangles);
     return voxelizer.Finish();

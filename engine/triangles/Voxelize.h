@@ -21,13 +21,13 @@ namespace brix {
 /// Throws std::domain_error when the finest level is negative or not less than 6; then what the Extents constructor throws when
 /// the triangles leave the index space or hold numbers that are not finite. Throws std::bad_alloc when memory runs out.
 /// Cost: one pass over the triangles; then time and memory proportional to the stacks that are touched.
-VoxelModel<bool> Voxelize(const Axes& axes, std::span<const WorldTriangle> triangles, std::int64_t finestLOD);
+[[nodiscard]] VoxelModel<bool> Voxelize(const Axes& axes, std::span<const WorldTriangle> triangles, std::int64_t finestLOD);
 
 /// The same for an indexed mesh, which is not copied: a triangle is three numbers of vertices (world units), counted from 0.
 /// Throws std::domain_error, before the above, for the first number that is not less than the number of vertices.
-VoxelModel<bool> Voxelize(const Axes& axes, std::span<const std::array<double, 3>> vertices,
-                          std::span<const std::array<std::uint32_t, 3>> triangles, std::int64_t finestLOD);
-VoxelModel<bool> Voxelize(const Axes& axes, std::span<const std::array<float, 3>> vertices,
-                          std::span<const std::array<std::uint32_t, 3>> triangles, std::int64_t finestLOD);
+[[nodiscard]] VoxelModel<bool> Voxelize(const Axes& axes, std::span<const std::array<double, 3>> vertices,
+                                        std::span<const std::array<std::uint32_t, 3>> triangles, std::int64_t finestLOD);
+[[nodiscard]] VoxelModel<bool> Voxelize(const Axes& axes, std::span<const std::array<float, 3>> vertices,
+                                        std::span<const std::array<std::uint32_t, 3>> triangles, std::int64_t finestLOD);
 
 } // namespace brix

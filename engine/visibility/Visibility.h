@@ -23,8 +23,9 @@ namespace brix {
 /// Cost: an empty stack in full sight, a filled one or a dark one costs as little as it stores; other plates a few operations for
 /// every 16 voxels. A direction along an axis is swept in bits. Memory beside the result: 8 bytes for every voxel of the extents'
 /// x-z section.
-VoxelModel<bool> VisibilityFromDirection(const VoxelModel<bool>& voxelModel, const std::array<std::int64_t, 3>& direction,
-                                         long long lod, double threshold);
+[[nodiscard]] VoxelModel<bool> VisibilityFromDirection(const VoxelModel<bool>& voxelModel,
+                                                       const std::array<std::int64_t, 3>& direction, long long lod,
+                                                       double threshold);
 
 /// The voxels of level `lod` that are seen from a point: a model with `lod` as its finest level.
 /// `point`              base units; anywhere, also outside the extents
@@ -47,8 +48,8 @@ VoxelModel<bool> VisibilityFromDirection(const VoxelModel<bool>& voxelModel, con
 /// autoAdjustExtents and without a limit also what the Extents constructor throws for a point outside the index space. With a
 /// limit that does not reach into the index space, the result is an empty model of the one voxel that is nearest to the point.
 /// Cost: as above, for the eight octants around the point; only stacks that the sphere reaches are swept.
-VoxelModel<bool> VisibilityFromPoint(const VoxelModel<bool>& voxelModel, const std::array<std::int64_t, 3>& point, long long lod,
-                                     long long maxRadius, double threshold, bool autoAdjustExtents);
+[[nodiscard]] VoxelModel<bool> VisibilityFromPoint(const VoxelModel<bool>& voxelModel, const std::array<std::int64_t, 3>& point,
+                                                   long long lod, long long maxRadius, double threshold, bool autoAdjustExtents);
 
 /// What is seen from a point through a circular cone: the voxels that VisibilityFromPoint marks, if their centre lies in the
 /// cone. The point's own voxel counts as within it.
@@ -63,9 +64,9 @@ VoxelModel<bool> VisibilityFromPoint(const VoxelModel<bool>& voxelModel, const s
 /// Cost: as VisibilityFromPoint for the voxels of each octant behind which, away from the point, some voxel lies within the cone:
 /// for a narrow cone the box from the point to its far end. That is little when the cone runs along an axis, and most of an
 /// octant when it runs along a diagonal of space through all of the extents.
-VoxelModel<bool> VisibilityWithinCone(const VoxelModel<bool>& voxelModel, const std::array<std::int64_t, 3>& point,
-                                      const std::array<std::int64_t, 3>& direction, double angle, long long lod,
-                                      long long maxRadius, double threshold, bool autoAdjustExtents);
+[[nodiscard]] VoxelModel<bool> VisibilityWithinCone(const VoxelModel<bool>& voxelModel, const std::array<std::int64_t, 3>& point,
+                                                    const std::array<std::int64_t, 3>& direction, double angle, long long lod,
+                                                    long long maxRadius, double threshold, bool autoAdjustExtents);
 
 /// The same with a camera's view.
 /// `direction`        forward. The camera is held upright: its up is the frame's Z made perpendicular to the direction, or the
@@ -76,16 +77,17 @@ VoxelModel<bool> VisibilityWithinCone(const VoxelModel<bool>& voxelModel, const 
 ///
 /// Throws std::domain_error when the direction is (0, 0, 0), then when the horizontal angle is not greater than 0 (or is NaN), or
 /// not less than 180; then for the vertical one; then as VisibilityFromPoint.
-VoxelModel<bool> VisibilityWithinPyramid(const VoxelModel<bool>& voxelModel, const std::array<std::int64_t, 3>& point,
-                                         const std::array<std::int64_t, 3>& direction, double horizontalAngle,
-                                         double verticalAngle, long long lod, long long maxRadius, double threshold,
-                                         bool autoAdjustExtents);
+[[nodiscard]] VoxelModel<bool> VisibilityWithinPyramid(const VoxelModel<bool>& voxelModel,
+                                                       const std::array<std::int64_t, 3>& point,
+                                                       const std::array<std::int64_t, 3>& direction, double horizontalAngle,
+                                                       double verticalAngle, long long lod, long long maxRadius, double threshold,
+                                                       bool autoAdjustExtents);
 
 /// The extents that the functions from a point look at, for estimates of memory (operations/MemoryEstimates.h): those of the
 /// model, those around the sphere that limits the view, or, if the result's extents follow it, the larger box. Views within a
 /// cone or a pyramid look at a part of these.
 /// Throws std::domain_error when the level is negative or beyond the model's finest one, then when the radius is negative.
-Extents ExtentsSweptFromPoint(const VoxelModel<bool>& voxelModel, const std::array<std::int64_t, 3>& point, long long lod,
-                              long long maxRadius, bool autoAdjustExtents);
+[[nodiscard]] Extents ExtentsSweptFromPoint(const VoxelModel<bool>& voxelModel, const std::array<std::int64_t, 3>& point,
+                                            long long lod, long long maxRadius, bool autoAdjustExtents);
 
 } // namespace brix

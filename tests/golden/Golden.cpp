@@ -177,7 +177,7 @@ void AddFiles(Lines& lines, const Subject& subject)
     const fs::path path = fs::temp_directory_path() / "brix-golden.stl";
     const WorldTriangles some(subject.triangles.begin(), subject.triangles.begin() + 500);
     for (const StlVariant variant : {StlVariant::Ascii, StlVariant::Binary}) {
-        SaveTrianglesToSTL(path, some.data(), some.size(), variant, true);
+        SaveTrianglesToSTL(path, some, variant, true);
         const bool isText = variant == StlVariant::Ascii; // whose lines end as the system's do
         std::ifstream file(path, isText ? std::ios::in : std::ios::in | std::ios::binary);
         const std::string bytes{std::istreambuf_iterator<char>(file), {}};

@@ -10,7 +10,6 @@ namespace brix {
 namespace {
 
 using namespace tests;
-using Plate = VoxelPlate<bool>;
 
 TEST(CombineStacks, AppliesTheRuleAtEveryHeight)
 {

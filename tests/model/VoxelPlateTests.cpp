@@ -13,7 +13,6 @@ namespace {
 
 using tests::Picture;
 using tests::Random;
-using Plate = VoxelPlate<bool>;
 
 Plate RandomPlate(Random& random)
 {

@@ -14,7 +14,6 @@ namespace brix {
 namespace {
 
 using namespace tests;
-using Stack = VoxelStack<bool>;
 
 std::int64_t RandomBound(Random& random, std::int64_t highest)
 {

@@ -11,7 +11,6 @@ namespace brix {
 namespace {
 
 using namespace tests;
-using Plate = VoxelPlate<bool>;
 
 // A level on which a pass runs, and what it must become.
 struct PassCase

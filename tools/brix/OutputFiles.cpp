@@ -77,7 +77,7 @@ void SaveVoxels(const VoxelModel<bool>& model, const LevelFile& output, const Gr
     const Tessellation tessellation(model, output.lod);
     RequireSpaceForTriangles(static_cast<double>(tessellation.TriangleCount()), 2, ascii, model, options);
     std::vector<WorldTriangle> triangles(static_cast<std::size_t>(tessellation.TriangleCount()));
-    tessellation.CopyTriangles(0, tessellation.TriangleCount(), triangles.data());
+    tessellation.CopyTriangles(0, triangles);
     Save("write", triangles, output, options, ascii, watch);
 }
 

@@ -10,8 +10,6 @@
 namespace brix::tools {
 namespace {
 
-using Voxels = VoxelModel<bool>;
-
 bool IsFilled(const Voxels& model, const Triple& voxelIndices)
 {
     const ConstVoxelIterator voxel = model.FindVoxel(voxelIndices, model.FinestLOD());

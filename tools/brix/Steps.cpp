@@ -14,7 +14,6 @@
 namespace brix::tools {
 namespace {
 
-using Voxels = VoxelModel<bool>;
 using Run = std::function<void(Pipeline&)>;
 
 // A step that replaces the model by what an operation makes of it; `makeOperation` reads the arguments.
@@ -34,8 +33,8 @@ template <class Operation> auto Make(Operation operation)
 }
 
 // The growth and shrinkage steps with two numbers, and those with one.
-using TwoNumbers = Voxels (*)(const Voxels&, int, int, const std::optional<Voxels>&, bool);
-using OneNumber = Voxels (*)(const Voxels&, int, const std::optional<Voxels>&, bool);
+using TwoNumbers = Voxels (*)(const Voxels&, int, int, Guide, bool);
+using OneNumber = Voxels (*)(const Voxels&, int, Guide, bool);
 
 auto Change(TwoNumbers operation)
 {

@@ -15,8 +15,6 @@
 namespace brix::tools {
 namespace {
 
-using Voxels = VoxelModel<bool>;
-
 constexpr double LeastShare = 0.1; // of the largest storey, for a height to be one
 
 Voxels Between(const Voxels& voxels, const Band& band)

@@ -2,6 +2,8 @@
 // the engine's function of its name with its arguments in order.
 #include "Objects.h"
 
+#include "model/FilledRuns.h"
+#include "model/ModelSize.h"
 #include "model/VoxelArrays.h"
 #include "operations/AutoSplit.h"
 #include "operations/BasicOperations.h"
@@ -17,6 +19,7 @@
 #include "travel/Path.h"
 #include "triangles/Cuboidization.h"
 #include "triangles/Solidization.h"
+#include "triangles/StlFiles.h"
 #include "triangles/Tessellation.h"
 #include "triangles/TriangleMesh.h"
 #include "triangles/Voxelization.h"
@@ -26,14 +29,15 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
 #include <limits>
+#include <sstream>
 
 namespace brix {
 namespace {
 
 using namespace tests;
 
-using Voxels = VoxelModel<bool>;
 constexpr std::int64_t most = std::numeric_limits<std::int64_t>::max();
 constexpr std::int64_t least = std::numeric_limits<std::int64_t>::min();
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
@@ -303,6 +307,60 @@ TEST_F(CInterface, MovesVoxelsAndModelsThroughMemory)
               BRIX_INVALID_ARGUMENT);
     const auto made = Get<brix_model*>(brix_model_from_voxels, extents.get(), bytes.data(), size, 3);
     ExpectSame(ModelFromVoxels(model_.ExtentsRef(2), expected, 3), made.get(), "brix_model_from_voxels");
+    for (std::size_t i = 0; i < bytes.size(); i += 3) bytes[i] ^= 1;
+    const auto written = Get<brix_model*>(brix_write_voxels, cModel_.get(), extents.get(), bytes.data(), size);
+    Voxels changed = model_;
+    WriteVoxels(changed, changed.ExtentsRef(2), bytes);
+    ExpectSame(changed, written.get(), "brix_write_voxels");
+
+    const auto [strideY, strideZ] = DenseStrides(model_.ExtentsRef(2));
+    const std::int64_t wideZ = strideZ + 3 * strideY; // three rows more in each layer
+    const Triple last = Minus(model_.ExtentsRef(2).UpperIndices(), model_.ExtentsRef(2).LowerIndices());
+    const std::int64_t wideSize = last[0] + last[1] * strideY + last[2] * wideZ + 1;
+    std::vector<std::uint8_t> wide(static_cast<std::size_t>(wideSize), 7);
+    const auto copyWide = [&](std::int64_t count, std::int64_t y, std::int64_t z) {
+        return brix_copy_voxels_strided(written.get(), extents.get(), wide.data(), count, y, z, nullptr);
+    };
+    ASSERT_EQ(copyWide(wideSize, strideY, wideZ), BRIX_OK);
+    const auto rewritten = Get<brix_model*>(brix_write_voxels_strided, cModel_.get(), extents.get(), wide.data(), wideSize,
+                                            std::int64_t{strideY}, wideZ);
+    ExpectSame(changed, rewritten.get(), "brix_write_voxels_strided");
+    EXPECT_EQ(std::count(wide.begin(), wide.end(), 7), wideSize - size);
+    constexpr std::int64_t huge = std::numeric_limits<std::int64_t>::max();
+    EXPECT_EQ(copyWide(wideSize - 1, strideY, wideZ), BRIX_INVALID_ARGUMENT);
+    EXPECT_EQ(copyWide(wideSize, huge, huge), BRIX_INVALID_ARGUMENT);
+    EXPECT_EQ(copyWide(huge, strideY, -1), BRIX_INVALID_ARGUMENT);
+
+    using Numbers = std::vector<std::int64_t>;
+    Numbers runs;
+    const auto addRuns = [](void* context, const std::int64_t* numbers, std::int64_t count) {
+        static_cast<Numbers*>(context)->insert(static_cast<Numbers*>(context)->end(), numbers, numbers + 4 * count);
+        return std::int32_t{count < 1000};
+    };
+    Numbers expectedRuns;
+    ForEachFilledRun(model_, 2, [&](const FilledRun& run) {
+        expectedRuns.insert(expectedRuns.end(), {run.lowerX, run.upperX, run.y, run.z});
+    });
+    ASSERT_EQ(brix_for_each_filled_run(cModel_.get(), 2, addRuns, &runs, nullptr), BRIX_OK);
+    expectedRuns.resize(std::min<std::size_t>(expectedRuns.size(), 4000));
+    EXPECT_EQ(runs, expectedRuns);
+    EXPECT_EQ((Get<double>(brix_most_bytes_of_model, extents.get(), 3)), MostBytesOfModel(model_.ExtentsRef(2), 3));
+    std::vector<WorldTriangle> tessellated;
+    TessellateVoxelModel(tessellated, model_, 2);
+    EXPECT_EQ((Get<std::int64_t>(brix_count_tessellation_triangles, cModel_.get(), 2)), std::ssize(tessellated));
+
+    const auto stl = Get<brix_bytes*>(brix_save_stl_bytes, tessellated.front().front().data(), std::ssize(tessellated), 1, 0);
+    std::vector<std::uint8_t> file(static_cast<std::size_t>(Get<std::int64_t>(brix_bytes_size, stl.get())));
+    ASSERT_EQ(brix_bytes_copy(stl.get(), 0, std::ssize(file), file.data(), nullptr), BRIX_OK);
+    std::stringstream stream;
+    SaveTrianglesToSTL(stream, tessellated, StlVariant::Binary, false);
+    EXPECT_EQ(std::string(file.begin(), file.end()), stream.str());
+    const std::vector<WorldTriangle> read = LoadTrianglesFromSTL(stream, false);
+    EXPECT_EQ(read, LoadTrianglesFromSTL(file, false));
+    const auto list = Get<brix_list*>(brix_load_stl_bytes, file.data(), std::ssize(file), 0);
+    std::vector<WorldTriangle> copied(read.size());
+    ASSERT_EQ(brix_list_copy(list.get(), 0, std::ssize(read), copied.front().front().data(), nullptr), BRIX_OK);
+    EXPECT_EQ(copied, read);
 
     const auto saved = Get<brix_bytes*>(brix_save_model, cModel_.get());
     const auto savedSize = Get<std::int64_t>(brix_bytes_size, saved.get());
@@ -327,6 +385,14 @@ TEST_F(CInterface, MovesVoxelsAndModelsThroughMemory)
     const auto fromMesh = Get<brix_model*>(brix_voxelize_mesh, cAxes_.get(), mesh.VerticesRef().front().data(),
                                            std::ssize(mesh.VerticesRef()), corners.data(), count_, 3);
     ExpectSame(Voxelize(axes_, triangles_, 3), fromMesh.get(), "brix_voxelize_mesh");
+    std::vector<std::array<float, 3>> floats;
+    for (const auto& [x, y, z] : mesh.VerticesRef())
+        floats.push_back({static_cast<float>(x), static_cast<float>(y), static_cast<float>(z)});
+    std::vector<std::array<std::uint32_t, 3>> indices(corners.size() / 3);
+    std::memcpy(indices.data(), corners.data(), corners.size() * sizeof(std::int32_t));
+    const auto fromFloats = Get<brix_model*>(brix_voxelize_float_mesh, cAxes_.get(), floats.front().data(), std::ssize(floats),
+                                             corners.data(), count_, 3);
+    ExpectSame(Voxelize(axes_, std::span<const std::array<float, 3>>(floats), indices, 3), fromFloats.get(), "of floats");
     std::array<std::uint8_t, 2> filled{7, 7};
     const std::array<double, 6> points{triangles_[0][0][0], triangles_[0][0][1], triangles_[0][0][2], 1e6, 0, 0};
     ASSERT_EQ(brix_are_filled_at(fromMesh.get(), points.data(), 2, 3, filled.data(), nullptr), BRIX_OK);

@@ -106,6 +106,11 @@ private:
     std::uint8_t* Given(std::uint8_t*, Objects&, brix_error&) { return bytesOut_.data(); }
     brix_error* Given(brix_error*, Objects&, brix_error& error) { return &error; }
     void* Given(void*, Objects&, brix_error&) { return this; }
+    const float* Given(const float*, Objects&, brix_error&) { return floats_.data(); }
+    brix_run_visitor Given(brix_run_visitor, Objects&, brix_error&)
+    {
+        return [](void*, const std::int64_t*, std::int64_t) { return 0; };
+    }
     brix_watch_callback Given(brix_watch_callback, Objects&, brix_error&)
     {
         return [](void*, double) { return 0; };
@@ -122,6 +127,7 @@ private:
 
     Objects objects_{};
     std::array<double, 16> numbers_{};
+    std::array<float, 16> floats_{};
     std::array<double, 3> point_{0.5, 0.5, 0.75};
     std::array<std::int64_t, 3> indices_{};
     std::array<std::int32_t, 3> corners_{};

@@ -73,6 +73,16 @@ public class GeometryTests
         // (x, y, z) is stored as (x, z, -y): the other flag on reading shows which one was used on writing.
         List<double> other = TrianglesAsNineNumbersCLI.ImportFromSTL(path, !swapYZ);
         Assert.Equal(swapYZ ? [1, 0, -2] : [1, -0.0, 2], other[12..15]);
+
+        byte[] bytes = File.ReadAllBytes(path);
+        using var stream = new MemoryStream();
+        TrianglesAsNineNumbersCLI.ExportToSTL(TwoTriangles, stream, isBinary, swapYZ);
+        Assert.Equal(bytes, stream.ToArray());
+        Assert.Equal(TwoTriangles, TrianglesAsNineNumbersCLI.ImportFromSTL(bytes, swapYZ));
+        stream.Position = 0;
+        Assert.Equal(TwoTriangles, TrianglesAsNineNumbersCLI.ImportFromSTL(stream, swapYZ));
+        Assert.EndsWith("in STL file \"data\".", MessageOf(() => TrianglesAsNineNumbersCLI.ImportFromSTL(
+            isBinary ? bytes[..^1] : bytes[..^100], swapYZ)));
         File.Delete(path);
     }
 

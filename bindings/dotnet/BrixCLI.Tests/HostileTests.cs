@@ -36,6 +36,9 @@ public class HostileTests
         [typeof(long[])] = [new long[3], null, new long[2], new[] { long.MinValue, long.MaxValue, 0 }],
         [typeof(int[])] = [new int[3], null, new int[2], new[] { int.MinValue, int.MaxValue, 0 }],
         [typeof(byte[])] = [new byte[27], null, new byte[0], new byte[200]],
+        [typeof(bool[])] = [new bool[27], null, new bool[0], new bool[200]],
+        [typeof(float[])] = [new float[3], null, new float[4]],
+        [typeof(Action<int, int, int, int>)] = [(Action<int, int, int, int>)((_, _, _, _) => { }), null],
         [typeof(Stream)] = [new MemoryStream(), null],
         [typeof(double[])] = [new double[3], null, new double[4]],
         [typeof(double[][][])] = [new[] { new[] { new double[3], new double[3], new double[3] } }, null,
@@ -78,7 +81,8 @@ public class HostileTests
         object?[] receivers = type.IsAbstract ? [null] : Values.TryGetValue(type, out object?[]? values)
             ? [.. values.Where(item => item != null)] : [Create(type), Disposed(Create(type))];
         foreach (object? receiver in receivers) {
-            foreach (MethodInfo method in type.GetMethods().Where(item => item.DeclaringType == type)) {
+            foreach (MethodInfo method in type.GetMethods().Where(item => item.DeclaringType == type)
+                .Where(item => item.GetParameters().All(parameter => !parameter.ParameterType.IsByRefLike))) { // as arrays
                 Attack(method, arguments => method.Invoke(receiver, arguments));
             }
         }
@@ -113,7 +117,9 @@ public class HostileTests
     private static void Try(MethodBase method, Func<object?> call)
     {
         try {
-            if (call() is IDisposable result && !ReferenceEquals(result, Model)) result.Dispose();
+            object? result = call();
+            if (result is IDisposable wrapper && !ReferenceEquals(result, Model)) wrapper.Dispose();
+            if (result is IEnumerable<double[]> parts) Assert.All(parts.Take(3), part => Assert.Equal(0, part.Length % 9));
         } catch (TargetInvocationException exception) {
             Exception thrown = exception.InnerException!;
             bool isListsOwn = method.DeclaringType == typeof(TypesCLI) && thrown is ArgumentOutOfRangeException;

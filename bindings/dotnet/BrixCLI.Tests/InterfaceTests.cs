@@ -89,7 +89,7 @@ public class InterfaceTests
     {
         string type = Regex.Replace(cType, @"\bconst\b|\s", "");
         string item = type.TrimEnd('*');
-        if (type is "void*" or "brix_watch_callback") return "handle";
+        if (type is "void*" or "brix_watch_callback" or "brix_run_visitor") return "handle";
         if (Regex.IsMatch(item, "^brix_") && item != "brix_error") type = type[..^1].Replace(item, "handle");
         return type.Replace("brix_error", "NativeError").Replace("uint8_t", "byte").Replace("char", "byte")
             .Replace("int32_t", "int").Replace("int64_t", "long");

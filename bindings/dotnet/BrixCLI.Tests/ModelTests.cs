@@ -66,7 +66,30 @@ public class ModelTests
         Assert.Equal(8 * 6 * 3, voxels.Length);
         Assert.Equal([1 * 48 + 1 * 8 + 1], Enumerable.Range(0, voxels.Length).Where(i => voxels[i] == 1));
         using (VoxelModelCLI copy = VoxelModelCLI.FromVoxels(box, voxels, 5)) Assert.Equal([(40, -1, 7)], Read(copy).Filled);
-        Assert.Equal([true, false], model.AreFilledAt([.. Centre((42, 3, 9)), .. Centre((42, 3, 8))], 5));
+        List<double> points = [.. Centre((42, 3, 9)), .. Centre((42, 3, 8))];
+        Assert.Equal([true, false], model.AreFilledAt(points, 5));
+        Assert.Equal([true, false], model.AreFilledAt(points.ToArray(), 5));
+        Assert.Equal(voxels.Select(voxel => voxel == 1), model.CopyVoxelsAsBooleans(box));
+        using (VoxelModelCLI copy = VoxelModelCLI.FromVoxels(box, model.CopyVoxelsAsBooleans(box), 5))
+            Assert.Equal([(40, -1, 7)], Read(copy).Filled);
+
+        using ExtentsCLI inside = Extents((39, -2, 6), (44, 3, 8));
+        byte[] content = [.. Enumerable.Range(0, 6 * 6 * 3).Select(i => (byte)(i == 4 ? 9 : 0))];
+        using (VoxelModelCLI written = model.WriteVoxels(inside, content))
+            Assert.Equal([(43, -2, 6), (42, 3, 9)], Read(written).Filled);
+        byte[] volume = Enumerable.Repeat((byte)7, 1000).ToArray();
+        model.CopyVoxels(box, volume, 10, 20, 200);
+        byte[] gaps = [.. volume.Where((_, i) => (i - 10) % 200 % 20 >= 8)];
+        Assert.Equal(voxels, Enumerable.Range(0, voxels.Length).Select(i => volume[10 + i % 8 + i / 8 % 6 * 20 + i / 48 * 200]));
+        Assert.All(gaps, gap => Assert.Equal(7, gap));
+        Assert.Equal("The bytes of a box of voxels must hold its last voxel.",
+            MessageOf(() => model.CopyVoxels(box, volume, 900, 20, 200)));
+
+        var runs = new List<(int, int, int, int)>();
+        model.ForEachFilledRun(5, (lowerX, upperX, y, z) => runs.Add((lowerX, upperX, y, z)));
+        Assert.Equal([(40, 40, -1, 7), (42, 42, 3, 9)], runs);
+        Assert.Equal("door", MessageOf(() => model.ForEachFilledRun(5, (_, _, _, _) => throw new Exception("door"))));
+        Assert.True(VoxelModelCLI.MostBytes(box, 5) > model.Save().Length);
 
         byte[] saved = model.Save();
         using var stream = new MemoryStream();
@@ -85,7 +108,7 @@ public class ModelTests
         Assert.Equal("The saved voxel model is damaged.", MessageOf(() => VoxelModelCLI.Load(saved)));
         Assert.Equal("There must be as many bytes as the box has voxels.",
             MessageOf(() => VoxelModelCLI.FromVoxels(box, [1], 5)));
-        Assert.Equal("The array of voxels cannot be null.", MessageOf(() => VoxelModelCLI.FromVoxels(box, null!, 5)));
+        Assert.Equal("The array of voxels cannot be null.", MessageOf(() => VoxelModelCLI.FromVoxels(box, (byte[])null!, 5)));
         Assert.Equal("The stream cannot be null.", MessageOf(() => model.Save(null!)));
         var closed = new MemoryStream();
         closed.Dispose();
@@ -99,12 +122,18 @@ public class ModelTests
         using AxesCLI axes = Axes(30);
         List<double> triangles = Triangles([(40, -1, 7), (42, 3, 9)]);
         using VoxelModelCLI expected = VoxelModelCLI.Voxelize(triangles, axes, 5);
-        using VoxelModelCLI model = VoxelModelCLI.Voxelize([.. triangles], [0, 1, 2, 3, 4, 5], axes, 5);
+        double[] vertices = [.. triangles];
+        float[] floats = [.. triangles.Select(number => (float)number)];
+        int[] indices = [0, 1, 2, 3, 4, 5];
+        using VoxelModelCLI model = VoxelModelCLI.Voxelize(vertices, indices, axes, 5);
         Assert.Equal(expected.ContentHash(), model.ContentHash());
+        using VoxelModelCLI rounded = VoxelModelCLI.Voxelize([.. floats.Select(number => (double)number)], axes, 5);
+        using VoxelModelCLI ofFloats = VoxelModelCLI.Voxelize(floats, indices, axes, 5);
+        Assert.Equal(rounded.ContentHash(), ofFloats.ContentHash());
         Assert.StartsWith("No triangle vertex index can be negative.",
-            MessageOf(() => VoxelModelCLI.Voxelize([1, 2, 3], [0, 0, -1], axes, 5)));
+            MessageOf(() => VoxelModelCLI.Voxelize(new double[3], new[] { 0, 0, -1 }, axes, 5)));
         Assert.Equal("The number of vertex indices must be divisible by three.",
-            MessageOf(() => VoxelModelCLI.Voxelize([1, 2, 3], [0], axes, 5)));
+            MessageOf(() => VoxelModelCLI.Voxelize(new float[3], new[] { 0 }, axes, 5)));
     }
 
     // A system that promises any memory, and takes it back by ending processes, is not asked.

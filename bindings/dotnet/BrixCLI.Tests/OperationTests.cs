@@ -228,6 +228,15 @@ public class OperationTests
         Assert.Equal("Total triangle count of 24 exceeds limit of 23.9. " +
             "Consider displaying the voxels at a coarser level of detail.",
             MessageOf(() => VoxelTessellationCLI.TessellateVoxelModel(model, 5, 23.9)));
+
+        Assert.Equal(24, VoxelTessellationCLI.CountTriangles(model, 5));
+        double[][] parts = [.. VoxelTessellationCLI.TessellateInParts(model, 5, 7)];
+        Assert.Equal([63, 63, 63, 27], parts.Select(part => part.Length));
+        Assert.Equal(triangles, parts.SelectMany(part => part));
+        Assert.StartsWith("The level of detail for voxel tessellation",
+            MessageOf(() => VoxelTessellationCLI.TessellateInParts(model, 6, 7)));
+        Assert.StartsWith("A part must have between 1 and ",
+            MessageOf(() => VoxelTessellationCLI.TessellateInParts(model, 5, 0)));
     }
 
     [Fact]

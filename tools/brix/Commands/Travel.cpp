@@ -21,8 +21,6 @@
 namespace brix::tools {
 namespace {
 
-using Voxels = VoxelModel<bool>;
-
 constexpr Colour Seen{244, 190, 66};
 constexpr Colour Unseen{186, 198, 218};
 constexpr Colour Way{213, 64, 0};

@@ -18,8 +18,6 @@
 namespace brix::tools {
 namespace {
 
-using Voxels = VoxelModel<bool>;
-
 // Blue, orange and yellow of different lightness: to be told apart without red and green.
 constexpr Colour Floor{146, 197, 226};
 constexpr Colour Raised{230, 140, 30};

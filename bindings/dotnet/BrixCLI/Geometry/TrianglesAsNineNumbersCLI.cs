@@ -1,5 +1,6 @@
 using System;
 using System.Collections.Generic;
+using System.IO;
 
 namespace BrixCLI;
 
@@ -93,6 +94,52 @@ public static unsafe class TrianglesAsNineNumbersCLI
                     Engine.Flag(swapYZ), error);
             }
         });
+    }
+
+    /// <summary>The same from the bytes of a file, for names that the path cannot hold, and for what is no file. Messages name
+    /// it "data".</summary>
+    /// <param name="file">all bytes of the file</param>
+    /// <param name="swapYZ">as for a file</param>
+    /// <returns>nine numbers per triangle</returns>
+    /// <exception cref="Exception">the bytes are null, or no STL file; no list can hold its triangles</exception>
+    public static List<double> ImportFromSTL(byte[] file, bool swapYZ) =>
+        ImportFromSTL(Arguments.Required(file, nameof(file)), file.Length, swapYZ);
+
+    /// <summary>The same from the rest of a stream, which stays open.</summary>
+    /// <param name="stream">what is left of it is the file</param>
+    /// <param name="swapYZ">as for a file</param>
+    /// <returns>nine numbers per triangle</returns>
+    /// <exception cref="Exception">the stream is null; it fails, which is the inner exception; what it holds is no STL file; no
+    /// list can hold its triangles</exception>
+    public static List<double> ImportFromSTL(Stream stream, bool swapYZ)
+    {
+        using MemoryStream file = NativeBytes.ReadFrom(Arguments.Required(stream, nameof(stream)), "The STL file");
+        return ImportFromSTL(file.GetBuffer(), (int)file.Length, swapYZ);
+    }
+
+    private static List<double> ImportFromSTL(byte[] buffer, int length, bool swapYZ)
+    {
+        byte nothing = 0; // there is an address for an empty array, too
+        fixed (byte* bytes = buffer) {
+            return NumberLists.Take(Engine.CallAt<byte, IntPtr>(length == 0 ? &nothing : bytes, (file, result, error) =>
+                NativeMethods.brix_load_stl_bytes(file, length, Engine.Flag(swapYZ), result, error)));
+        }
+    }
+
+    /// <summary>The same to a stream, which stays open.</summary>
+    /// <param name="trianglesAsNineNumbers">nine numbers per triangle</param>
+    /// <param name="stream">a stream that can be written to; for the bytes themselves, a <see cref="MemoryStream"/></param>
+    /// <param name="useBinaryFormat">as for a file</param>
+    /// <param name="swapYZ">as for a file</param>
+    /// <exception cref="Exception">the number of numbers is not divisible by nine; the stream is null; it fails, which is the
+    /// inner exception</exception>
+    public static void ExportToSTL(List<double> trianglesAsNineNumbers, Stream stream, bool useBinaryFormat, bool swapYZ)
+    {
+        int count = CountOf(trianglesAsNineNumbers);
+        Arguments.Required(stream, nameof(stream));
+        NativeBytes.WriteTo(stream, "The STL file", NumberLists.WithItems<IntPtr>(trianglesAsNineNumbers,
+            (triangles, result, error) => NativeMethods.brix_save_stl_bytes(triangles, count, Engine.Flag(useBinaryFormat),
+                Engine.Flag(swapYZ), result, error)));
     }
 
     // The number of triangles of a flat list.

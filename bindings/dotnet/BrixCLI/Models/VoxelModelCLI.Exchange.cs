@@ -1,5 +1,8 @@
 using System;
+using System.Collections.Generic;
 using System.IO;
+using System.Runtime.ExceptionServices;
+using System.Runtime.InteropServices;
 
 namespace BrixCLI;
 
@@ -16,16 +19,59 @@ public sealed unsafe partial class VoxelModelCLI
     public static VoxelModelCLI Voxelize(double[] vertices, int[] indices, AxesCLI axesCLI, int finestLOD)
     {
         axesCLI.Required();
-        int vertexCount = Triples(vertices, "vertex coordinates");
-        int triangleCount = Triples(indices, "vertex indices");
-        fixed (double* vertex = vertices)
-        fixed (int* index = indices) {
-            double* firstVertex = vertex; // lambdas cannot hold fixed variables
-            int* firstIndex = index;
-            return new VoxelModelCLI((result, error) => NativeMethods.brix_voxelize_mesh(axesCLI.Pointer, firstVertex,
-                vertexCount, firstIndex, triangleCount, finestLOD, result, error));
-        }
+        var size = new MeshSize(Triples(vertices, "vertex coordinates"), Triples(indices, "vertex indices"));
+        fixed (double* firstVertex = vertices)
+        fixed (int* firstIndex = indices) return Voxelize(firstVertex, firstIndex, size, axesCLI, finestLOD);
     }
+
+    /// <inheritdoc cref="Voxelize(double[], int[], AxesCLI, int)"/>
+    public static VoxelModelCLI Voxelize(float[] vertices, int[] indices, AxesCLI axesCLI, int finestLOD)
+    {
+        axesCLI.Required();
+        var size = new MeshSize(Triples(vertices, "vertex coordinates"), Triples(indices, "vertex indices"));
+        fixed (float* firstVertex = vertices)
+        fixed (int* firstIndex = indices) return Voxelize(firstVertex, firstIndex, size, axesCLI, finestLOD);
+    }
+
+#if NET
+    /// <inheritdoc cref="Voxelize(double[], int[], AxesCLI, int)"/>
+    public static VoxelModelCLI Voxelize(ReadOnlySpan<double> vertices, ReadOnlySpan<int> indices, AxesCLI axesCLI, int finestLOD)
+    {
+        axesCLI.Required();
+        var size = new MeshSize(Triples(vertices.Length, "vertex coordinates"), Triples(indices.Length, "vertex indices"));
+        fixed (double* firstVertex = vertices)
+        fixed (int* firstIndex = indices) return Voxelize(firstVertex, firstIndex, size, axesCLI, finestLOD);
+    }
+
+    /// <inheritdoc cref="Voxelize(double[], int[], AxesCLI, int)"/>
+    public static VoxelModelCLI Voxelize(ReadOnlySpan<float> vertices, ReadOnlySpan<int> indices, AxesCLI axesCLI, int finestLOD)
+    {
+        axesCLI.Required();
+        var size = new MeshSize(Triples(vertices.Length, "vertex coordinates"), Triples(indices.Length, "vertex indices"));
+        fixed (float* firstVertex = vertices)
+        fixed (int* firstIndex = indices) return Voxelize(firstVertex, firstIndex, size, axesCLI, finestLOD);
+    }
+#endif
+
+    private readonly struct MeshSize(int vertices, int triangles)
+    {
+        internal readonly int Vertices = vertices, Triangles = triangles;
+    }
+
+    private static VoxelModelCLI Voxelize(double* vertices, int* indices, MeshSize size, AxesCLI axes, int finestLOD) =>
+        new VoxelModelCLI((result, error) => NativeMethods.brix_voxelize_mesh(axes.Pointer, vertices, size.Vertices, indices,
+            size.Triangles, finestLOD, result, error));
+
+    private static VoxelModelCLI Voxelize(float* vertices, int* indices, MeshSize size, AxesCLI axes, int finestLOD) =>
+        new VoxelModelCLI((result, error) => NativeMethods.brix_voxelize_float_mesh(axes.Pointer, vertices, size.Vertices, indices,
+            size.Triangles, finestLOD, result, error));
+
+    /// <summary>Bytes that no model on a box exceeds, whatever is filled. Real models stay far below.</summary>
+    /// <param name="extentsCLI">the box</param>
+    /// <param name="finestLOD">the model's finest level, 0 to 5</param>
+    /// <exception cref="Exception">the box is null or disposed of; the level does not exist</exception>
+    public static double MostBytes(ExtentsCLI extentsCLI, int finestLOD) => Engine.Call<double>((result, error) =>
+        NativeMethods.brix_most_bytes_of_model(extentsCLI.Required(), finestLOD, result, error));
 
     /// <summary>Whether the voxels that hold points are filled, many at once.</summary>
     /// <param name="pointCoords">three numbers per point, in world units; points outside the model are not in filled
@@ -36,13 +82,33 @@ public sealed unsafe partial class VoxelModelCLI
     /// the finest one</exception>
     public bool[] AreFilledAt(double[] pointCoords, int voxelLOD)
     {
-        var filled = new bool[Triples(pointCoords, "point coordinates")];
-        fixed (double* points = pointCoords)
+        int count = Triples(pointCoords, "point coordinates");
+        fixed (double* points = pointCoords) return AreFilledAt(points, count, voxelLOD);
+    }
+
+    /// <inheritdoc cref="AreFilledAt(double[], int)"/>
+    public bool[] AreFilledAt(List<double> pointCoords, int voxelLOD)
+    {
+        if (pointCoords is null) throw new Exception("The list of point coordinates cannot be null.");
+        int count = Triples(pointCoords.Count, "point coordinates");
+        return NumberLists.Pinned<double, bool[]>(pointCoords, points => AreFilledAt(points, count, voxelLOD));
+    }
+
+#if NET
+    /// <inheritdoc cref="AreFilledAt(double[], int)"/>
+    public bool[] AreFilledAt(ReadOnlySpan<double> pointCoords, int voxelLOD)
+    {
+        int count = Triples(pointCoords.Length, "point coordinates");
+        fixed (double* points = pointCoords) return AreFilledAt(points, count, voxelLOD);
+    }
+#endif
+
+    private bool[] AreFilledAt(double* points, int count, int voxelLOD)
+    {
+        var filled = new bool[count];
         fixed (bool* results = filled) {
-            double* first = points;
-            byte* result = (byte*)results;
-            Engine.Call<int>((_, error) =>
-                NativeMethods.brix_are_filled_at(Pointer, first, filled.Length, voxelLOD, result, error));
+            byte* result = (byte*)results; // lambdas cannot hold fixed variables
+            Engine.Call<int>((_, error) => NativeMethods.brix_are_filled_at(Pointer, points, count, voxelLOD, result, error));
         }
         return filled;
     }
@@ -54,19 +120,88 @@ public sealed unsafe partial class VoxelModelCLI
     /// frame; its level is beyond the finest one</exception>
     public byte[] CopyVoxels(ExtentsCLI boxCLI)
     {
+        var voxels = new byte[ArrayLength(boxCLI)];
+        fixed (byte* bytes = voxels) CopyVoxels(boxCLI, bytes, voxels.Length);
+        return voxels;
+    }
+
+    /// <summary>The same as true and false.</summary>
+    /// <inheritdoc cref="CopyVoxels(ExtentsCLI)"/>
+    public bool[] CopyVoxelsAsBooleans(ExtentsCLI boxCLI)
+    {
+        var voxels = new bool[ArrayLength(boxCLI)];
+        fixed (bool* booleans = voxels) CopyVoxels(boxCLI, (byte*)booleans, voxels.Length);
+        return voxels;
+    }
+
+    /// <summary>The same into a part of an array, a volume that is larger than the box for example.</summary>
+    /// <param name="boxCLI">the box, as above</param>
+    /// <param name="voxels">the array; nothing is written between rows and layers</param>
+    /// <param name="first">where the box's lowest voxel goes</param>
+    /// <param name="strideY">from one row to the next</param>
+    /// <param name="strideZ">from one layer to the next</param>
+    /// <exception cref="Exception">as above; the array is null, or ends before the box's last voxel; a number is negative</exception>
+    public void CopyVoxels(ExtentsCLI boxCLI, byte[] voxels, int first, int strideY, int strideZ)
+    {
         boxCLI.Required();
-        double count = boxCLI.VoxelCount();
+        if (voxels is null) throw new Exception("The array of voxels cannot be null.");
+        if (first < 0 || first >= voxels.Length) throw new Exception("The place of the first voxel must lie in the array.");
+        fixed (byte* bytes = &voxels[first]) {
+            byte* start = bytes;
+            Engine.Call<int>((_, error) => NativeMethods.brix_copy_voxels_strided(Pointer, boxCLI.Pointer, start,
+                voxels.Length - first, strideY, strideZ, error));
+        }
+    }
+
+    private void CopyVoxels(ExtentsCLI box, byte* bytes, int count) => Engine.Call<int>((_, error) =>
+        NativeMethods.brix_copy_voxels(Pointer, box.Pointer, bytes, count, error));
+
+    // How long an array for the voxels of a box is.
+    private static int ArrayLength(ExtentsCLI box)
+    {
+        box.Required();
+        double count = box.VoxelCount();
         if (count > SizeLimits.MaxItems)
             throw new Exception("A box of " + count + " voxels exceeds the " + SizeLimits.MaxItems +
                 " items that the .NET runtime allows in an array.");
         MemoryLimitCLI.RequireForLists(count);
-        var voxels = new byte[(int)count];
-        fixed (byte* bytes = voxels) {
-            byte* first = bytes;
-            Engine.Call<int>((_, error) =>
-                NativeMethods.brix_copy_voxels(Pointer, boxCLI.Pointer, first, voxels.Length, error));
-        }
-        return voxels;
+        return (int)count;
+    }
+
+    /// <summary>A copy of the model in which the voxels of a box are written.</summary>
+    /// <param name="boxCLI">the box, inside the model and at a level that it holds; all levels follow</param>
+    /// <param name="voxels">a byte for each voxel of the box, x fastest, then y, then z: not 0 is filled</param>
+    /// <exception cref="Exception">the box is null or disposed of; the array is null, or has another length than the box has
+    /// voxels; the box is of another frame, at another level, or reaches beyond the model</exception>
+    public VoxelModelCLI WriteVoxels(ExtentsCLI boxCLI, byte[] voxels)
+    {
+        boxCLI.Required();
+        if (voxels is null) throw new Exception("The array of voxels cannot be null.");
+        return FromBytes(voxels, (bytes, result, error) =>
+            NativeMethods.brix_write_voxels(Pointer, boxCLI.Pointer, bytes, voxels.Length, result, error));
+    }
+
+    /// <summary>Visits the runs of filled voxels along x at a level, in lattice order: z outermost, then y, then x.</summary>
+    /// <param name="voxelLOD">0 to the finest level</param>
+    /// <param name="visit">gets the first and the last index along x, then y and z. What it throws ends the visit.</param>
+    /// <exception cref="Exception">the visitor is null; the level is negative; it is beyond the finest one</exception>
+    public void ForEachFilledRun(int voxelLOD, Action<int, int, int, int> visit)
+    {
+        if (visit is null) throw new Exception("The visitor of runs cannot be null.");
+        ExceptionDispatchInfo? failure = null;
+        NativeMethods.RunVisitor visitor = (_, runs, count) => {
+            try {
+                for (long i = 0; i < count; ++i, runs += 4) visit((int)runs[0], (int)runs[1], (int)runs[2], (int)runs[3]);
+                return 0;
+            } catch (Exception exception) { // none can go through the engine
+                failure = ExceptionDispatchInfo.Capture(exception);
+                return 1;
+            }
+        };
+        IntPtr pointer = Marshal.GetFunctionPointerForDelegate(visitor);
+        Engine.Call<int>((_, error) => NativeMethods.brix_for_each_filled_run(Pointer, voxelLOD, pointer, IntPtr.Zero, error));
+        GC.KeepAlive(visitor);
+        failure?.Throw();
     }
 
     /// <summary>A model on a box, filled where a byte is not 0; all its levels follow from that of the box.</summary>
@@ -81,6 +216,19 @@ public sealed unsafe partial class VoxelModelCLI
         if (voxels is null) throw new Exception("The array of voxels cannot be null.");
         return FromBytes(voxels, (bytes, result, error) =>
             NativeMethods.brix_model_from_voxels(extentsCLI.Pointer, bytes, voxels.Length, finestLOD, result, error));
+    }
+
+    /// <inheritdoc cref="FromVoxels(ExtentsCLI, byte[], int)"/>
+    public static VoxelModelCLI FromVoxels(ExtentsCLI extentsCLI, bool[] voxels, int finestLOD)
+    {
+        extentsCLI.Required();
+        if (voxels is null) throw new Exception("The array of voxels cannot be null.");
+        byte nothing = 0; // there is an address for an empty array, too
+        fixed (bool* booleans = voxels) {
+            return new VoxelModelCLI(Engine.CallAt<byte, IntPtr>(voxels.Length == 0 ? &nothing : (byte*)booleans,
+                (bytes, result, error) => NativeMethods.brix_model_from_voxels(extentsCLI.Pointer, bytes, voxels.Length, finestLOD,
+                    result, error)));
+        }
     }
 
     /// <summary>The model as bytes, for a file, a database or another process. Equal models give equal bytes, on every
@@ -99,22 +247,8 @@ public sealed unsafe partial class VoxelModelCLI
     public void Save(Stream stream)
     {
         if (stream is null) throw new Exception("The stream cannot be null.");
-        IntPtr saved = Engine.Call<IntPtr>((result, error) => NativeMethods.brix_save_model(Pointer, result, error));
-        try {
-            long size = Engine.Call<long>((result, error) => NativeMethods.brix_bytes_size(saved, result, error));
-            var part = new byte[(int)Math.Min(size, 1 << 20)];
-            for (long first = 0; first < size; first += part.Length) {
-                int count = (int)Math.Min(part.Length, size - first);
-                fixed (byte* bytes = part) {
-                    byte* destination = bytes;
-                    long start = first;
-                    Engine.Call<int>((_, error) => NativeMethods.brix_bytes_copy(saved, start, count, destination, error));
-                }
-                Streamed("written to", () => stream.Write(part, 0, count));
-            }
-        } finally {
-            NativeMethods.brix_bytes_free(saved);
-        }
+        NativeBytes.WriteTo(stream, "The voxel model",
+            Engine.Call<IntPtr>((result, error) => NativeMethods.brix_save_model(Pointer, result, error)));
     }
 
     /// <summary>The model that was saved.</summary>
@@ -133,8 +267,7 @@ public sealed unsafe partial class VoxelModelCLI
     public static VoxelModelCLI Load(Stream stream)
     {
         if (stream is null) throw new Exception("The stream cannot be null.");
-        using var saved = new MemoryStream();
-        Streamed("read from", () => stream.CopyTo(saved));
+        using MemoryStream saved = NativeBytes.ReadFrom(stream, "The voxel model");
         return Load(saved.GetBuffer(), (int)saved.Length);
     }
 
@@ -160,21 +293,11 @@ public sealed unsafe partial class VoxelModelCLI
         fixed (byte* bytes = array) return new VoxelModelCLI(Engine.CallAt(array.Length == 0 ? &nothing : bytes, make));
     }
 
-    // What a stream throws becomes a System.Exception.
-    private static void Streamed(string verb, Action use)
-    {
-        try {
-            use();
-        } catch (Exception exception) {
-            throw new Exception("The voxel model cannot be " + verb + " the stream. " + exception.Message, exception);
-        }
-    }
+    // How many threes there are.
+    private static int Triples(Array numbers, string name) =>
+        numbers is null ? throw new Exception("The list of " + name + " cannot be null.") : Triples(numbers.Length, name);
 
-    // How many threes an array has.
-    private static int Triples(Array numbers, string name)
-    {
-        if (numbers is null) throw new Exception("The list of " + name + " cannot be null.");
-        if (numbers.Length % 3 != 0) throw new Exception("The number of " + name + " must be divisible by three.");
-        return numbers.Length / 3;
-    }
+    private static int Triples(int length, string name) => length % 3 == 0
+        ? length / 3
+        : throw new Exception("The number of " + name + " must be divisible by three.");
 }

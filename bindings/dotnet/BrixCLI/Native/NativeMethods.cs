@@ -36,7 +36,8 @@ internal static unsafe class NativeMethods
     internal delegate int WatchCallback(IntPtr context, double share);
 
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
-    internal static extern int brix_watch_begin(IntPtr callback, IntPtr context, double pauseSeconds, IntPtr* result, NativeError* error);
+    internal static extern int brix_watch_begin(IntPtr callback, IntPtr context, double pauseSeconds, IntPtr* result,
+        NativeError* error);
 
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
     internal static extern int brix_watch_end(IntPtr watch, NativeError* error);
@@ -138,6 +139,16 @@ internal static unsafe class NativeMethods
     internal static extern int brix_list_copy(IntPtr list, long firstItem, long itemCount, double* destination,
         NativeError* error);
 
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern void brix_bytes_free(IntPtr bytes);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_bytes_size(IntPtr bytes, long* result, NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_bytes_copy(IntPtr bytes, long firstByte, long byteCount, byte* destination,
+        NativeError* error);
+
     // ---- Triangles (brix/triangles/) ----
 
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
@@ -149,6 +160,13 @@ internal static unsafe class NativeMethods
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
     internal static extern int brix_save_stl(double* triangles, long triangleCount, byte* path, long pathLength,
         int useBinaryFormat, int swapYZ, NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_load_stl_bytes(byte* bytes, long byteCount, int swapYZ, IntPtr* result, NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_save_stl_bytes(double* triangles, long triangleCount, int useBinaryFormat, int swapYZ,
+        IntPtr* result, NativeError* error);
 
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
     internal static extern int brix_detect_triangle_extents(IntPtr axes, double* triangles, long triangleCount, IntPtr* result,
@@ -200,6 +218,13 @@ internal static unsafe class NativeMethods
         long triangleCount, long finestLOD, IntPtr* result, NativeError* error);
 
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_voxelize_float_mesh(IntPtr axes, float* vertices, long vertexCount, int* indices,
+        long triangleCount, long finestLOD, IntPtr* result, NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_most_bytes_of_model(IntPtr extents, long finestLOD, double* result, NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
     internal static extern void brix_model_free(IntPtr model);
 
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
@@ -229,13 +254,22 @@ internal static unsafe class NativeMethods
         NativeError* error);
 
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
-    internal static extern void brix_bytes_free(IntPtr bytes);
+    internal static extern int brix_write_voxels(IntPtr model, IntPtr box, byte* bytes, long byteCount, IntPtr* result,
+        NativeError* error);
 
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
-    internal static extern int brix_bytes_size(IntPtr bytes, long* result, NativeError* error);
+    internal static extern int brix_copy_voxels_strided(IntPtr model, IntPtr box, byte* bytes, long byteCount, long strideY,
+        long strideZ, NativeError* error);
 
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
-    internal static extern int brix_bytes_copy(IntPtr bytes, long firstByte, long byteCount, byte* destination,
+    internal static extern int brix_write_voxels_strided(IntPtr model, IntPtr box, byte* bytes, long byteCount, long strideY,
+        long strideZ, IntPtr* result, NativeError* error);
+
+    [UnmanagedFunctionPointer(CallingConvention.Cdecl)]
+    internal delegate int RunVisitor(IntPtr context, long* runs, long runCount);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_for_each_filled_run(IntPtr model, long voxelLOD, IntPtr visit, IntPtr context,
         NativeError* error);
 
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
@@ -458,6 +492,9 @@ internal static unsafe class NativeMethods
 
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
     internal static extern int brix_tessellate_voxel_model(IntPtr model, long voxelLOD, IntPtr* result, NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_count_tessellation_triangles(IntPtr model, long voxelLOD, long* result, NativeError* error);
 
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
     internal static extern int brix_cuboidize_voxel_model(IntPtr model, long voxelLOD, IntPtr* result, NativeError* error);

@@ -57,6 +57,20 @@ internal static unsafe class NumberLists
         }
     }
 
+    // The number of items of a native list, and some of them: nine numbers each.
+    internal static long CountOf(IntPtr list) => SizeOf(list).ItemCount;
+
+    internal static double[] Part(IntPtr list, long firstItem, int itemCount)
+    {
+        int length = SizeLimits.ListLength(itemCount, SizeOf(list).Width);
+        double[] part = Guarded(length, () => new double[length]);
+        fixed (double* numbers = part) {
+            double* destination = numbers; // lambdas cannot hold fixed variables
+            Engine.Call<int>((_, error) => NativeMethods.brix_list_copy(list, firstItem, itemCount, destination, error));
+        }
+        return part;
+    }
+
     private struct ListSize
     {
         internal long ItemCount, Width;
