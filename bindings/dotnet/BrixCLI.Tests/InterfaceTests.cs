@@ -42,6 +42,8 @@ public class InterfaceTests
     private static IEnumerable<string> Lines(Type type) => type.GetMembers(Declared)
         .Where(member => member is FieldInfo { IsPublic: true } or ConstructorInfo { IsPublic: true } ||
             member is MethodInfo method && (method.IsPublic || method.IsFamily))
+        .Where(member => member is not MethodBase method // the same for spans, which .NET Standard does not have
+            || !method.GetParameters().Any(item => item.ParameterType.IsByRefLike))
         .Select(member => member switch {
             FieldInfo field => type.Name + "." + field.Name + ": " + Name(field.FieldType),
             MethodBase method => (method.IsStatic ? "static " : "") + type.Name + "." + method.Name + "(" +
@@ -97,6 +99,7 @@ public class InterfaceTests
 
     private static string Kind(Type type) => type.IsPointer ? Kind(type.GetElementType()!) + "*" : type.Name switch {
         "Int32" => "int", "Int64" or "IndexTriple" => "long", "Double" or "PointTriple" => "double", "Byte" => "byte",
+        "Single" => "float",
         "IntPtr" => "handle", "Void" => "void", _ => type.Name
     };
 
