@@ -31,6 +31,7 @@ set(BRIX_INTERNAL_HEADERS
     triangles/ByteReader.h
     triangles/ExtentsAround.h
     triangles/HeightSweep.h
+    triangles/IndexedTriangles.h
     triangles/Lanes.h
     triangles/PackWorldTriangles.h
     triangles/PackedTriangles.h

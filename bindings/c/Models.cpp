@@ -34,18 +34,32 @@ RowsAtIndex& RowsAcross(std::int32_t dimIndex)
     }
 }
 
+// Runs use(vertices, triangles) on a mesh in the caller's memory whose counts and indices are right.
+template <class Number, class Use>
+auto WithMesh(const Number* vertices, std::int64_t vertexCount, const std::int32_t* indices, std::int64_t triangleCount,
+              const Use& use)
+{
+    RequireItems(vertices, vertexCount, 3, "triangle mesh vertices");
+    RequireItems(indices, triangleCount, 3, "triangles");
+    const std::span points(reinterpret_cast<const std::array<Number, 3>*>(vertices), static_cast<std::size_t>(vertexCount));
+    for (std::int64_t i = 0; i < 3 * triangleCount; ++i) RequireVertexIndex(indices[i], points.size());
+    return use(points, std::span(reinterpret_cast<const std::array<std::uint32_t, 3>*>(indices),
+                                 static_cast<std::size_t>(triangleCount)));
+}
+
 template <class Number>
 std::int32_t VoxelizedMesh(const brix_axes* axes, const Number* vertices, std::int64_t vertexCount, const std::int32_t* indices,
                            std::int64_t triangleCount, std::int64_t finestLOD, brix_model** result, brix_error* error)
 {
-    return Guarded(error, {axes, result}, "the voxel model of the mesh", [&] {
-        RequireItems(vertices, vertexCount, 3, "triangle mesh vertices");
-        RequireItems(indices, triangleCount, 3, "triangles");
-        const std::span points(reinterpret_cast<const std::array<Number, 3>*>(vertices), static_cast<std::size_t>(vertexCount));
-        for (std::int64_t i = 0; i < 3 * triangleCount; ++i) RequireVertexIndex(indices[i], points.size());
-        const std::span triangles(reinterpret_cast<const std::array<std::uint32_t, 3>*>(indices),
-                                  static_cast<std::size_t>(triangleCount));
-        MakeModel(result, Voxelize(axes->axes, points, triangles, finestLOD));
+    const auto bytes = [&] {
+        return WithMesh(vertices, vertexCount, indices, triangleCount, [&](const auto& points, const auto& triangles) {
+            return BytesToVoxelize(axes->axes, points, triangles, finestLOD);
+        });
+    };
+    return Guarded(error, {axes, result}, "the voxel model of the mesh", bytes, [&] {
+        WithMesh(vertices, vertexCount, indices, triangleCount, [&](const auto& points, const auto& triangles) {
+            MakeModel(result, Voxelize(axes->axes, points, triangles, finestLOD));
+        });
     });
 }
 

@@ -243,7 +243,7 @@ BRIX_C_API int32_t brix_model_from_triangles(const double* triangles, int64_t tr
  * the voxels touched, and not the box (brix/triangles/Voxelize.h). */
 BRIX_C_API int32_t brix_voxelize(const brix_axes* axes, const double* triangles, int64_t triangle_count, int64_t finest_lod,
                                  brix_model** result, brix_error* error);
-/* The same from three doubles, or floats, per vertex and three indices per triangle. The memory limit does not ask for them. */
+/* The same from three doubles, or floats, per vertex and three indices per triangle, which are not copied. */
 BRIX_C_API int32_t brix_voxelize_mesh(const brix_axes* axes, const double* vertices, int64_t vertex_count, const int32_t* indices,
                                       int64_t triangle_count, int64_t finest_lod, brix_model** result, brix_error* error);
 BRIX_C_API int32_t brix_voxelize_float_mesh(const brix_axes* axes, const float* vertices, int64_t vertex_count,

@@ -1,5 +1,11 @@
 #include "VoxelizationEstimate.h"
 
+#include "../frame/WatchedLoop.h"
+#include "ExtentsAround.h"
+#include "IndexedTriangles.h"
+#include "TriangleMesh.h"
+#include "Voxelization.h"
+
 #include <cmath>
 #include <set>
 
@@ -128,19 +134,26 @@ double BytesOfRaster(const ModelSize& size, std::size_t triangleCount)
            std::min(stacks, 20480.0) * 2200;
 }
 
-} // namespace
+// Triangles is a span of them, or anything else that gives them by number.
+template <class Triangles, class Visit>
+void ForEachOutline(const Axes& axes, const Triangles& triangles, std::int64_t lod, const Visit& visit)
+{
+    for (std::size_t i = 0; i < triangles.size(); ++i) {
+        visit(Outline(axes, triangles[i], lod));
+        if (i % 1024 == 0) CheckWatch();
+    }
+}
 
-ModelSize SizeOfVoxels(const Extents& extents, std::span<const WorldTriangle> triangles, std::int64_t finestLOD)
+template <class Triangles> ModelSize SizeOfAll(const Extents& extents, const Triangles& triangles, std::int64_t finestLOD)
 {
     ModelSize size(extents, finestLOD);
     TouchedChunks chunks(finestLOD);
-    for (const WorldTriangle& triangle : triangles) {
-        const Outline outline(extents.AxesRef(), triangle, finestLOD);
+    ForEachOutline(extents.AxesRef(), triangles, finestLOD, [&](const Outline& outline) {
         const double stacks = outline.BoxesCrossed(StackBox);
         size.filled += stacks;
         size.layerBytes += stacks * (26 + 33 * (3 + outline.HeightsPassed()));
         chunks.Add(outline);
-    }
+    });
     size.stored = std::min(size.chunks, chunks.Count());
     size.filled = std::clamp(size.filled, size.stored, size.stored * size.StacksPerChunk(finestLOD));
     size.layerBytes =
@@ -150,22 +163,68 @@ ModelSize SizeOfVoxels(const Extents& extents, std::span<const WorldTriangle> tr
 }
 
 // Large triangles are put by, and listed in the chunks that they cross.
-double BytesToVoxelize(const ModelSize& size, const Axes& axes, std::span<const WorldTriangle> triangles)
+template <class Triangles> double BytesOfAll(const ModelSize& size, const Axes& axes, const Triangles& triangles)
 {
     double bytes = BytesOfModel(size) + BytesOfRaster(size, triangles.size());
-    for (const WorldTriangle& triangle : triangles) {
-        const Outline outline(axes, triangle, size.lod);
+    ForEachOutline(axes, triangles, size.lod, [&](const Outline& outline) {
         if (outline.Pieces(ChunkBox(size.lod)) > 1)
             bytes += 3 * sizeof(LatticeTriangle) + 128 * (1 + outline.BoxesCrossed(ChunkBox(size.lod)));
-    }
+    });
     return bytes;
+}
+
+template <class Number> Extents ExtentsOf(const Axes& axes, const IndexedTriangles<Number>& mesh)
+{
+    if (mesh.size() == 0) return DetectTriangleExtents(axes, std::span<const WorldTriangle>());
+    Triple lower = axes.FromWorldCoordinates(mesh[0][0]);
+    Triple upper = lower;
+    for (std::size_t i = 0; i < mesh.size(); ++i) {
+        for (const std::array<double, 3>& corner : mesh[i]) {
+            const Triple coords = axes.FromWorldCoordinates(corner);
+            lower = Lowest(lower, coords);
+            upper = Highest(upper, coords);
+        }
+    }
+    return ExtentsAround(axes, lower, upper);
+}
+
+template <class Number> double BytesToVoxelizeMesh(const Axes& axes, const IndexedTriangles<Number>& mesh, std::int64_t finestLOD)
+{
+    for (const auto& triangle : mesh.indices) {
+        for (const std::uint32_t vertex : triangle) RequireVertexIndex(vertex, mesh.vertices.size());
+    }
+    return BytesOfAll(SizeOfAll(ExtentsOf(axes, mesh), mesh, finestLOD), axes, mesh);
+}
+
+} // namespace
+
+ModelSize SizeOfVoxels(const Extents& extents, std::span<const WorldTriangle> triangles, std::int64_t finestLOD)
+{
+    return SizeOfAll(extents, triangles, finestLOD);
+}
+
+double BytesToVoxelize(const ModelSize& size, const Axes& axes, std::span<const WorldTriangle> triangles)
+{
+    return BytesOfAll(size, axes, triangles);
+}
+
+double BytesToVoxelize(const Axes& axes, std::span<const std::array<double, 3>> vertices,
+                       std::span<const std::array<std::uint32_t, 3>> triangles, std::int64_t finestLOD)
+{
+    return BytesToVoxelizeMesh(axes, IndexedTriangles<double>{vertices, triangles}, finestLOD);
+}
+
+double BytesToVoxelize(const Axes& axes, std::span<const std::array<float, 3>> vertices,
+                       std::span<const std::array<std::uint32_t, 3>> triangles, std::int64_t finestLOD)
+{
+    return BytesToVoxelizeMesh(axes, IndexedTriangles<float>{vertices, triangles}, finestLOD);
 }
 
 // A piece lies in up to eight chunks, in two on average, in vectors that grow.
 double BytesToFileAndVoxelize(const ModelSize& size, const Axes& axes, std::span<const WorldTriangle> triangles)
 {
     double pieces = 0;
-    for (const WorldTriangle& triangle : triangles) pieces += Outline(axes, triangle, size.lod).Pieces(ChunkBox(size.lod));
+    ForEachOutline(axes, triangles, size.lod, [&](const Outline& outline) { pieces += outline.Pieces(ChunkBox(size.lod)); });
     return BytesOfModel(size) + BytesOfRaster(size, triangles.size()) + size.stored * 1024 + pieces * 6 * sizeof(LatticeTriangle);
 }
 

@@ -3,6 +3,7 @@
 #include "../frame/Require.h"
 #include "../model/ForEachStack.h"
 #include "ExtentsAround.h"
+#include "IndexedTriangles.h"
 #include "PackWorldTriangles.h"
 #include "TriangleMesh.h"
 #include "TriangleRaster.h"
@@ -228,17 +229,13 @@ VoxelModel<bool> VoxelizeMesh(const Axes& axes, std::span<const std::array<Numbe
     }
     RequireLevel("The finest level of detail in a voxel model", finestLOD);
     if (triangles.empty()) return Voxelize(axes, std::span<const WorldTriangle>(), finestLOD);
+    const IndexedTriangles<Number> mesh{vertices, triangles};
     Voxelizer voxelizer(axes, finestLOD);
     std::array<WorldTriangle, 128> batch;
     WatchedLoop loop(triangles.size());
     for (std::size_t first = 0; first < triangles.size(); first += batch.size()) {
         const std::size_t count = std::min(batch.size(), triangles.size() - first);
-        for (std::size_t i = 0; i < count; ++i) {
-            for (std::size_t corner = 0; corner < 3; ++corner) {
-                const std::array<Number, 3>& vertex = vertices[triangles[first + i][corner]];
-                std::copy(vertex.begin(), vertex.end(), batch[i][corner].begin());
-            }
-        }
+        for (std::size_t i = 0; i < count; ++i) batch[i] = mesh[first + i];
         voxelizer.Add({batch.data(), count});
         loop.Step(count);
     }

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <numeric>
 #include <string>
 
 namespace brix::tests {
@@ -24,7 +25,9 @@ Owned<Object> Make(std::int32_t (*function)(Parameters...), const Arguments&... 
 struct Operands
 {
     std::string name;
-    std::vector<double> triangles; // in the middle of the voxels that the model holds
+    std::vector<double> triangles;     // in the middle of the voxels that the model holds
+    std::vector<float> floats;         // the same
+    std::vector<std::int32_t> corners; // of triangles, every one a vertex of its own
     std::array<double, 3> point;
     std::int64_t lod;
     double reach;
@@ -70,6 +73,9 @@ inline Operands MakeOperands(std::uint64_t seed, std::int64_t finestLOD, const E
     operands.lod = finestLOD;
     operands.reach = 30 * frame.WorldVoxelWidth(finestLOD);
     operands.triangles = TrianglesIn(first, frame);
+    operands.floats.assign(operands.triangles.begin(), operands.triangles.end());
+    operands.corners.resize(operands.triangles.size() / 3);
+    std::iota(operands.corners.begin(), operands.corners.end(), 0);
     operands.axes = Make<brix_axes>(brix_axes_create, frame.WorldVoxelWidth(0), origin.data(), frame.WorldVoxelRotation(),
                                     frame.VerticalLOD());
     operands.extents = Box(operands.axes.get(), extents);
@@ -152,6 +158,10 @@ inline const std::vector<Work> Works{
     BRIX_WORK(brix_rows, brix_rows_at_slice, o.model.get(), 2, 0, o.lod, 0, 0),
     BRIX_WORK(brix_model, brix_model_from_triangles, o.triangles.data(), o.TriangleCount(), o.extents.get(), o.lod),
     BRIX_WORK(brix_model, brix_voxelize, o.axes.get(), o.triangles.data(), o.TriangleCount(), o.lod),
+    BRIX_WORK(brix_model, brix_voxelize_mesh, o.axes.get(), o.triangles.data(), 3 * o.TriangleCount(), o.corners.data(),
+              o.TriangleCount(), o.lod),
+    BRIX_WORK(brix_model, brix_voxelize_float_mesh, o.axes.get(), o.floats.data(), 3 * o.TriangleCount(), o.corners.data(),
+              o.TriangleCount(), o.lod),
     BRIX_WORK(brix_path_model, brix_path_model_create, o.model.get(), o.lod, 3, 4, 1),
     BRIX_WORK(brix_model, brix_path_model_traversable_voxels, o.pathModel.get()),
     BRIX_WORK(brix_list, brix_path_model_generate_sample_points, o.pathModel.get(), o.Reach(), 1),
