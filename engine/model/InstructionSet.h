@@ -20,8 +20,8 @@ inline InstructionSet FastestInstructionSet()
 }
 
 // `flatten` pulls everything that the work calls into this one function, so that no function compiled for AVX2 can be linked into
-// code that runs on older processors. Where sanitizers look at every access, one function of that size takes a compiler a quarter of
-// an hour: there both ways run the portable code.
+// code that runs on older processors. Where sanitizers look at every access, one function of that size takes a compiler a quarter
+// of an hour: there both ways run the portable code.
 #ifdef BRIX_SANITIZED
 template <class Work> void RunWithAvx2(const Work& work) { work(); }
 #else

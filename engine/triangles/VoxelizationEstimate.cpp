@@ -179,6 +179,7 @@ template <class Number> Extents ExtentsOf(const Axes& axes, const IndexedTriangl
     Triple lower = axes.FromWorldCoordinates(mesh[0][0]);
     Triple upper = lower;
     for (std::size_t i = 0; i < mesh.size(); ++i) {
+        if (i % 1024 == 0) CheckWatch();
         for (const std::array<double, 3>& corner : mesh[i]) {
             const Triple coords = axes.FromWorldCoordinates(corner);
             lower = Lowest(lower, coords);

@@ -28,8 +28,9 @@ public static unsafe class VoxelTessellationCLI
     public static long CountTriangles(VoxelModelCLI voxelModelCLI, int voxelLOD) => Engine.Call<long>((result, error) =>
         NativeMethods.brix_count_tessellation_triangles(voxelModelCLI.Required(), voxelLOD, result, error));
 
-    /// <summary>The triangles of <see cref="TessellateVoxelModel"/> part by part, for results that no list can hold. The engine's
-    /// part of the work is done when the first part is asked for; it takes 24 bytes for every twelve triangles meanwhile.</summary>
+    /// <summary>The triangles of <see cref="TessellateVoxelModel"/> part by part, for results that no list can hold. The
+    /// engine's part of the work is done when the first part is asked for; it takes 24 bytes for every twelve triangles
+    /// meanwhile.</summary>
     /// <param name="voxelModelCLI">the model, which must not be disposed of before the last part</param>
     /// <param name="voxelLOD">0 to the model's finest level</param>
     /// <param name="trianglesPerPart">how many triangles a part has, but for the last one</param>
@@ -40,8 +41,8 @@ public static unsafe class VoxelTessellationCLI
     {
         CountTriangles(voxelModelCLI, voxelLOD); // whose checks are these
         if (trianglesPerPart < 1 || trianglesPerPart > SizeLimits.MaxItems / 9)
-            throw new Exception("A part must have between 1 and " + SizeLimits.MaxItems / 9 + " triangles. The value encountered was " +
-                trianglesPerPart + ".");
+            throw new Exception("A part must have between 1 and " + SizeLimits.MaxItems / 9 +
+                " triangles. The value encountered was " + trianglesPerPart + ".");
         return Parts(voxelModelCLI, voxelLOD, trianglesPerPart);
     }
 

@@ -63,8 +63,8 @@ public sealed unsafe partial class VoxelModelCLI
             size.Triangles, finestLOD, result, error));
 
     private static VoxelModelCLI Voxelize(float* vertices, int* indices, MeshSize size, AxesCLI axes, int finestLOD) =>
-        new VoxelModelCLI((result, error) => NativeMethods.brix_voxelize_float_mesh(axes.Pointer, vertices, size.Vertices, indices,
-            size.Triangles, finestLOD, result, error));
+        new VoxelModelCLI((result, error) => NativeMethods.brix_voxelize_float_mesh(axes.Pointer, vertices, size.Vertices,
+            indices, size.Triangles, finestLOD, result, error));
 
     /// <summary>Bytes that no model on a box exceeds, whatever is filled. Real models stay far below.</summary>
     /// <param name="extentsCLI">the box</param>
@@ -140,7 +140,8 @@ public sealed unsafe partial class VoxelModelCLI
     /// <param name="first">where the box's lowest voxel goes</param>
     /// <param name="strideY">from one row to the next</param>
     /// <param name="strideZ">from one layer to the next</param>
-    /// <exception cref="Exception">as above; the array is null, or ends before the box's last voxel; a number is negative</exception>
+    /// <exception cref="Exception">as above; the array is null, or ends before the box's last voxel; a number is negative
+    /// </exception>
     public void CopyVoxels(ExtentsCLI boxCLI, byte[] voxels, int first, int strideY, int strideZ)
     {
         boxCLI.Required();
@@ -226,8 +227,8 @@ public sealed unsafe partial class VoxelModelCLI
         byte nothing = 0; // there is an address for an empty array, too
         fixed (bool* booleans = voxels) {
             return new VoxelModelCLI(Engine.CallAt<byte, IntPtr>(voxels.Length == 0 ? &nothing : (byte*)booleans,
-                (bytes, result, error) => NativeMethods.brix_model_from_voxels(extentsCLI.Pointer, bytes, voxels.Length, finestLOD,
-                    result, error)));
+                (bytes, result, error) => NativeMethods.brix_model_from_voxels(extentsCLI.Pointer, bytes, voxels.Length,
+                    finestLOD, result, error)));
         }
     }
 
