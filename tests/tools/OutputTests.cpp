@@ -48,6 +48,19 @@ TEST_F(Program, LeavesTheOldFileWhenItIsEndedWhileWriting)
     }
 }
 
+// The growth would take much longer.
+TEST_F(Program, EndsAnOperationByAnInterruptWithItsReport)
+{
+    ASSERT_EQ(Run("scene building -o house.stl").exitCode, 0);
+    const Outcome outcome = Run("run house.stl --voxel 0.01 --json -- expand-horizontally 401 expand-horizontally 401 "
+                                "expand-horizontally 401 write-surface new.stl & p=$!; sleep 1; kill -INT $p; wait $p",
+                                "env --default-signal=INT");
+    EXPECT_EQ(outcome.exitCode, 128 + 2) << outcome.error;
+    EXPECT_EQ(outcome.error, "brix: Interrupted.\n");
+    EXPECT_NE(outcome.output.find("\"error\": \"Interrupted.\""), std::string::npos) << outcome.output;
+    EXPECT_EQ(NamesIn(folder_), "house.stl ");
+}
+
 TEST_F(Program, ReplacesWhatALinkPointsToAndKeepsItsPermissions)
 {
     fs::create_directory(folder_ / "there");
