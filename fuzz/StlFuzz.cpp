@@ -1,5 +1,6 @@
 // Any bytes at all, read as an STL file that is in memory. Either a std::runtime_error says what is wrong with them, or there is
 // a list of triangles; that list must come back from both variants of the format.
+#include "triangles/StlFiles.h"
 #include "triangles/StlFormats.h"
 
 #include <cmath>
@@ -22,9 +23,7 @@ void Require(bool condition, const char* fact)
 
 Triangles Load(std::string_view bytes, bool swapYZ)
 {
-    brix::ByteReader file(bytes);
-    return brix::IsAsciiStl(file, "fuzz") ? brix::ReadAsciiTriangles(file, "fuzz", swapYZ)
-                                          : brix::ReadBinaryTriangles(file, "fuzz", swapYZ);
+    return brix::LoadTrianglesFromSTL({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()}, swapYZ);
 }
 
 Triangles SavedAndLoaded(decltype(brix::WriteAsciiTriangles) write, const Triangles& triangles, bool swapYZ)

@@ -46,6 +46,7 @@ public class HostileTests
             new[] { new double[][] { null!, null!, null! } }],
         [typeof(List<int>)] = [new List<int> { 1, 1, 1 }, null, new List<int>(), new List<int> { 0, 0 },
             new List<int> { int.MinValue, int.MaxValue, 0 }, new List<int> { int.MaxValue, int.MaxValue, int.MaxValue }],
+        [typeof(List<long>)] = [new List<long> { 1, 1, 1 }, null, new List<long>(), new List<long> { 1, long.MinValue }],
         [typeof(List<double>)] = [Triangles([(1, 1, 1)]), null, new List<double>(), new List<double> { 1, 2 },
             Enumerable.Repeat(double.NaN, 9).ToList(), Enumerable.Repeat(double.PositiveInfinity, 18).ToList(),
             Enumerable.Repeat(1e308, 9).ToList(), new List<double> { 0, 0, 0 }, Enumerable.Repeat(-1e19, 10).ToList()],

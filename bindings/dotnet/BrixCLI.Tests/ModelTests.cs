@@ -48,10 +48,11 @@ public class ModelTests
         (int X, int Y, int Z) filled = Read(model).Filled.First();
         long[] places = [filled.X, filled.Y, filled.Z, long.MaxValue, 0, long.MinValue, filled.X, filled.Y, filled.Z + 1000];
         Assert.Equal([true, false, false], model.AreFilled(places, 5));
-        Assert.Empty(model.AreFilled([], 5));
+        Assert.Equal([true, false, false], model.AreFilled(places.ToList(), 5));
+        Assert.Empty(model.AreFilled(new long[0], 5));
 
-        Assert.Equal("The list of voxel indices cannot be null.", MessageOf(() => model.AreFilled(null!, 5)));
-        Assert.Equal("The number of voxel indices must be divisible by three.", MessageOf(() => model.AreFilled([1, 2], 5)));
+        Assert.Equal("The list of voxel indices cannot be null.", MessageOf(() => model.AreFilled((long[])null!, 5)));
+        Assert.Equal("The number of voxel indices must be divisible by three.", MessageOf(() => model.AreFilled(new long[2], 5)));
         Assert.StartsWith("The level of detail for voxel model operations", MessageOf(() => model.AreFilled(places, 6)));
         Assert.Equal(Nine, MessageOf(() => VoxelModelCLI.Voxelize([1.0], axes, 5)));
         Assert.StartsWith("The finest level of detail", MessageOf(() => VoxelModelCLI.Voxelize(triangles, axes, 6)));
@@ -77,11 +78,16 @@ public class ModelTests
         byte[] content = [.. Enumerable.Range(0, 6 * 6 * 3).Select(i => (byte)(i == 4 ? 9 : 0))];
         using (VoxelModelCLI written = model.WriteVoxels(inside, content))
             Assert.Equal([(43, -2, 6), (42, 3, 9)], Read(written).Filled);
+        using (VoxelModelCLI written = model.WriteVoxels(inside, [.. content.Select(voxel => voxel != 0)]))
+            Assert.Equal([(43, -2, 6), (42, 3, 9)], Read(written).Filled);
         byte[] volume = Enumerable.Repeat((byte)7, 1000).ToArray();
         model.CopyVoxels(box, volume, 10, 20, 200);
         byte[] gaps = [.. volume.Where((_, i) => (i - 10) % 200 % 20 >= 8)];
         Assert.Equal(voxels, Enumerable.Range(0, voxels.Length).Select(i => volume[10 + i % 8 + i / 8 % 6 * 20 + i / 48 * 200]));
         Assert.All(gaps, gap => Assert.Equal(7, gap));
+        volume[10 + 4] = 9;
+        using (VoxelModelCLI written = model.WriteVoxels(inside, volume, 10, 20, 200))
+            Assert.Equal([(43, -2, 6), (40, -1, 7), (42, 3, 9)], Read(written).Filled);
         Assert.Equal("The bytes of a box of voxels must hold its last voxel.",
             MessageOf(() => model.CopyVoxels(box, volume, 900, 20, 200)));
 
@@ -135,6 +141,46 @@ public class ModelTests
         Assert.Equal("The number of vertex indices must be divisible by three.",
             MessageOf(() => VoxelModelCLI.Voxelize(new float[3], new[] { 0 }, axes, 5)));
     }
+
+#if BRIX_HAS_SPANS
+    [Fact]
+    public void TakesSpansAsArrays()
+    {
+        using AxesCLI axes = Axes(30);
+        double[] vertices = [.. Triangles([(40, -1, 7), (42, 3, 9)])];
+        float[] floats = [.. vertices.Select(number => (float)number)];
+        int[] indices = [0, 1, 2, 3, 4, 5];
+        Range second = 9..18; // of the triangles, with the corners of the first
+        using VoxelModelCLI model = VoxelModelCLI.Voxelize(vertices[second], indices[..3], axes, 5);
+        using VoxelModelCLI ofFloats = VoxelModelCLI.Voxelize(floats[second], indices[..3], axes, 5);
+        void ExpectSame(VoxelModelCLI expected, VoxelModelCLI actual)
+        {
+            using (actual) Assert.Equal(expected.ContentHash(), actual.ContentHash());
+        }
+        ExpectSame(model, VoxelModelCLI.Voxelize(vertices.AsSpan(second), indices.AsSpan(0, 3), axes, 5));
+        ExpectSame(ofFloats, VoxelModelCLI.Voxelize(floats.AsSpan(second), indices.AsSpan(0, 3), axes, 5));
+        Assert.Equal(model.AreFilledAt(vertices, 5), model.AreFilledAt(vertices.AsSpan(), 5));
+        long[] places = [.. Read(model).Filled.SelectMany(cell => new long[] { cell.X, cell.Y, cell.Z }), 0, 0, 0];
+        Assert.Equal(model.AreFilled(places, 5), model.AreFilled(places.AsSpan(), 5));
+
+        using ExtentsCLI box = model.Extents(5);
+        byte[] voxels = model.CopyVoxels(box), framed = new byte[voxels.Length + 2];
+        model.CopyVoxels(box, framed.AsSpan(1, voxels.Length));
+        Assert.Equal([0, .. voxels, 0], framed);
+        foreach (int length in new[] { 0, framed.Length }) {
+            Assert.Equal("There must be as many bytes as the box has voxels.",
+                MessageOf(() => model.CopyVoxels(box, framed.AsSpan(0, length))));
+        }
+        ExpectSame(model, VoxelModelCLI.FromVoxels(box, framed.AsSpan(1, voxels.Length), 5));
+        Array.Reverse(framed);
+        using VoxelModelCLI reversed = model.WriteVoxels(box, framed[1..^1]);
+        ExpectSame(reversed, model.WriteVoxels(box, framed.AsSpan(1, voxels.Length)));
+        Assert.NotEqual(model.ContentHash(), reversed.ContentHash());
+        byte[] saved = [7, .. model.Save()];
+        ExpectSame(model, VoxelModelCLI.Load(saved.AsSpan(1)));
+        Assert.Equal("The saved voxel model is cut off.", MessageOf(() => VoxelModelCLI.Load(saved.AsSpan(1, 20))));
+    }
+#endif
 
     // A system that promises any memory, and takes it back by ending processes, is not asked.
     private sealed class HonestMemoryFactAttribute : FactAttribute

@@ -33,26 +33,6 @@ public sealed unsafe partial class VoxelModelCLI
         fixed (int* firstIndex = indices) return Voxelize(firstVertex, firstIndex, size, axesCLI, finestLOD);
     }
 
-#if NET
-    /// <inheritdoc cref="Voxelize(double[], int[], AxesCLI, int)"/>
-    public static VoxelModelCLI Voxelize(ReadOnlySpan<double> vertices, ReadOnlySpan<int> indices, AxesCLI axesCLI, int finestLOD)
-    {
-        axesCLI.Required();
-        var size = new MeshSize(Triples(vertices.Length, "vertex coordinates"), Triples(indices.Length, "vertex indices"));
-        fixed (double* firstVertex = vertices)
-        fixed (int* firstIndex = indices) return Voxelize(firstVertex, firstIndex, size, axesCLI, finestLOD);
-    }
-
-    /// <inheritdoc cref="Voxelize(double[], int[], AxesCLI, int)"/>
-    public static VoxelModelCLI Voxelize(ReadOnlySpan<float> vertices, ReadOnlySpan<int> indices, AxesCLI axesCLI, int finestLOD)
-    {
-        axesCLI.Required();
-        var size = new MeshSize(Triples(vertices.Length, "vertex coordinates"), Triples(indices.Length, "vertex indices"));
-        fixed (float* firstVertex = vertices)
-        fixed (int* firstIndex = indices) return Voxelize(firstVertex, firstIndex, size, axesCLI, finestLOD);
-    }
-#endif
-
     private readonly struct MeshSize(int vertices, int triangles)
     {
         internal readonly int Vertices = vertices, Triangles = triangles;
@@ -94,15 +74,6 @@ public sealed unsafe partial class VoxelModelCLI
         return NumberLists.Pinned<double, bool[]>(pointCoords, points => AreFilledAt(points, count, voxelLOD));
     }
 
-#if NET
-    /// <inheritdoc cref="AreFilledAt(double[], int)"/>
-    public bool[] AreFilledAt(ReadOnlySpan<double> pointCoords, int voxelLOD)
-    {
-        int count = Triples(pointCoords.Length, "point coordinates");
-        fixed (double* points = pointCoords) return AreFilledAt(points, count, voxelLOD);
-    }
-#endif
-
     private bool[] AreFilledAt(double* points, int count, int voxelLOD)
     {
         var filled = new bool[count];
@@ -140,18 +111,23 @@ public sealed unsafe partial class VoxelModelCLI
     /// <param name="first">where the box's lowest voxel goes</param>
     /// <param name="strideY">from one row to the next</param>
     /// <param name="strideZ">from one layer to the next</param>
-    /// <exception cref="Exception">as above; the array is null, or ends before the box's last voxel; a number is negative
-    /// </exception>
+    /// <exception cref="Exception">as above; the array is null, or ends before the box's last voxel; a number is
+    /// negative</exception>
     public void CopyVoxels(ExtentsCLI boxCLI, byte[] voxels, int first, int strideY, int strideZ)
     {
         boxCLI.Required();
-        if (voxels is null) throw new Exception("The array of voxels cannot be null.");
-        if (first < 0 || first >= voxels.Length) throw new Exception("The place of the first voxel must lie in the array.");
-        fixed (byte* bytes = &voxels[first]) {
+        fixed (byte* bytes = &voxels[Place(voxels, first)]) {
             byte* start = bytes;
             Engine.Call<int>((_, error) => NativeMethods.brix_copy_voxels_strided(Pointer, boxCLI.Pointer, start,
                 voxels.Length - first, strideY, strideZ, error));
         }
+    }
+
+    private static int Place(byte[] voxels, int first)
+    {
+        if (voxels is null) throw new Exception("The array of voxels cannot be null.");
+        if (first < 0 || first >= voxels.Length) throw new Exception("The place of the first voxel must lie in the array.");
+        return first;
     }
 
     private void CopyVoxels(ExtentsCLI box, byte* bytes, int count) => Engine.Call<int>((_, error) =>
@@ -178,9 +154,36 @@ public sealed unsafe partial class VoxelModelCLI
     {
         boxCLI.Required();
         if (voxels is null) throw new Exception("The array of voxels cannot be null.");
-        return FromBytes(voxels, (bytes, result, error) =>
-            NativeMethods.brix_write_voxels(Pointer, boxCLI.Pointer, bytes, voxels.Length, result, error));
+        fixed (byte* bytes = voxels) return WriteVoxels(boxCLI, bytes, voxels.Length);
     }
+
+    /// <inheritdoc cref="WriteVoxels(ExtentsCLI, byte[])"/>
+    public VoxelModelCLI WriteVoxels(ExtentsCLI boxCLI, bool[] voxels)
+    {
+        boxCLI.Required();
+        if (voxels is null) throw new Exception("The array of voxels cannot be null.");
+        fixed (bool* booleans = voxels) return WriteVoxels(boxCLI, (byte*)booleans, voxels.Length);
+    }
+
+    /// <summary>The same from a part of an array, a volume that is larger than the box for example.</summary>
+    /// <param name="boxCLI">the box, as above</param>
+    /// <param name="voxels">the array; what lies between rows and layers is not read</param>
+    /// <param name="first">where the box's lowest voxel is</param>
+    /// <param name="strideY">from one row to the next</param>
+    /// <param name="strideZ">from one layer to the next</param>
+    /// <exception cref="Exception">as above; the array is null, or ends before the box's last voxel; a number is
+    /// negative</exception>
+    public VoxelModelCLI WriteVoxels(ExtentsCLI boxCLI, byte[] voxels, int first, int strideY, int strideZ)
+    {
+        boxCLI.Required();
+        fixed (byte* bytes = &voxels[Place(voxels, first)]) {
+            return FromBytes(bytes, (start, result, error) => NativeMethods.brix_write_voxels_strided(Pointer, boxCLI.Pointer,
+                start, voxels.Length - first, strideY, strideZ, result, error));
+        }
+    }
+
+    private VoxelModelCLI WriteVoxels(ExtentsCLI box, byte* voxels, int count) => FromBytes(voxels, (bytes, result, error) =>
+        NativeMethods.brix_write_voxels(Pointer, box.Pointer, bytes, count, result, error));
 
     /// <summary>Visits the runs of filled voxels along x at a level, in lattice order: z outermost, then y, then x.</summary>
     /// <param name="voxelLOD">0 to the finest level</param>
@@ -215,8 +218,7 @@ public sealed unsafe partial class VoxelModelCLI
     {
         extentsCLI.Required();
         if (voxels is null) throw new Exception("The array of voxels cannot be null.");
-        return FromBytes(voxels, (bytes, result, error) =>
-            NativeMethods.brix_model_from_voxels(extentsCLI.Pointer, bytes, voxels.Length, finestLOD, result, error));
+        fixed (byte* bytes = voxels) return FromVoxels(extentsCLI, bytes, voxels.Length, finestLOD);
     }
 
     /// <inheritdoc cref="FromVoxels(ExtentsCLI, byte[], int)"/>
@@ -224,13 +226,11 @@ public sealed unsafe partial class VoxelModelCLI
     {
         extentsCLI.Required();
         if (voxels is null) throw new Exception("The array of voxels cannot be null.");
-        byte nothing = 0; // there is an address for an empty array, too
-        fixed (bool* booleans = voxels) {
-            return new VoxelModelCLI(Engine.CallAt<byte, IntPtr>(voxels.Length == 0 ? &nothing : (byte*)booleans,
-                (bytes, result, error) => NativeMethods.brix_model_from_voxels(extentsCLI.Pointer, bytes, voxels.Length,
-                    finestLOD, result, error)));
-        }
+        fixed (bool* booleans = voxels) return FromVoxels(extentsCLI, (byte*)booleans, voxels.Length, finestLOD);
     }
+
+    private static VoxelModelCLI FromVoxels(ExtentsCLI box, byte* voxels, int count, int finestLOD) => FromBytes(voxels,
+        (bytes, result, error) => NativeMethods.brix_model_from_voxels(box.Pointer, bytes, count, finestLOD, result, error));
 
     /// <summary>The model as bytes, for a file, a database or another process. Equal models give equal bytes, on every
     /// platform.</summary>
@@ -272,7 +272,12 @@ public sealed unsafe partial class VoxelModelCLI
         return Load(saved.GetBuffer(), (int)saved.Length);
     }
 
-    private static VoxelModelCLI Load(byte[] buffer, int length) => FromBytes(buffer, (bytes, result, error) =>
+    private static VoxelModelCLI Load(byte[] buffer, int length)
+    {
+        fixed (byte* bytes = buffer) return Load(bytes, length);
+    }
+
+    private static VoxelModelCLI Load(byte* saved, int length) => FromBytes(saved, (bytes, result, error) =>
         NativeMethods.brix_load_model(bytes, length, result, error));
 
     /// <summary>128 bits of the model's content, frame, box, levels and voxels: the same for equal models, on every platform, and
@@ -288,10 +293,11 @@ public sealed unsafe partial class VoxelModelCLI
         return hash;
     }
 
-    private static VoxelModelCLI FromBytes(byte[] array, NativeCall<byte, IntPtr> make)
+    // There is an address for no bytes, too.
+    private static VoxelModelCLI FromBytes(byte* bytes, NativeCall<byte, IntPtr> make)
     {
-        byte nothing = 0; // there is an address for an empty array, too
-        fixed (byte* bytes = array) return new VoxelModelCLI(Engine.CallAt(array.Length == 0 ? &nothing : bytes, make));
+        byte nothing = 0;
+        return new VoxelModelCLI(Engine.CallAt(bytes == null ? &nothing : bytes, make));
     }
 
     // How many threes there are.

@@ -142,13 +142,24 @@ public sealed unsafe partial class VoxelModelCLI : EngineObject
     /// beyond the finest one</exception>
     public bool[] AreFilled(long[] voxelIndices, int voxelLOD)
     {
-        var filled = new bool[Triples(voxelIndices, "voxel indices")];
-        fixed (long* indices = voxelIndices)
+        int count = Triples(voxelIndices, "voxel indices");
+        fixed (long* indices = voxelIndices) return AreFilled(indices, count, voxelLOD);
+    }
+
+    /// <inheritdoc cref="AreFilled(long[], int)"/>
+    public bool[] AreFilled(List<long> voxelIndices, int voxelLOD)
+    {
+        if (voxelIndices is null) throw new Exception("The list of voxel indices cannot be null.");
+        int count = Triples(voxelIndices.Count, "voxel indices");
+        return NumberLists.Pinned<long, bool[]>(voxelIndices, indices => AreFilled(indices, count, voxelLOD));
+    }
+
+    private bool[] AreFilled(long* indices, int count, int voxelLOD)
+    {
+        var filled = new bool[count];
         fixed (bool* results = filled) {
-            long* first = indices; // lambdas cannot hold fixed variables
-            byte* result = (byte*)results;
-            Engine.Call<int>((_, error) =>
-                NativeMethods.brix_are_filled(Pointer, first, filled.Length, voxelLOD, result, error));
+            byte* result = (byte*)results; // lambdas cannot hold fixed variables
+            Engine.Call<int>((_, error) => NativeMethods.brix_are_filled(Pointer, indices, count, voxelLOD, result, error));
         }
         return filled;
     }
