@@ -106,9 +106,10 @@ BRIX_C_API int32_t brix_watch_end(brix_watch* watch, brix_error* error);
  * "About 1.25 GB of memory would be needed for the expanded voxel model; the limit is 500 MB."
  *
  * Wrong arguments are told first, as without a limit; only that no source of a distance field stands on traversable ground is
- * found out afterwards. Not estimated is what takes memory in proportion to lists or files that the caller hands over: meshes
- * and STL files; and single voxels, frames, boxes and paths, which take little. An estimate looks at all stored stacks of the
- * operands; without a limit nothing is estimated. */
+ * found out afterwards. Not estimated is what takes memory in proportion to what the caller hands over: objects of indexed
+ * meshes, STL files, bytes, and the copy of a model in which voxels are written; and single voxels, frames, boxes and paths,
+ * which take little. An estimate looks at all stored stacks of the operands, or at all triangles; without a limit nothing is
+ * estimated. */
 
 /* `bytes` may be infinite, for no limit; one that is negative or not a number is refused with BRIX_INVALID_ARGUMENT. */
 BRIX_C_API int32_t brix_set_memory_limit(double bytes, brix_error* error);
