@@ -35,6 +35,7 @@ set(BRIX_INTERNAL_HEADERS
     triangles/Lanes.h
     triangles/PackWorldTriangles.h
     triangles/PackedTriangles.h
+    triangles/PartedList.h
     triangles/PathText.h
     triangles/StackFaces.h
     triangles/StlFormats.h

@@ -4,6 +4,7 @@
 #include "../model/ForEachStack.h"
 #include "../model/InstructionSet.h"
 #include "HeightSweep.h"
+#include "PartedList.h"
 #include "StackFaces.h"
 
 #include <tuple>
@@ -26,7 +27,7 @@ public:
             loop.Step();
         }
         EndSlab((upper + 1) * ChunkHeight);
-        return std::move(cuboids_);
+        return cuboids_.TakeAll();
     }
 
 private:
@@ -35,7 +36,7 @@ private:
     {
         return [this](std::uint64_t rangeX, const IndexRange& y, const IndexRange& z) {
             const IndexRange x = UnpackRange(rangeX);
-            cuboids_.push_back({{x.lower, y.lower, z.lower}, {x.upper, y.upper, z.upper}});
+            cuboids_.Add({{x.lower, y.lower, z.lower}, {x.upper, y.upper, z.upper}});
         };
     }
 
@@ -49,7 +50,7 @@ private:
     std::vector<Cell> ends_; // of runs along x; a line is a row of voxels
     std::vector<Cell> runs_; // as cells along y; a line is a range along x
     HeightJoiner joiner_;
-    std::vector<VoxelCuboid> cuboids_;
+    PartedList<VoxelCuboid> cuboids_;
 };
 
 void CuboidMaker::AddSlab(std::int64_t chunkZ)

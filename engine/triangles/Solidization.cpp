@@ -4,6 +4,7 @@
 #include "../model/ForEachStack.h"
 #include "../model/InstructionSet.h"
 #include "HeightSweep.h"
+#include "PartedList.h"
 #include "StackFaces.h"
 
 #include <tuple>
@@ -26,7 +27,7 @@ public:
             loop.Step();
         }
         for (Facing& facing : facings_) EndSlab(facing, (upper + 1) * ChunkHeight);
-        return std::move(rectangles_);
+        return rectangles_.TakeAll();
     }
 
 private:
@@ -49,9 +50,9 @@ private:
         return [this, axis = facing.axis, side = facing.side](std::uint64_t line, const IndexRange& along, const IndexRange& z) {
             const std::int64_t plane = UnpackPosition(line);
             if (axis == Axis::X)
-                rectangles_.push_back({axis, side, {plane, along.lower, z.lower}, {plane, along.upper + 1, z.upper + 1}});
+                rectangles_.Add({axis, side, {plane, along.lower, z.lower}, {plane, along.upper + 1, z.upper + 1}});
             else
-                rectangles_.push_back({axis, side, {along.lower, plane, z.lower}, {along.upper + 1, plane, z.upper + 1}});
+                rectangles_.Add({axis, side, {along.lower, plane, z.lower}, {along.upper + 1, plane, z.upper + 1}});
         };
     }
 
@@ -74,7 +75,7 @@ private:
     RunEnds endsAlongX_{Axis::X}; // of the stack at work
     RunEnds endsAlongY_{Axis::Y};
     std::vector<Cell> runs_; // of horizontal faces along x, as cells along y
-    std::vector<VoxelRectangle> rectangles_;
+    PartedList<VoxelRectangle> rectangles_;
 };
 
 void RectangleMaker::AddSlab(std::int64_t chunkZ)
@@ -138,7 +139,7 @@ void RectangleMaker::MergeHorizontal(Facing& facing, std::int64_t bottom)
         const IndexRange x = UnpackRange(line);
         for (; heights != 0; heights &= heights - 1) {
             const std::int64_t z = bottom + std::countr_zero(heights) + facing.Plane();
-            rectangles_.push_back({Axis::Z, facing.side, {x.lower, y.lower, z}, {x.upper + 1, y.upper + 1, z}});
+            rectangles_.Add({Axis::Z, facing.side, {x.lower, y.lower, z}, {x.upper + 1, y.upper + 1, z}});
         }
     });
 }

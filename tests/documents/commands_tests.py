@@ -22,6 +22,7 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 RUN_ELSEWHERE = {
     "tools/demo": ".ci/run",
     "tools/test": ".ci/run, and whoever runs this",
+    "tools/dev/release": ".ci/run",
     "tools/dev/pack-nuget": ".ci/run, and the test Package.ServesItsHosts",
     "tools/dev/benchmark-report": "measures for half an hour; the test Reports.WriteTheirTablesAlone looks at what it writes",
     "tools/dev/compare-benchmarks": "needs the results of benchmarks",

@@ -43,6 +43,11 @@ private:
     std::vector<Colour> cells_;
 };
 
+inline constexpr double MaxPixels = 200e6; // of a raster or a sheet
+
+/// Throws std::runtime_error where this build has no library to draw with.
+void RequireCanvas();
+
 enum class PictureFormat
 {
     PNG,
@@ -50,7 +55,8 @@ enum class PictureFormat
     PDF
 };
 
-/// The format that a file's name stands for: PNG without an ending. Throws UsageError for the ending of another format.
+/// The format that a file's name stands for: PNG without an ending. Throws UsageError for the ending of another format, and as
+/// RequireCanvas.
 PictureFormat FormatOf(const std::filesystem::path& filePath);
 
 enum class Align

@@ -2,12 +2,9 @@
 
 #include "OutputFile.h"
 #include "Report.h"
+#include "System.h"
 
 #include <algorithm>
-#include <cerrno>
-
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace brix::tools {
 namespace {
@@ -16,12 +13,8 @@ namespace fs = std::filesystem;
 
 void RequireReadable(const fs::path& filePath)
 {
-    struct stat status
-    {};
-    int error = 0;
-    if (stat(filePath.c_str(), &status) != 0 || access(filePath.c_str(), R_OK) != 0) error = errno;
-    if (error == 0 && S_ISDIR(status.st_mode)) error = EISDIR;
-    if (error != 0) throw std::runtime_error("Failed to open STL file " + Quoted(filePath) + ": " + SystemReason(error) + ".");
+    if (const int error = ReadingError(filePath))
+        throw std::runtime_error("Failed to open STL file " + Quoted(filePath) + ": " + SystemReason(error) + ".");
 }
 
 // By whatever names. A file that is not there yet is known by its place.

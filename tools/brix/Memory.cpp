@@ -1,6 +1,7 @@
 #include "Memory.h"
 
 #include "Report.h"
+#include "System.h"
 #include "TriangleFiles.h"
 
 #include <brix/operations/MemoryEstimates.h>
@@ -9,19 +10,13 @@
 
 #include <algorithm>
 #include <cmath>
-#include <fstream>
-#include <limits>
 #include <numeric>
 #include <utility>
-
-#include <sys/resource.h>
-#include <unistd.h>
 
 namespace brix::tools {
 namespace {
 
 constexpr double ProgramBytes = 16e6; // code, libraries, buffers
-constexpr double NoLimit = std::numeric_limits<double>::infinity();
 
 // Every stack of the box holds one layer.
 double BytesOfFullBox(ModelSize size)
@@ -91,27 +86,13 @@ double FittingVoxel(const Input& input, const GridOptions& options, const std::v
     return input.axes.WorldVoxelWidth(options.lod) * factor(coarse);
 }
 
-double ControlGroupLimit()
-{
-    double bytes = 0;
-    return std::ifstream("/sys/fs/cgroup/memory.max") >> bytes ? bytes : NoLimit;
-}
-
-double AddressSpaceLimit()
-{
-    rlimit limit{};
-    getrlimit(RLIMIT_AS, &limit);
-    return limit.rlim_cur == RLIM_INFINITY ? NoLimit : static_cast<double>(limit.rlim_cur);
-}
-
 } // namespace
 
 double MemoryLimit(const GridOptions& options)
 {
     // Asked once, before HoldMemoryLimit changes it.
-    static const double granted = AddressSpaceLimit();
-    const auto machine = static_cast<double>(sysconf(_SC_PHYS_PAGES)) * static_cast<double>(sysconf(_SC_PAGE_SIZE));
-    const double wanted = options.memoryLimit ? *options.memoryLimit * 1e9 : std::min(machine, ControlGroupLimit()) / 2;
+    static const double granted = GrantedMemory();
+    const double wanted = options.memoryLimit ? *options.memoryLimit * 1e9 : MachineMemory() / 2;
     return std::min(wanted, granted);
 }
 
@@ -119,13 +100,7 @@ double MemoryLimit(const GridOptions& options)
 void HoldMemoryLimit([[maybe_unused]] const GridOptions& options)
 {
 #ifndef BRIX_SANITIZED
-    constexpr double Reserved = 64e6; // addresses of libraries and stack, of which little is used
-    rlimit limit{};
-    getrlimit(RLIMIT_AS, &limit);
-    const double wanted = MemoryLimit(options) + Reserved;
-    if (wanted < 1e18 && (limit.rlim_cur == RLIM_INFINITY || wanted < static_cast<double>(limit.rlim_cur)))
-        limit.rlim_cur = static_cast<rlim_t>(wanted);
-    setrlimit(RLIMIT_AS, &limit);
+    HoldMemory(MemoryLimit(options));
 #endif
 }
 

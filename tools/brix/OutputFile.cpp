@@ -1,6 +1,7 @@
 #include "OutputFile.h"
 
 #include "Signals.h"
+#include "System.h"
 #include "Text.h"
 
 #include <algorithm>
@@ -10,14 +11,13 @@
 #include <stdexcept>
 #include <utility>
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 namespace brix::tools {
 namespace {
 
 namespace fs = std::filesystem;
+
+constexpr int StandardOutput = 1; // on every system
+constexpr int LastStandardFile = 2;
 
 std::runtime_error CannotWrite(const fs::path& name, int error)
 {
@@ -59,16 +59,9 @@ void RequireWritable(const fs::path& filePath)
 {
     if (IsStandardOutput(filePath)) return;
     const fs::path target = BehindLinks(filePath);
-    struct stat status
-    {};
-    if (stat(target.c_str(), &status) == 0) {
-        if (S_ISDIR(status.st_mode)) throw CannotWrite(filePath, EISDIR);
-        if (access(target.c_str(), W_OK) != 0) throw CannotWrite(filePath, errno);
-    } else if (errno != ENOENT) {
-        throw CannotWrite(filePath, errno);
-    }
+    if (const int error = WritingError(target)) throw CannotWrite(filePath, error);
     if (IsWrittenStraight(filePath, target)) return;
-    if (access(FolderOf(target).c_str(), W_OK | X_OK) != 0) throw CannotWrite(filePath, errno);
+    if (const int error = FolderError(FolderOf(target))) throw CannotWrite(filePath, error);
 }
 
 // Passes bytes to the system, and keeps the number of its error, which streams forget.
@@ -81,7 +74,7 @@ public:
     }
     ~Buffer() override
     {
-        if (file_ > STDERR_FILENO) close(file_);
+        if (file_ > LastStandardFile) CloseFile(file_);
     }
 
     Buffer(const Buffer&) = delete;
@@ -93,7 +86,9 @@ public:
 
     void Close()
     {
-        if (file_ > STDERR_FILENO && close(std::exchange(file_, -1)) != 0 && error_ == 0) error_ = errno;
+        if (file_ <= LastStandardFile) return;
+        const int error = CloseFile(std::exchange(file_, -1));
+        if (error_ == 0) error_ = error;
     }
 
 protected:
@@ -125,8 +120,7 @@ private:
     bool PassOn(const char* bytes, std::streamsize count)
     {
         while (count > 0 && error_ == 0) {
-            const ssize_t taken = write(file_, bytes, static_cast<std::size_t>(count));
-            if (taken < 0 && errno == EINTR) continue;
+            const std::ptrdiff_t taken = WriteBytes(file_, bytes, static_cast<std::size_t>(count));
             if (taken < 0) error_ = errno;
             if (taken <= 0) break;
             bytes += taken;
@@ -150,9 +144,9 @@ OutputFile::OutputFile(const fs::path& target, double expectedBytes)
 {
     RequireWritable(target);
     if (IsStandardOutput(name_)) {
-        buffer_ = std::make_unique<Buffer>(STDOUT_FILENO, progress_, expectedBytes_);
+        buffer_ = std::make_unique<Buffer>(StandardOutput, progress_, expectedBytes_);
     } else if (IsWrittenStraight(name_, target_)) {
-        const int file = open(name_.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC);
+        const int file = OpenToOverwrite(name_);
         if (file < 0) throw CannotWrite(name_, errno);
         buffer_ = std::make_unique<Buffer>(file, progress_, expectedBytes_);
     } else {
@@ -167,9 +161,9 @@ OutputFile::~OutputFile() { Discard(); }
 void OutputFile::OpenTemporary()
 {
     for (int number = 0;; ++number) {
-        temporary_ = FolderOf(target_) / (".brix-" + std::to_string(getpid()) + "-" + std::to_string(number) + ".part");
+        temporary_ = FolderOf(target_) / (".brix-" + std::to_string(ProcessNumber()) + "-" + std::to_string(number) + ".part");
         const SignalsWait guard;
-        const int file = open(temporary_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        const int file = OpenNew(temporary_);
         if (file < 0 && errno == EEXIST) continue;
         if (file < 0) {
             temporary_.clear();
@@ -185,7 +179,8 @@ void OutputFile::Discard()
 {
     if (temporary_.empty()) return;
     const SignalsWait guard;
-    unlink(temporary_.c_str());
+    if (buffer_) buffer_->Close();
+    RemoveFile(temporary_);
     ForgetUnfinished();
     temporary_.clear();
 }
@@ -204,19 +199,13 @@ void OutputFile::Commit()
         if (buffer_->Error() != 0) throw Failure();
         return;
     }
-    // The owner is kept where the system lets us.
-    struct stat old
-    {};
-    if (stat(target_.c_str(), &old) == 0) {
-        if (fchown(buffer_->File(), old.st_uid, old.st_gid) != 0) errno = 0;
-        if (fchmod(buffer_->File(), old.st_mode & 07777) != 0) throw CannotWrite(name_, errno);
-    }
-    // The content reaches the disk before the name does. Not all file systems offer that.
-    if (fsync(buffer_->File()) != 0 && errno != EINVAL && errno != ENOTSUP) throw CannotWrite(name_, errno);
+    if (const int error = CopyPermissions(target_, buffer_->File())) throw CannotWrite(name_, error);
+    // The content reaches the disk before the name does.
+    if (const int error = FlushToDisk(buffer_->File())) throw CannotWrite(name_, error);
     buffer_->Close();
     if (buffer_->Error() != 0) throw Failure();
     const SignalsWait guard;
-    if (rename(temporary_.c_str(), target_.c_str()) != 0) throw CannotWrite(name_, errno);
+    if (const int error = RenameOver(temporary_, target_)) throw CannotWrite(name_, error);
     ForgetUnfinished();
     temporary_.clear();
 }

@@ -2,10 +2,10 @@
 
 #include "Report.h"
 #include "Signals.h"
+#include "System.h"
 
+#include <algorithm>
 #include <cstdio>
-
-#include <unistd.h>
 
 namespace brix::tools {
 namespace {
@@ -14,7 +14,7 @@ Progress* innermost = nullptr;
 
 bool IsShown()
 {
-    static const bool isTerminal = isatty(STDERR_FILENO) != 0;
+    static const bool isTerminal = IsErrorOutputTerminal();
     return isTerminal && !IsQuiet();
 }
 

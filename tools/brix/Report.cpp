@@ -1,11 +1,11 @@
 #include "Report.h"
 
+#include "System.h"
 #include "Text.h"
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
-#include <fstream>
 #include <iomanip>
 #include <iostream>
 #include <sstream>
@@ -51,15 +51,6 @@ void Add(const std::string& step, const std::string& result, const Facts& facts,
         report.Stream() << std::left << std::setw(9) << step << ' ' << Printable(result) << '\n';
 }
 
-// The most memory that the process had at a time, as Linux tells it: "VmHWM:  5432 kB". 0 elsewhere.
-std::int64_t PeakBytes()
-{
-    std::ifstream status("/proc/self/status");
-    for (std::string word; status >> word;)
-        if (std::int64_t kilobytes = 0; word == "VmHWM:" && status >> kilobytes) return 1024 * kilobytes;
-    return 0;
-}
-
 } // namespace
 
 void AddReportOptions(CLI::App& command)
@@ -100,7 +91,7 @@ void FinishReport(const std::string& command, ExitCode code, const std::string& 
 {
     const Report& report = TheReport();
     if (report.isVerbose && !report.isJson && code == ExitDone)
-        report.Stream() << "memory    " << BytesText(static_cast<double>(PeakBytes())) << " at most " << report.watch.Text()
+        report.Stream() << "memory    " << BytesText(static_cast<double>(PeakMemory())) << " at most " << report.watch.Text()
                         << '\n';
     if (!report.isJson) return;
 
@@ -110,7 +101,7 @@ void FinishReport(const std::string& command, ExitCode code, const std::string& 
     whole["files"] = report.files;
     whole["warnings"] = report.warnings;
     whole["seconds"] = report.watch.Seconds();
-    whole["peakBytes"] = PeakBytes();
+    whole["peakBytes"] = PeakMemory();
     // Names of files may hold any bytes; what is no UTF-8 becomes U+FFFD.
     report.Stream() << whole.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
 }

@@ -4,14 +4,12 @@
 
 #include <filesystem>
 
-#include <signal.h>
-
 namespace brix::tools {
 
 /// To be called once, at the start. A file that grows beyond its limit is an error like a full disk from then on.
 void CleanUpOnSignals();
 
-/// While one of these lives, signals wait: a file and the note of it come and go as one.
+/// While one of these lives, signals wait: a file and the note of it come and go as one. One at a time.
 class SignalsWait
 {
 public:
@@ -20,9 +18,6 @@ public:
 
     SignalsWait(const SignalsWait&) = delete;
     SignalsWait& operator=(const SignalsWait&) = delete;
-
-private:
-    sigset_t before_{};
 };
 
 /// The file to be removed when the program is ended; one that is longer than the system takes is no file.

@@ -5,6 +5,7 @@
 #include "PlainNumbers.h"
 #include "Report.h"
 #include "Signals.h"
+#include "System.h"
 
 #include <brix/frame/Watch.h>
 
@@ -67,10 +68,10 @@ int Fail(const CLI::App& program, std::string message, ExitCode code)
     return code;
 }
 
-int Run(CLI::App& program, int argc, char** argv)
+int Run(CLI::App& program, std::vector<std::string> words)
 {
     try {
-        program.parse(argc, argv);
+        program.parse(std::move(words));
         if (program.get_subcommands().empty() && program.count("--document") == 0)
             throw UsageError("A command is required: brix --help lists them.");
         FinishReport(NameOf(program), ExitDone, "");
@@ -99,8 +100,11 @@ int Run(CLI::App& program, int argc, char** argv)
 
 int main(int argc, char** argv)
 {
+    std::vector<std::string> words = brix::tools::PrepareConsole(argc, argv);
+    words.erase(words.begin(), words.begin() + std::min<std::ptrdiff_t>(1, std::ssize(words))); // the program's own name
+    std::reverse(words.begin(), words.end());                                                   // as the parser takes them
     brix::tools::CleanUpOnSignals();
     CLI::App program("Voxel geometry: fills grids with the triangles of STL files and draws them.", "brix");
     brix::tools::AddCommands(program);
-    return brix::tools::Run(program, argc, argv);
+    return brix::tools::Run(program, std::move(words));
 }

@@ -19,6 +19,7 @@ std::array<char, PATH_MAX> unfinished{};
 std::atomic<bool> isUnfinished{false};
 std::atomic<bool> doInterruptsWait{false};
 std::atomic<int> interrupt{0};
+sigset_t beforeWaiting{}; // what SignalsWait goes back to
 static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<int>::is_always_lock_free);
 
 void RemoveUnfinishedAndEnd(int signal)
@@ -63,10 +64,10 @@ SignalsWait::SignalsWait()
     sigemptyset(&ending);
     for (const int signal : EndingSignals) sigaddset(&ending, signal);
     sigaddset(&ending, SIGALRM);
-    sigprocmask(SIG_BLOCK, &ending, &before_);
+    sigprocmask(SIG_BLOCK, &ending, &beforeWaiting);
 }
 
-SignalsWait::~SignalsWait() { sigprocmask(SIG_SETMASK, &before_, nullptr); }
+SignalsWait::~SignalsWait() { sigprocmask(SIG_SETMASK, &beforeWaiting, nullptr); }
 
 void NoteUnfinished(const std::filesystem::path& filePath)
 {
