@@ -10,8 +10,8 @@
 
 namespace brix::tools {
 
-/// To be called once, at the start: standard streams pass bytes as they are from then on. Returns the words of the command line in
-/// UTF-8.
+/// To be called once, at the start: standard streams pass bytes as they are from then on. Returns the words of the command line
+/// in UTF-8.
 std::vector<std::string> PrepareConsole(int argc, char** argv);
 
 /// Whether a person watches standard error, on something that understands escape sequences.
