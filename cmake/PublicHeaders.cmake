@@ -39,6 +39,9 @@ set(BRIX_INTERNAL_HEADERS
     triangles/PathText.h
     triangles/StackFaces.h
     triangles/StlFormats.h
+    triangles/StlIntake.h
+    triangles/StlRecord.h
+    triangles/StlText.h
     triangles/TextNumbers.h
     triangles/TriangleConditions.h
     triangles/TrianglePieces.h

@@ -43,7 +43,9 @@
 #include "brix/triangles/TriangleMesh.h"
 #include "brix/triangles/TriangleModel.h"
 
+#include "brix/triangles/MeshReport.h"
 #include "brix/triangles/StlFiles.h"
+#include "brix/triangles/StlReader.h"
 
 #include "brix/triangles/Cuboidization.h"
 #include "brix/triangles/Solidization.h"

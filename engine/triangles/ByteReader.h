@@ -25,8 +25,8 @@ public:
     /// Reads from where `stream` stands. `expectedSize`, the file's size in bytes or 0, is a hint for those who reserve memory.
     explicit ByteReader(std::istream& stream, std::uintmax_t expectedSize = 0) : stream_(&stream), expectedSize_(expectedSize) {}
 
-    /// Reads a file that is in memory.
-    explicit ByteReader(std::string_view file) : expectedSize_(file.size())
+    /// Reads a file that is in memory, as far as the device gave it.
+    explicit ByteReader(std::string_view file, bool hasFailed = false) : expectedSize_(file.size()), hasFailed_(hasFailed)
     {
         if (!file.empty()) begin_ = file.data();
         end_ = begin_ + file.size();
@@ -35,7 +35,7 @@ public:
     std::uintmax_t ExpectedSize() const { return expectedSize_; }
 
     /// Whether reading stopped at a fault of the device instead of the file's end.
-    bool HasFailed() const { return stream_ != nullptr && stream_->bad(); }
+    bool HasFailed() const { return hasFailed_ || (stream_ != nullptr && stream_->bad()); }
 
     /// Whether the file has `count` more bytes; they are then in memory, for Peek and Take.
     bool Holds(std::size_t count)
@@ -46,6 +46,13 @@ public:
     }
 
     std::string_view Peek(std::size_t count) const { return {begin_, count}; }
+
+    /// The next `count` bytes, or as many of them as the file has.
+    std::string_view Ahead(std::size_t count)
+    {
+        Holds(count);
+        return Peek(std::min(count, Available()));
+    }
 
     /// How many bytes were taken.
     std::size_t Taken() const { return taken_; }
@@ -96,6 +103,7 @@ private:
 
     std::istream* stream_ = nullptr;
     std::uintmax_t expectedSize_ = 0;
+    bool hasFailed_ = false;
     std::unique_ptr<char[]> block_;
     std::size_t blockLength_ = 0;
     std::size_t taken_ = 0;

@@ -76,4 +76,11 @@ std::string PathText(const std::filesystem::path& path)
     return text;
 }
 
+std::string LineText(std::string_view bytes, std::size_t most)
+{
+    std::string text;
+    for (std::string_view rest = bytes.substr(0, most); !rest.empty();) Append(text, TakeCharacter(rest));
+    return bytes.size() > most ? text + "..." : text;
+}
+
 } // namespace brix

@@ -16,13 +16,6 @@ std::uintmax_t SizeOrZero(const std::filesystem::path& filePath)
     return error ? 0 : size;
 }
 
-// To the system the path would end there, and be that of another file.
-void RequireNoNull(const std::filesystem::path& filePath)
-{
-    if (filePath.native().find(std::filesystem::path::value_type{0}) != std::filesystem::path::string_type::npos)
-        throw StlFailure("Failed to open STL file ", filePath, ", as a file path cannot hold a null character.");
-}
-
 // What a pipe has given once is gone. A file is read again from its start, in the mode that suits its variant.
 bool MustContinue(const std::filesystem::path& filePath)
 {

@@ -2,6 +2,7 @@
 
 #include "../frame/WatchedLoop.h"
 #include "PathText.h"
+#include "StlRecord.h"
 #include "TextNumbers.h"
 
 #include <algorithm>
@@ -17,30 +18,9 @@ namespace brix {
 
 namespace {
 
-constexpr std::size_t headerSize = 80;
-constexpr std::size_t recordSize = 50;
-constexpr std::size_t cornersOffset = 12;
 constexpr std::uint64_t maxBinaryTriangleCount = std::numeric_limits<std::uint32_t>::max();
 
 using Point = std::array<double, 3>;
-
-// Going there and back gives the same point: the minus sign changes its place with the axis.
-Point FromFileAxes(const Point& p, bool swapYZ) { return {p[0], swapYZ ? -p[2] : p[1], swapYZ ? p[1] : p[2]}; }
-Point ToFileAxes(const Point& p, bool swapYZ) { return {p[0], swapYZ ? p[2] : p[1], swapYZ ? -p[1] : p[2]}; }
-
-/// `value` as its bytes stand in the file, the least significant one first, and back.
-constexpr std::uint32_t LittleEndian(std::uint32_t value)
-{
-    if constexpr (std::endian::native == std::endian::little) return value;
-    return value << 24 | (value & 0xff00) << 8 | (value >> 8 & 0xff00) | value >> 24;
-}
-
-std::uint32_t LoadWord(const char* from)
-{
-    std::uint32_t word = 0;
-    std::memcpy(&word, from, sizeof word);
-    return LittleEndian(word);
-}
 
 char* StoreWord(char* to, std::uint32_t word)
 {
@@ -48,8 +28,6 @@ char* StoreWord(char* to, std::uint32_t word)
     std::memcpy(to, &word, sizeof word);
     return to + sizeof word;
 }
-
-double LoadFloat(const char* from) { return static_cast<double>(std::bit_cast<float>(LoadWord(from))); }
 
 // Doubles beyond the floats become infinite. The language leaves them undefined in general, but not with IEEE 754 floats, whose
 // infinities stand at the ends of their range.
@@ -160,17 +138,6 @@ char* WriteRecord(char* to, const WorldTriangle& triangle, bool swapYZ)
     return to;
 }
 
-WorldTriangle ReadRecord(const char* from, bool swapYZ)
-{
-    WorldTriangle triangle{};
-    from += cornersOffset;
-    for (Point& corner : triangle) {
-        corner = FromFileAxes({LoadFloat(from), LoadFloat(from + 4), LoadFloat(from + 8)}, swapYZ);
-        from += 12;
-    }
-    return triangle;
-}
-
 /// Three numbers; once one has failed, it and the others stay what `stream >> x >> y >> z` makes of zeros.
 Point TakePoint(std::string_view text)
 {
@@ -206,6 +173,12 @@ std::runtime_error StlFailure(std::string_view sentenceStart, const std::filesys
     return std::runtime_error(std::string(sentenceStart) + '"' + PathText(filePath) + '"' + std::string(sentenceEnd));
 }
 
+void RequireNoNull(const std::filesystem::path& filePath)
+{
+    if (filePath.native().find(std::filesystem::path::value_type{0}) != std::filesystem::path::string_type::npos)
+        throw StlFailure("Failed to open STL file ", filePath, ", as a file path cannot hold a null character.");
+}
+
 bool IsAsciiStl(ByteReader& file, const std::filesystem::path& filePath)
 {
     if (!file.Holds(5))
@@ -232,21 +205,21 @@ std::vector<WorldTriangle> ReadAsciiTriangles(ByteReader& file, const std::files
 
 std::vector<WorldTriangle> ReadBinaryTriangles(ByteReader& file, const std::filesystem::path& filePath, bool swapYZ)
 {
-    if (!file.Holds(headerSize)) throw StlFailure("Failed to read header of binary STL file ", filePath, ".");
-    file.Take(headerSize);
-    if (!file.Holds(4)) throw StlFailure("Failed to read triangle count of binary STL file ", filePath, ".");
-    const std::size_t triangleCount = LoadWord(file.Take(4));
+    if (!file.Holds(stlHeaderSize)) throw StlFailure("Failed to read header of binary STL file ", filePath, ".");
+    file.Take(stlHeaderSize);
+    if (!file.Holds(stlCountSize)) throw StlFailure("Failed to read triangle count of binary STL file ", filePath, ".");
+    const std::size_t triangleCount = LoadWord(file.Take(stlCountSize));
 
     // The count is not to be trusted with memory: the list grows with what has been read.
     std::vector<WorldTriangle> triangles;
-    triangles.reserve(static_cast<std::size_t>(std::min<std::uintmax_t>(triangleCount, file.ExpectedSize() / recordSize)));
+    triangles.reserve(static_cast<std::size_t>(std::min<std::uintmax_t>(triangleCount, file.ExpectedSize() / stlRecordSize)));
     constexpr std::size_t recordsAtOnce = 1000;
     WatchedLoop loop(triangleCount);
     while (triangles.size() < triangleCount) {
         const std::size_t count = std::min(recordsAtOnce, triangleCount - triangles.size());
-        if (!file.Holds(count * recordSize)) throw StlFailure("Failed to read triangle in STL file ", filePath, ".");
-        const char* record = file.Take(count * recordSize);
-        for (std::size_t i = 0; i < count; ++i, record += recordSize) triangles.push_back(ReadRecord(record, swapYZ));
+        if (!file.Holds(count * stlRecordSize)) throw StlFailure("Failed to read triangle in STL file ", filePath, ".");
+        const char* record = file.Take(count * stlRecordSize);
+        for (std::size_t i = 0; i < count; ++i, record += stlRecordSize) triangles.push_back(ReadRecord(record, swapYZ));
         loop.Step(count);
     }
     return triangles;
@@ -273,7 +246,7 @@ void WriteAsciiTriangles(std::ostream& file, const std::filesystem::path& filePa
 void WriteBinaryTriangles(std::ostream& file, const std::filesystem::path& filePath, std::span<const WorldTriangle> triangles,
                           bool swapYZ)
 {
-    const std::array<char, headerSize> header{};
+    const std::array<char, stlHeaderSize> header{};
     if (!file.write(header.data(), header.size()).flush())
         throw StlFailure("Failed to write header to binary STL file ", filePath, ".");
 

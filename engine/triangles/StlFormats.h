@@ -1,8 +1,5 @@
 // The two variants of the STL format, apart from where their bytes come from and go to. StlFiles.h says what a host can rely on;
 // the file paths here serve only to be named in messages.
-//
-// A binary file is a header of 80 bytes, the triangle count (32 bits) and 50 bytes per triangle, all of it little-endian:
-//   0-11 normal X, Y, Z    12-23 corner 1    24-35 corner 2    36-47 corner 3    48-49 attribute
 #pragma once
 
 #include "ByteReader.h"
@@ -21,6 +18,9 @@ namespace brix {
 /// The exception for a file that cannot be read or written: `sentenceStart` "path" `sentenceEnd`.
 std::runtime_error StlFailure(std::string_view sentenceStart, const std::filesystem::path& filePath,
                               std::string_view sentenceEnd);
+
+/// Throws when a path holds a null character: to the system it would end there, and be that of another file.
+void RequireNoNull(const std::filesystem::path& filePath);
 
 /// Whether the file, of which nothing has been taken yet, is in the ASCII variant. Throws when it has fewer than five bytes.
 bool IsAsciiStl(ByteReader& file, const std::filesystem::path& filePath);

@@ -19,4 +19,7 @@ using LatticeTriangle = std::array<std::array<std::int64_t, 3>, 3>;
 /// A triangle without area, or one whose area is not a number, has the normal (0, 0, 0).
 [[nodiscard]] std::array<double, 3> WorldTriangleNormal(const WorldTriangle& triangle);
 
+/// Whether that normal is not (0, 0, 0).
+[[nodiscard]] bool HasArea(const WorldTriangle& triangle);
+
 } // namespace brix

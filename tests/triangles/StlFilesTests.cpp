@@ -1,6 +1,6 @@
 #include "triangles/StlFiles.h"
 
-#include "support/Pieces.h"
+#include "support/StlSamples.h"
 #include "triangles/StlFormats.h"
 
 #include <gtest/gtest.h>
@@ -26,29 +26,16 @@
 namespace brix {
 namespace {
 
+using tests::BinaryFile;
+using tests::Damaged;
+using tests::OneWayDevice;
 using tests::Random;
+using tests::TemporaryFolder;
 using Triangles = std::vector<WorldTriangle>;
 using Path = std::filesystem::path;
 using namespace std::literals;
 
 constexpr float infinity = std::numeric_limits<float>::infinity();
-
-/// A folder that goes away with its test.
-struct TemporaryFolder
-{
-    TemporaryFolder() { std::filesystem::create_directory(path); }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-    ~TemporaryFolder() { std::filesystem::remove_all(path); }
-
-    Path With(const std::string& content, const char* name = "file.stl") const
-    {
-        std::ofstream(path / name, std::ios::binary) << content;
-        return path / name;
-    }
-
-    Path path = std::filesystem::temp_directory_path() / ("brix-stl-" + std::to_string(std::random_device{}()));
-};
 
 std::string Content(const Path& path)
 {
@@ -141,24 +128,6 @@ const std::string twoFacets =
     "    endloop\n  endfacet\r\n"
     "FACET NORMAL 0 0 1\nOUTER LOOP\nVERTEX .5 -0 7\r\nvertex 1e-3 2\nVERTEX 3 x 4\nENDLOOP\nENDFACET\n"
     "endsolid two\n";
-
-std::string LittleEndian(std::uint32_t word)
-{
-    std::string bytes;
-    for (int i = 0; i < 4; ++i) bytes += static_cast<char>(word >> (8 * i) & 0xff);
-    return bytes;
-}
-
-std::string BinaryFile(std::uint32_t announced, const std::vector<std::array<float, 12>>& records, const std::string& after = "",
-                       char header = 'h', const std::string& attribute = "\xAB\xCD")
-{
-    std::string bytes = std::string(80, header) + LittleEndian(announced);
-    for (const auto& record : records) {
-        for (const float number : record) bytes += LittleEndian(std::bit_cast<std::uint32_t>(number));
-        bytes += attribute;
-    }
-    return bytes + after;
-}
 
 const std::array<float, 12> recordA{9, 9, 9, 1, 2, 3, 4, 5, 6, 7, 8.5F, -0.0F};
 const std::array<float, 12> recordB{8, 8, 8, -1, 0.1F, 3e38F, 1e-45F, infinity, -infinity, 0, 1, 2};
@@ -297,28 +266,6 @@ TEST(LoadTrianglesFromSTL, FailsOnEveryTruncationOfABinaryFile)
     }
 }
 
-/// A valid file with pieces put in, taken out and overwritten, and cut off.
-std::string Damaged(std::string content, Random& random)
-{
-    constexpr std::string_view pieces = "outer|OUTER |vertex|VERTEX |\n|\r\n| |\t\v\f|\0|1e|-|e400|nan|1.25|0"sv;
-    const std::int64_t damages = random.Between(1, 6);
-    for (std::int64_t i = 0; i < damages; ++i) {
-        const auto at = static_cast<std::size_t>(random.Between(5, std::ssize(content)));
-        const std::string piece = random.OneIn(500)   ? std::string(70'000, ' ')
-                                  : random.OneIn(500) ? std::string(140'000, '5')
-                                                      : std::string(tests::OneOf(random, pieces));
-        if (random.OneIn(20))
-            content.resize(at);
-        else if (random.OneIn(3))
-            content.insert(at, piece);
-        else if (random.OneIn(2))
-            content.erase(at, static_cast<std::size_t>(random.Between(1, 20)));
-        else
-            content.replace(at, static_cast<std::size_t>(random.Between(1, 6)), piece);
-    }
-    return content;
-}
-
 TEST(LoadTrianglesFromSTL, TakesDamagedAsciiFilesByDefinition)
 {
     const TemporaryFolder folder;
@@ -422,25 +369,9 @@ TEST(SaveTrianglesToBinarySTL, RefusesMoreTrianglesThanTheFileCanCount)
               "The number encountered was 4294967296.");
 }
 
-/// A device that gives some bytes, then fails.
-class FailingDevice : public std::streambuf
-{
-public:
-    explicit FailingDevice(std::string content) : content_(std::move(content))
-    {
-        setg(&content_[0], &content_[0], &content_[0] + content_.size());
-    }
-
-protected:
-    int_type underflow() override { throw std::runtime_error("The device does not answer."); }
-
-private:
-    std::string content_;
-};
-
 TEST(StlFiles, DoNotTakeAFaultOfTheDeviceForTheEndOfTheFile)
 {
-    FailingDevice device(twoFacets);
+    OneWayDevice device(twoFacets, OneWayDevice::After::Fails);
     std::istream file(&device);
     ByteReader bytes(file);
     EXPECT_EQ(MessageOf([&] { ReadAsciiTriangles(bytes, "torn", false); }),
