@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <bit>
 #include <limits>
+#include <memory>
 #include <numeric>
 #include <stdexcept>
 
@@ -14,15 +15,21 @@ namespace brix {
 namespace {
 
 using Point = std::array<double, 3>;
+// A point by the bits of its coordinates, so that what is not a number equals itself; 0 has those of 0, never those of -0.
+using PointBits = std::array<std::uint64_t, 3>;
 using VertexTriple = std::array<std::uint32_t, 3>;
 
 // Half-edges are counted in 32 bits, one of which tells the way.
 constexpr std::size_t mostTriangles = (std::size_t{1} << 31) / 3;
 
-/// The vertices by their coordinates: a table of indices, of which at most half are taken, searched from the place of the hash.
+/// The vertices by their coordinates: a table of their hashes' upper halves and indices, of which at most half are taken,
+/// searched from the place that the hash names. Memory takes longer to answer than anything else here: upper halves that differ
+/// tell without the vertex that it is another one, and the table is asked to be at hand some vertices ahead.
 class VertexTable
 {
 public:
+    static constexpr std::uint32_t none = std::numeric_limits<std::uint32_t>::max();
+
     /// Closed surfaces have half as many vertices as triangles: the table is large enough for those.
     explicit VertexTable(std::size_t triangleCount) : slots_(std::bit_ceil(std::max<std::size_t>(triangleCount, 8)), none)
     {
@@ -32,63 +39,81 @@ public:
     std::size_t Count() const { return vertices_.size(); }
 
     // Three rounds of a multiplication that moves differences up, and a shift that moves them down.
-    static std::uint64_t HashOf(const Point& point)
+    static std::uint64_t HashOf(const PointBits& point)
     {
         std::uint64_t hash = 0;
-        for (const double coordinate : point) {
-            hash = (hash ^ std::bit_cast<std::uint64_t>(coordinate)) * 0x9E3779B97F4A7C15U;
+        for (const std::uint64_t coordinate : point) {
+            hash = (hash ^ coordinate) * 0x9E3779B97F4A7C15U;
             hash ^= hash >> 32;
         }
         return hash;
     }
 
-    /// Memory takes longer to answer than anything else here: it is asked some vertices ahead.
-    void Prefetch(std::uint64_t hash) const { __builtin_prefetch(&slots_[hash & (slots_.size() - 1)]); }
-
-    std::uint32_t IndexOf(const Point& point, std::uint64_t hash)
+    /// The index of a vertex that was met lately, as nearly all were where triangles follow their surface. Otherwise `none`.
+    std::uint32_t Recent(const PointBits& point, std::uint64_t hash) const
     {
-        const std::size_t mask = slots_.size() - 1;
-        for (std::size_t slot = hash & mask;; slot = (slot + 1) & mask) {
-            if (slots_[slot] == none) return Append(point, slot);
-            if (IsSame(vertices_[slots_[slot]], point)) return slots_[slot];
-        }
+        const std::uint64_t recent = recent_[hash >> recentShift];
+        if (Holds(recent, point, hash)) return IndexIn(recent);
+        __builtin_prefetch(&slots_[hash & (slots_.size() - 1)]);
+        return none;
+    }
+
+    std::uint32_t IndexOf(const PointBits& point, std::uint64_t hash)
+    {
+        const std::uint64_t slot = Find(point, hash);
+        recent_[hash >> recentShift] = slot;
+        return IndexIn(slot);
     }
 
 private:
-    static constexpr std::uint32_t none = std::numeric_limits<std::uint32_t>::max();
+    static constexpr int recentShift = 64 - 12;
 
-    // Bit by bit, so that what is not a number equals itself.
-    static bool IsSame(const Point& a, const Point& b)
+    static std::uint32_t IndexIn(std::uint64_t slot) { return static_cast<std::uint32_t>(slot); }
+
+    bool Holds(std::uint64_t slot, const PointBits& point, std::uint64_t hash) const
     {
-        return std::bit_cast<std::array<std::uint64_t, 3>>(a) == std::bit_cast<std::array<std::uint64_t, 3>>(b);
+        if (slot >> 32 != hash >> 32 || IndexIn(slot) == none) return false;
+        const PointBits& vertex = vertices_[IndexIn(slot)];
+        return ((vertex[0] ^ point[0]) | (vertex[1] ^ point[1]) | (vertex[2] ^ point[2])) == 0;
     }
 
-    std::uint32_t Append(const Point& point, std::size_t slot)
+    std::uint64_t Find(const PointBits& point, std::uint64_t hash)
     {
-        const auto index = static_cast<std::uint32_t>(vertices_.size());
+        const std::size_t mask = slots_.size() - 1;
+        std::size_t place = hash & mask;
+        for (; IndexIn(slots_[place]) != none; place = (place + 1) & mask)
+            if (Holds(slots_[place], point, hash)) return slots_[place];
+
+        const std::uint64_t slot = (hash >> 32 << 32) | vertices_.size();
         vertices_.push_back(point);
-        slots_[slot] = index;
+        slots_[place] = slot;
         if (2 * vertices_.size() > slots_.size()) Grow();
-        return index;
+        return slot;
     }
 
     void Grow()
     {
-        std::vector<std::uint32_t> larger(2 * slots_.size(), none);
+        std::vector<std::uint64_t> larger(2 * slots_.size(), none);
         const std::size_t mask = larger.size() - 1;
         for (std::size_t i = 0; i < vertices_.size(); ++i) {
-            std::size_t slot = HashOf(vertices_[i]) & mask;
-            while (larger[slot] != none) slot = (slot + 1) & mask;
-            larger[slot] = static_cast<std::uint32_t>(i);
+            const std::uint64_t hash = HashOf(vertices_[i]);
+            std::size_t place = hash & mask;
+            while (IndexIn(larger[place]) != none) place = (place + 1) & mask;
+            larger[place] = (hash >> 32 << 32) | i;
         }
         slots_.swap(larger);
     }
 
-    std::vector<std::uint32_t> slots_;
-    std::vector<Point> vertices_;
+    std::vector<std::uint64_t> slots_;
+    std::vector<PointBits> vertices_;
+    std::vector<std::uint64_t> recent_ = std::vector<std::uint64_t>(std::size_t{1} << (64 - recentShift), none);
 };
 
-Point WithoutNegativeZeros(const Point& p) { return {p[0] + 0.0, p[1] + 0.0, p[2] + 0.0}; }
+PointBits BitsOf(const Point& p)
+{
+    const auto bits = [](double coordinate) { return std::bit_cast<std::uint64_t>(coordinate + 0.0); };
+    return {bits(p[0]), bits(p[1]), bits(p[2])};
+}
 
 /// Six times the volume of the tetrahedron between a triangle and a point.
 double SixfoldVolume(const WorldTriangle& triangle, const Point& apex)
@@ -122,19 +147,20 @@ std::vector<VertexTriple> Weld(std::span<const WorldTriangle> triangles, MeshRep
     report.lower = report.upper = triangles.front().front();
     for (std::size_t first = 0; first < triangles.size(); first += trianglesAtOnce) {
         const std::size_t count = std::min(trianglesAtOnce, triangles.size() - first);
-        std::array<std::array<Point, 3>, trianglesAtOnce> corners;
+        std::array<std::array<PointBits, 3>, trianglesAtOnce> corners;
         std::array<std::array<std::uint64_t, 3>, trianglesAtOnce> hashes;
         for (std::size_t i = 0; i < count; ++i)
             for (std::size_t corner = 0; corner < 3; ++corner) {
-                corners[i][corner] = WithoutNegativeZeros(triangles[first + i][corner]);
+                corners[i][corner] = BitsOf(triangles[first + i][corner]);
                 hashes[i][corner] = VertexTable::HashOf(corners[i][corner]);
-                table.Prefetch(hashes[i][corner]);
+                indexed[first + i][corner] = table.Recent(corners[i][corner], hashes[i][corner]);
             }
         for (std::size_t i = 0; i < count; ++i) {
-            Include(report, corners[i]);
-            sixfoldVolume += SixfoldVolume(corners[i], triangles.front().front());
+            Include(report, triangles[first + i]);
+            sixfoldVolume += SixfoldVolume(triangles[first + i], triangles.front().front());
             for (std::size_t corner = 0; corner < 3; ++corner)
-                indexed[first + i][corner] = table.IndexOf(corners[i][corner], hashes[i][corner]);
+                if (std::uint32_t& index = indexed[first + i][corner]; index == VertexTable::none)
+                    index = table.IndexOf(corners[i][corner], hashes[i][corner]);
         }
         loop.Step(count);
     }
@@ -176,12 +202,12 @@ struct Buckets
     {
         ForEachHalfEdge(triangles, [&](std::uint32_t lower, const HalfEdge&) { ++ends[lower + 1]; });
         std::partial_sum(ends.begin(), ends.end(), ends.begin());
-        halfEdges.resize(ends.back());
+        halfEdges = std::make_unique_for_overwrite<HalfEdge[]>(ends.back());
         ForEachHalfEdge(triangles, [&](std::uint32_t lower, const HalfEdge& edge) { halfEdges[ends[lower]++] = edge; });
     }
 
     std::vector<std::uint32_t> ends; // of the bucket of each vertex; it begins where the one before ends
-    std::vector<HalfEdge> halfEdges;
+    std::unique_ptr<HalfEdge[]> halfEdges;
 };
 
 /// Triangles that edges connect, as trees whose roots stand for shells.
@@ -223,7 +249,7 @@ public:
         WatchedLoop loop(report_.vertices);
         std::size_t begin = 0;
         for (std::uint32_t lower = 0; lower < report_.vertices; ++lower) {
-            CountAt(lower, std::span(buckets.halfEdges).subspan(begin, buckets.ends[lower] - begin));
+            CountAt(lower, {&buckets.halfEdges[begin], buckets.ends[lower] - begin});
             begin = buckets.ends[lower];
             loop.Step();
         }
@@ -261,8 +287,22 @@ private:
         report_.reversedEdges += edge.size() == 2 && edge[0].RunsDown() == edge[1].RunsDown();
         hasOddEdge_ = hasOddEdge_ || edge.size() % 2 != 0;
         if (edge.size() == 1) return;
+        if (edge.size() == 2) return CountPair(lower, edge[0], edge[1]);
         for (const HalfEdge& other : edge.subspan(1)) report_.shells -= shells_.Join(edge[0].triangle, other.triangle);
         CountDuplicates(lower, edge);
+    }
+
+    std::uint32_t Third(std::uint32_t lower, const HalfEdge& half) const
+    {
+        const VertexTriple& v = triangles_[half.triangle];
+        return v[0] ^ v[1] ^ v[2] ^ lower ^ half.Upper();
+    }
+
+    void CountPair(std::uint32_t lower, const HalfEdge& a, const HalfEdge& b)
+    {
+        report_.shells -= shells_.Join(a.triangle, b.triangle);
+        const std::uint32_t third = Third(lower, a);
+        report_.duplicateTriangles += third > a.Upper() && third == Third(lower, b);
     }
 
     // Triangles are compared at the edge of their two lower vertices only.
@@ -270,8 +310,7 @@ private:
     {
         thirds_.clear();
         for (const HalfEdge& half : edge) {
-            const VertexTriple& v = triangles_[half.triangle];
-            const std::uint32_t third = v[0] ^ v[1] ^ v[2] ^ lower ^ half.Upper();
+            const std::uint32_t third = Third(lower, half);
             if (third > half.Upper()) thirds_.push_back(third);
         }
         if (thirds_.size() < 2) return;

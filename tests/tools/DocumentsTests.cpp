@@ -21,7 +21,7 @@ TEST_F(Program, DocumentsEveryCommandAndOption)
     const std::string zsh = Run("--document zsh").output;
     const std::string fish = Run("--document fish").output;
     for (const std::string command :
-         {"info", "voxelize", "run", "slice", "walkable", "travel", "scene", "scene building", "scene city"}) {
+         {"info", "check", "voxelize", "run", "slice", "walkable", "travel", "scene", "scene building", "scene city"}) {
         const std::size_t start = manual.find(" BRIX " + command + "\n") == std::string::npos
                                       ? manual.find(" brix " + command + "\n")
                                       : manual.find(" BRIX " + command + "\n");

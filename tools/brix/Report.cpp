@@ -21,6 +21,7 @@ struct Report
     bool isVerbose = false;
     bool isJson = false;
     bool isOutputGivenAway = false;
+    ExitCode endsWith = ExitDone;
     Json steps = Json::array();
     Json files = Json::array();
     Json warnings = Json::array();
@@ -71,6 +72,14 @@ void PrintDetail(const std::string& step, const std::string& result, const Facts
     Add(step, result, facts, TheReport().isVerbose);
 }
 
+void PrintBounds(const std::array<double, 3>& lower, const std::array<double, 3>& upper)
+{
+    const std::array size{upper[0] - lower[0], upper[1] - lower[1], upper[2] - lower[2]};
+    PrintStep("lower", Text(lower, " "), {{"point", lower}});
+    PrintStep("upper", Text(upper, " "), {{"point", upper}});
+    PrintStep("size", Text(size, " x "), {{"size", size}});
+}
+
 void Warn(const std::string& sentence)
 {
     TheReport().warnings.push_back(sentence);
@@ -84,6 +93,10 @@ void ReportFile(const std::filesystem::path& filePath, const Facts& facts)
 }
 
 void GiveStandardOutputAway() { TheReport().isOutputGivenAway = true; }
+
+void EndWith(ExitCode code) { TheReport().endsWith = code; }
+
+ExitCode EndsWith() { return TheReport().endsWith; }
 
 bool IsQuiet() { return TheReport().isQuiet; }
 

@@ -28,6 +28,13 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+/// A file that was to be checked cannot be read: the program ends with the same code.
+class UnreadableInput : public UsageError
+{
+public:
+    using UsageError::UsageError;
+};
+
 enum ExitCode
 {
     ExitDone = 0,
@@ -38,11 +45,12 @@ enum ExitCode
 /// What a program that reads the report may want to know: names and values, in the order in which they are told.
 struct Fact
 {
+    Fact(bool isTrue) : value(isTrue) {}
     template <std::integral Number> Fact(Number number) : value(static_cast<std::int64_t>(number)) {}
     template <class Value>
     requires(!std::integral<Value>) Fact(const Value& given) : value(given) {}
 
-    std::variant<std::int64_t, double, std::string, std::array<std::int64_t, 3>, std::array<double, 3>> value;
+    std::variant<bool, std::int64_t, double, std::string, std::array<std::int64_t, 3>, std::array<double, 3>> value;
 };
 using Facts = std::vector<std::pair<const char*, Fact>>;
 
@@ -55,6 +63,9 @@ void PrintStep(const std::string& step, const std::string& result, const Facts& 
 /// The same for what only people who look closely want: the line is printed with --verbose only.
 void PrintDetail(const std::string& step, const std::string& result, const Facts& facts = {});
 
+/// Tells where a box lies: the steps lower, upper and size.
+void PrintBounds(const std::array<double, 3>& lower, const std::array<double, 3>& upper);
+
 /// Tells on standard error what may not have been meant.
 void Warn(const std::string& sentence);
 
@@ -66,6 +77,10 @@ void GiveStandardOutputAway();
 
 /// Whether progress is worth showing.
 bool IsQuiet();
+
+/// What the program ends with when nothing fails: ExitDone, unless a command has something else to say.
+void EndWith(ExitCode code);
+ExitCode EndsWith();
 
 /// Ends the report of a command. With an empty `error` it is one that did what it was told.
 void FinishReport(const std::string& command, ExitCode code, const std::string& error);

@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cmath>
 #include <fstream>
 #include <iostream>
 #include <stdexcept>
@@ -17,76 +16,45 @@
 namespace brix::tools {
 namespace {
 
-// Passes bytes on, counted.
-class CountedBytes : public std::streambuf
-{
-public:
-    explicit CountedBytes(std::streambuf& source) : source_(source) {}
-
-    std::int64_t Count() const { return count_; }
-
-protected:
-    std::streamsize xsgetn(char* bytes, std::streamsize wanted) override
-    {
-        const std::streamsize given = source_.sgetn(bytes, wanted);
-        count_ += given;
-        return given;
-    }
-
-private:
-    std::streambuf& source_;
-    std::int64_t count_ = 0;
-};
-
-// A pipe has no size.
-std::uintmax_t SizeOrZero(const std::filesystem::path& filePath)
-{
-    std::error_code error;
-    const std::uintmax_t size = std::filesystem::file_size(filePath, error);
-    return error ? 0 : size;
-}
-
-StlContent ReadStl(std::streambuf& source, const std::filesystem::path& name, std::uintmax_t size, bool swapYZ)
+StlImport Load(std::streambuf& source, const std::filesystem::path& name, StlReadOptions options)
 {
     const Progress progress("reading " + name.string());
-    CountedBytes bytes(source);
-    std::istream stream(&bytes);
-    ByteReader reader(stream, size);
-    const bool isAscii = IsAsciiStl(reader, name);
-    std::vector<WorldTriangle> triangles = (isAscii ? ReadAsciiTriangles : ReadBinaryTriangles)(reader, name, swapYZ);
-    return {std::move(triangles), isAscii, bytes.Count()};
+    options.name = name;
+    std::istream stream(&source);
+    return ReadStl(stream, options);
+}
+
+// The first thing that was not read as the file says it, and how many there are.
+std::string SentenceOf(const StlReport& report)
+{
+    const auto changes = [](const StlFinding& finding) { return finding.effect != StlEffect::None; };
+    const auto first = std::find_if(report.findings.begin(), report.findings.end(), changes);
+    const std::string sentence = first == report.findings.end() ? report.findings.front().sentence : first->sentence;
+    const std::uint64_t others = report.findingCount - 1;
+    if (others == 0) return sentence;
+    return sentence + " brix check lists " + std::to_string(others) + (others == 1 ? " more finding." : " more findings.");
 }
 
 } // namespace
 
-StlContent LoadStl(const std::filesystem::path& input, bool swapYZ)
+StlImport LoadStl(const std::filesystem::path& input, const StlReadOptions& options)
 {
-    if (input == "-") return ReadStl(*std::cin.rdbuf(), "standard input", 0, swapYZ);
+    if (input == "-") return Load(*std::cin.rdbuf(), "standard input", options);
     std::filebuf file;
     if (file.open(input, std::ios::in | std::ios::binary) == nullptr)
         throw std::runtime_error("Failed to open STL file " + Quoted(input) + ": " + SystemReason(errno) + ".");
-    return ReadStl(file, input, SizeOrZero(input), swapYZ);
+    return Load(file, input, options);
 }
 
 std::vector<WorldTriangle> LoadUsableTriangles(const std::filesystem::path& input, bool swapYZ)
 {
-    std::vector<WorldTriangle> triangles = LoadStl(input, swapYZ).triangles;
-    if (triangles.empty()) throw std::runtime_error("The file " + Quoted(input) + " holds no triangles.");
-    if (const std::size_t count = CountNotFinite(triangles); count > 0)
-        throw std::runtime_error("The file " + Quoted(input) + " holds " + std::to_string(count) +
-                                 " triangles with coordinates that are infinite or not numbers.");
-    return triangles;
+    StlImport import = LoadStl(input, {.swapYZ = swapYZ});
+    if (import.report.drops + import.report.guesses > 0) Warn(SentenceOf(import.report));
+    if (import.triangles.empty()) throw std::runtime_error("The file " + Quoted(input) + " holds no triangles.");
+    return std::move(import.triangles);
 }
 
-std::size_t CountNotFinite(const std::vector<WorldTriangle>& triangles)
-{
-    return static_cast<std::size_t>(std::count_if(triangles.begin(), triangles.end(), [](const WorldTriangle& triangle) {
-        double sum = 0;
-        for (const auto& corner : triangle)
-            for (const double coordinate : corner) sum += coordinate * 0; // 0 for finite numbers, NaN for all others
-        return std::isnan(sum);
-    }));
-}
+std::string FormatName(StlVariant variant) { return variant == StlVariant::Ascii ? "ASCII STL" : "binary STL"; }
 
 double StlBytes(double triangleCount, bool ascii) { return ascii ? 260 * triangleCount : 84 + 50 * triangleCount; }
 
@@ -101,7 +69,7 @@ void SaveTriangles(const std::filesystem::path& output, const std::vector<WorldT
         throw;
     }
     file.Commit();
-    ReportFile(output, {{"format", std::string(ascii ? "ASCII STL" : "binary STL")},
+    ReportFile(output, {{"format", FormatName(ascii ? StlVariant::Ascii : StlVariant::Binary)},
                         {"bytes", file.BytesWritten()},
                         {"triangles", triangles.size()}});
 }

@@ -1,31 +1,23 @@
 // STL files as the commands read and write them: once from start to end, with progress shown; what makes no sense is refused.
 #pragma once
 
-#include <brix/triangles/Triangle.h>
+#include <brix/triangles/StlReader.h>
 
-#include <cstdint>
 #include <filesystem>
 #include <vector>
 
 namespace brix::tools {
 
-/// What an STL file holds.
-struct StlContent
-{
-    std::vector<WorldTriangle> triangles;
-    bool isAscii;
-    std::int64_t bytes; // that were read
-};
-
 /// Reads a file, a pipe, or standard input for `-`, whatever it holds. Throws std::runtime_error with the system's reason when it
-/// cannot be opened, and as the engine's reader does.
-StlContent LoadStl(const std::filesystem::path& input, bool swapYZ);
+/// cannot be opened, and as ReadStl of the engine does.
+StlImport LoadStl(const std::filesystem::path& input, const StlReadOptions& options);
 
-/// Triangles of an STL file. Throws std::runtime_error when there are none, when coordinates are not finite, and as LoadStl does.
+/// Triangles of an STL file; a warning tells when something was left out or guessed. Throws std::runtime_error when there are
+/// none, and as LoadStl does.
 std::vector<WorldTriangle> LoadUsableTriangles(const std::filesystem::path& input, bool swapYZ);
 
-/// The number of triangles with a coordinate that is infinite or not a number.
-std::size_t CountNotFinite(const std::vector<WorldTriangle>& triangles);
+/// "ASCII STL" or "binary STL".
+std::string FormatName(StlVariant variant);
 
 /// The size of an STL file with so many triangles; of an ASCII file about.
 double StlBytes(double triangleCount, bool ascii);

@@ -32,6 +32,7 @@ void AddCommands(CLI::App& program)
     program.footer("Each command tells its options and examples: brix voxelize --help\n"
                    "Exit codes: 0 done; 1 the operation failed; 2 the command line is wrong.");
     AddInfoCommand(program);
+    AddCheckCommand(program);
     AddVoxelizeCommand(program);
     AddRunCommand(program);
     AddSliceCommand(program);
@@ -74,9 +75,9 @@ int Run(CLI::App& program, std::vector<std::string> words)
         program.parse(std::move(words));
         if (program.get_subcommands().empty() && program.count("--document") == 0)
             throw UsageError("A command is required: brix --help lists them.");
-        FinishReport(NameOf(program), ExitDone, "");
+        FinishReport(NameOf(program), EndsWith(), "");
         if (!std::cout.flush()) return Fail(program, "Failed to write to standard output.", ExitFailure);
-        return ExitDone;
+        return EndsWith();
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() == 0) return program.exit(error); // help or version was asked for
         return Fail(program, std::string(error.what()) + " (brix --help tells more)", ExitUsage);

@@ -5,6 +5,7 @@
 
 namespace brix::tools {
 
+void AddCheckCommand(CLI::App& program);
 void AddInfoCommand(CLI::App& program);
 void AddRunCommand(CLI::App& program);
 void AddSceneCommand(CLI::App& program);

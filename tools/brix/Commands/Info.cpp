@@ -10,13 +10,6 @@
 namespace brix::tools {
 namespace {
 
-std::size_t CountDegenerate(const std::vector<WorldTriangle>& triangles)
-{
-    return static_cast<std::size_t>(std::count_if(triangles.begin(), triangles.end(), [](const WorldTriangle& triangle) {
-        return WorldTriangleNormal(triangle) == std::array<double, 3>{0, 0, 0};
-    }));
-}
-
 void PrintBounds(const std::vector<WorldTriangle>& triangles)
 {
     std::array<double, 3> lower = triangles.front().front();
@@ -27,30 +20,25 @@ void PrintBounds(const std::vector<WorldTriangle>& triangles)
                 lower[axis] = std::min(lower[axis], corner[axis]);
                 upper[axis] = std::max(upper[axis], corner[axis]);
             }
-    const std::array size{upper[0] - lower[0], upper[1] - lower[1], upper[2] - lower[2]};
-    PrintStep("lower", Text(lower, " "), {{"point", lower}});
-    PrintStep("upper", Text(upper, " "), {{"point", upper}});
-    PrintStep("size", Text(size, " x "), {{"size", size}});
+    tools::PrintBounds(lower, upper);
 }
 
 void PrintInfo(const std::filesystem::path& input, bool swapYZ)
 {
     FilePlan files;
     files.Read(input);
-    const StlContent content = LoadStl(input, swapYZ);
-    const std::vector<WorldTriangle>& triangles = content.triangles;
-    const std::string format = content.isAscii ? "ASCII STL" : "binary STL";
-    const std::size_t flat = CountDegenerate(triangles);
-    const std::size_t notFinite = CountNotFinite(triangles);
+    const auto [triangles, report] = LoadStl(input, {.swapYZ = swapYZ});
     PrintStep("file", input.string(), {{"file", input.string()}});
-    PrintStep("format", format, {{"format", format}});
-    PrintStep("bytes", std::to_string(content.bytes), {{"bytes", content.bytes}});
+    PrintStep("format", FormatName(report.variant), {{"format", FormatName(report.variant)}});
+    PrintStep("bytes", std::to_string(report.bytes), {{"bytes", report.bytes}});
     PrintStep("triangles", std::to_string(triangles.size()), {{"triangles", triangles.size()}});
-    PrintStep("flat", std::to_string(flat) + " triangles without area", {{"triangles", flat}});
-    if (notFinite > 0)
-        PrintStep("invalid", std::to_string(notFinite) + " triangles with infinite or undefined coordinates",
-                  {{"triangles", notFinite}});
-    if (!triangles.empty() && notFinite == 0) PrintBounds(triangles);
+    PrintStep("flat", std::to_string(report.degenerate) + " triangles without area", {{"triangles", report.degenerate}});
+    if (report.notFinite > 0)
+        PrintStep("invalid", std::to_string(report.notFinite) + " triangles with infinite or undefined coordinates",
+                  {{"triangles", report.notFinite}});
+    if (report.findingCount > 0)
+        PrintStep("findings", std::to_string(report.findingCount) + ", which brix check lists", {{"count", report.findingCount}});
+    if (!triangles.empty()) PrintBounds(triangles);
 }
 
 } // namespace
