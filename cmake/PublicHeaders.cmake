@@ -12,6 +12,7 @@ set(BRIX_INTERNAL_HEADERS
     model/InstructionSet.h
     model/PropagateStores.h
     model/StackRows.h
+    model/VoxelPainter.h
     operations/ColumnGrowth.h
     operations/EmptyRegions.h
     operations/FilledBounds.h
@@ -23,10 +24,10 @@ set(BRIX_INTERNAL_HEADERS
     operations/RebuildModel.h
     operations/RegionLabels.h
     operations/SurfacePasses.h
+    operations/Wavefront.h
     travel/DistanceSearch.h
     travel/LineWalk.h
     travel/SightLines.h
-    travel/VoxelPainter.h
     triangles/BoxesOfStack.h
     triangles/ByteReader.h
     triangles/ExtentsAround.h

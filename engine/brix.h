@@ -59,6 +59,7 @@
 #include "brix/operations/DensityMap.h"
 #include "brix/operations/FillOperations.h"
 #include "brix/operations/Guide.h"
+#include "brix/operations/Leaks.h"
 #include "brix/operations/MemoryEstimates.h"
 #include "brix/operations/ProximityOperations.h"
 #include "brix/operations/SliceRows.h"

@@ -1,8 +1,8 @@
 #include "DistanceField.h"
 
 #include "../frame/Require.h"
+#include "../model/VoxelPainter.h"
 #include "DistanceSearch.h"
-#include "VoxelPainter.h"
 
 #include <algorithm>
 #include <limits>

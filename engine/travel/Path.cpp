@@ -1,8 +1,8 @@
 #include "Path.h"
 
 #include "../frame/Require.h"
+#include "../model/VoxelPainter.h"
 #include "LineWalk.h"
-#include "VoxelPainter.h"
 
 namespace brix {
 namespace {

@@ -1,8 +1,8 @@
 // Fills a model voxel by voxel, for results that are not made of whole plates.
 #pragma once
 
-#include "../model/ForEachStack.h"
-#include "../model/StackIterator.h"
+#include "ForEachStack.h"
+#include "StackIterator.h"
 
 #include <utility>
 
