@@ -238,4 +238,10 @@ template <class Item, class Convert> void MakeList(brix_list** result, std::vect
     *result = new ItemList<Item, Convert>(std::move(items), convert);
 }
 
+// Points in base units become world points.
+inline void MakePointList(brix_list** result, std::vector<Triple>&& points, const Axes& axes)
+{
+    MakeList(result, std::move(points), [axes](const Triple& point) { return axes.ToWorldCoordinates(point); });
+}
+
 } // namespace brix::capi

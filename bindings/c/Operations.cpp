@@ -435,3 +435,36 @@ std::int32_t brix_fill_enclosed_regions(const brix_model* model, brix_model** re
 {
     return Made("the filled voxel model", FillEnclosedRegions, BytesToFill, model, result, error);
 }
+
+std::int32_t brix_sealed_fill(const brix_model* model, std::int32_t gap, brix_model** result, brix_error* error)
+{
+    const auto estimate = [&] {
+        const VoxelModel<bool>& voxels = VoxelsOf(model);
+        (void)SealedFill(EmptyLike(voxels), gap);
+        return BytesToFillSealed(SizeOf(voxels, voxels.FinestLOD()), gap);
+    };
+    return Guarded(error, {model, result}, "the filled voxel model", estimate,
+                   [&] { MakeModel(result, SealedFill(VoxelsOf(model), gap)); });
+}
+
+std::int32_t brix_find_leak(const brix_model* model, const double* point_coords, double* gap, brix_list** result,
+                            brix_error* error)
+{
+    const auto estimate = [&] {
+        const VoxelModel<bool>& voxels = VoxelsOf(model);
+        (void)LeakStart(voxels, BaseUnits(model, point_coords));
+        return BytesToFindLeak(SizeOf(voxels, voxels.FinestLOD()));
+    };
+    return Guarded(error, {model, point_coords, gap, result}, "the way out of the voxel model", estimate, [&] {
+        const VoxelModel<bool>& voxels = VoxelsOf(model);
+        const Axes& axes = voxels.AxesRef();
+        std::optional<Leak> leak = FindLeak(voxels, BaseUnits(model, point_coords));
+        const Gap place = leak && leak->gap ? *leak->gap : Gap{};
+        std::vector<Triple> points;
+        if (leak) points = std::move(leak->voxels);
+        for (Triple& point : points) point = axes.VoxelCenter(point, voxels.FinestLOD());
+        MakePointList(result, std::move(points), axes);
+        std::copy(place.centre.begin(), place.centre.end(), gap);
+        gap[3] = static_cast<double>(place.width);
+    });
+}

@@ -65,11 +65,6 @@ double BytesToReach(const DistanceField& field)
     return 2 * BytesOfModel(size);
 }
 
-void MakePointList(brix_list** result, std::vector<Triple>&& points, const Axes& axes)
-{
-    MakeList(result, std::move(points), [axes](const Triple& point) { return axes.ToWorldCoordinates(point); });
-}
-
 } // namespace
 
 std::int32_t brix_path_model_create(const brix_model* environment, std::int64_t voxel_lod, std::int64_t agent_diameter_offset,

@@ -430,6 +430,15 @@ BRIX_C_API int32_t brix_fill_from_point(const brix_model* model, const double* p
 BRIX_C_API int32_t brix_fill_exposed_regions(const brix_model* model, brix_model** result, brix_error* error);
 BRIX_C_API int32_t brix_fill_enclosed_regions(const brix_model* model, brix_model** result, brix_error* error);
 
+/* With gaps up to `gap` voxels wide counted as closed. */
+BRIX_C_API int32_t brix_sealed_fill(const brix_model* model, int32_t gap, brix_model** result, brix_error* error);
+
+/* A shortest way from a point through empty voxels to a face of the extents (brix/operations/Leaks.h): the world points of the
+ * centres of its voxels, three doubles each, one beside the other; none when the point is enclosed. `gap` gets four doubles: the
+ * world point of the place where the way is narrowest, and its width in voxels; the width is 0 where there is no such place. */
+BRIX_C_API int32_t brix_find_leak(const brix_model* model, const double* point_coords, double* gap, brix_list** result,
+                                  brix_error* error);
+
 /* ---- Visibility (brix/visibility/Visibility.h) ----
  *
  * `direction` is a world vector of any length. It is turned into the frame and scaled to 70000 voxels of level 0, 2800000000 base

@@ -72,8 +72,8 @@ private:
         return painter.Take();
     }
 
-    // Cubes that are a voxel wider than the last ones, in empty voxels and with some voxel of the way inside: those that can move to
-    // where they hold the way's first voxel.
+    // Cubes that are a voxel wider than the last ones, in empty voxels and with some voxel of the way inside: those that can move
+    // to where they hold the way's first voxel.
     std::vector<VoxelModel<bool>> StartedCubes(std::int64_t width)
     {
         for (const auto& expand : {ExpandAlongX, ExpandAlongY, ExpandAlongZ}) {
@@ -146,17 +146,21 @@ std::vector<std::array<double, 3>> PolylineOf(const std::vector<Triple>& way, co
 
 } // namespace
 
-std::optional<Leak> FindLeak(const VoxelModel<bool>& voxelModel, const std::array<std::int64_t, 3>& pointCoords)
+Triple LeakStart(const VoxelModel<bool>& voxelModel, const std::array<std::int64_t, 3>& pointCoords)
 {
     const std::int64_t lod = voxelModel.FinestLOD();
     const Triple voxel = voxelModel.AxesRef().ContainingVoxel(pointCoords, lod);
     Require(voxelModel.ExtentsRef(lod).ContainsVoxel(voxel),
             "The point from which a leak is searched must lie inside the extents.");
     Require(!IsFilledAt(voxelModel, voxel), "The point from which a leak is searched must lie in an empty voxel.");
+    return voxel;
+}
 
-    const std::vector<Triple> way = Wavefront(voxelModel).WayOut(voxel);
+std::optional<Leak> FindLeak(const VoxelModel<bool>& voxelModel, const std::array<std::int64_t, 3>& pointCoords)
+{
+    const std::vector<Triple> way = Wavefront(voxelModel).WayOut(LeakStart(voxelModel, pointCoords));
     if (way.empty()) return std::nullopt;
-    return Leak{way, PolylineOf(way, voxelModel.AxesRef(), lod), CubesOnWay(voxelModel, way).FindGap()};
+    return Leak{way, PolylineOf(way, voxelModel.AxesRef(), voxelModel.FinestLOD()), CubesOnWay(voxelModel, way).FindGap()};
 }
 
 } // namespace brix

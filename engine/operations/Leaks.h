@@ -34,10 +34,14 @@ struct Leak
 /// always with some voxel of the way inside, from where it holds the way's first voxel to where it holds the last one. The gap is
 /// as wide as the largest cube up to which all go: closing it takes a SealedFill of this width, if no other way is wider.
 ///
-/// Throws std::domain_error when the point lies outside the extents, then when it lies in a filled voxel. Cost: 6 KB for each stack
-/// of 16 x 16 x 64 voxels that is nearer than the way is long, and its plates times the steps that the search takes through them
-/// (breadth-first search: Moore, "The shortest path through a maze", 1959); for the gap, some passes over the surroundings of the
-/// way for each voxel of its width.
+/// Throws std::domain_error when the point lies outside the extents, then when it lies in a filled voxel. Cost: 6 KB for each
+/// stack of 16 x 16 x 64 voxels that is nearer than the way is long, and its plates times the steps that the search takes through
+/// them (breadth-first search: Moore, "The shortest path through a maze", 1959); for the gap, some passes over the surroundings
+/// of the way for each voxel of its width.
 [[nodiscard]] std::optional<Leak> FindLeak(const VoxelModel<bool>& voxelModel, const std::array<std::int64_t, 3>& pointCoords);
+
+/// The voxel at which FindLeak starts. Throws as it does.
+[[nodiscard]] std::array<std::int64_t, 3> LeakStart(const VoxelModel<bool>& voxelModel,
+                                                    const std::array<std::int64_t, 3>& pointCoords);
 
 } // namespace brix

@@ -2,6 +2,7 @@
 
 #include "../frame/Require.h"
 #include "../model/ForEachStack.h"
+#include "Leaks.h"
 #include "RegionLabels.h"
 
 #include <cmath>
@@ -191,6 +192,26 @@ double BytesToInvert(const ModelSize& size) { return BytesOfModel(Inverted(size)
 double BytesToFill(const ModelSize& size)
 {
     return BytesOfModel(Inverted(size)) + 6 * size.layerBytes + (size.stored - size.full) * (PlacesPerChunk(size) * 512 + 1024);
+}
+
+// The grown model, what its flood leaves, and the passes that shrink that.
+double BytesToFillSealed(const ModelSize& size, std::int64_t gap)
+{
+    if (gap <= 0) return BytesToFill(size);
+    const ModelSize grown = Grown(size, {gap, gap, gap});
+    return BytesToGrow(size, {gap, gap, gap}, nullptr) + BytesToFill(grown) + BytesToGrow(Inverted(grown), {}, nullptr);
+}
+
+// What the search keeps of every stack that it may come to; and the cubes on a way through all of them, and their regions.
+double BytesToFindLeak(const ModelSize& size)
+{
+    constexpr double PlaceBytes = 3 * StackHeight * sizeof(VoxelPlate<bool>) + 512;
+    double around = 1;
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+        const auto length = static_cast<double>(StackSize[axis]);
+        around *= size.stacks[axis] + 2 * std::ceil(static_cast<double>(MostGapWidth) / length);
+    }
+    return size.AllStacks() * PlaceBytes + 4 * BytesOfModel(size) + 8 * ModelSize::MostLayerBytes(around);
 }
 
 // Labels for all runs; and a model for each region, whose stacks have at most the layers that they were cut from.

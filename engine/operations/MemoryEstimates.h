@@ -43,6 +43,8 @@ namespace brix {
 [[nodiscard]] double BytesToInvert(const ModelSize& size);
 /// FillFromPoint, FillExposedRegions and FillEnclosedRegions.
 [[nodiscard]] double BytesToFill(const ModelSize& size);
+[[nodiscard]] double BytesToFillSealed(const ModelSize& size, std::int64_t gap);
+[[nodiscard]] double BytesToFindLeak(const ModelSize& size);
 /// AutoSplit. Looks at every bit run of the model.
 [[nodiscard]] double BytesToSplit(const VoxelModel<bool>& model);
 /// DensityMap at so many thresholds; `isEverywhere` when one of them is 0 or less.

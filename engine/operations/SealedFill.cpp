@@ -5,8 +5,8 @@
 
 namespace brix {
 
-// A cube stands for its lowest voxel. Where it would hold a filled one, the model grown by `gap` voxels downwards along each axis is
-// filled. What a flood of those places leaves is, shrunk by as much, what no cube covers.
+// A cube stands for its lowest voxel. Where it would hold a filled one, the model grown by `gap` voxels downwards along each axis
+// is filled. What a flood of those places leaves is, shrunk by as much, what no cube covers.
 VoxelModel<bool> SealedFill(const VoxelModel<bool>& voxelModel, int gap)
 {
     RequireNotNegative("The width of gaps to be sealed", gap);

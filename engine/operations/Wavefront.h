@@ -1,8 +1,8 @@
 // The shortest way out of a model through empty voxels (breadth-first search), a plate of voxels at a time.
 //
 // A wave starts at a voxel and takes a step to all six sides at a time (Lee, "An algorithm for path connections and its
-// applications", 1961). Of every voxel that it has come to, two bits are kept: its step modulo 3. As neighbours are one step apart,
-// that is enough to find the way back (Akers, "A modification of Lee's path connection algorithm", 1967).
+// applications", 1961). Of every voxel that it has come to, two bits are kept: its step modulo 3. As neighbours are one step
+// apart, that is enough to find the way back (Akers, "A modification of Lee's path connection algorithm", 1967).
 //
 //   steps  2 3 4 5      kept  2 0 1 2      from the last voxel, a 2, the way back leads to a 1,
 //          1 # 5 6            1 # 2 0      then to a 0, a 2, a 1, a 0

@@ -222,6 +222,26 @@ TEST_F(Program, RunsOperationsInARow)
     EXPECT_EQ(ContentOf(folder_ / "s.png").substr(1, 3), "PNG");
 }
 
+// A hall with a door: brix leak finds it from inside, and its advice closes it.
+TEST_F(Program, FindsTheGapThatKeepsAHallFromBeingFilled)
+{
+    MakeHouse();
+    const std::string grid = "house.stl --voxel 0.1 --lod 3 ";
+    const Outcome leak = Run("leak " + grid + "--from 4 3 1.5 -o leak.png");
+    ASSERT_EQ(leak.exitCode, 0) << leak.error;
+    EXPECT_TRUE(std::filesystem::exists(folder_ / "leak.png"));
+    EXPECT_GT(Reported(leak, "outside is (\\d+) voxels away"), 10);
+    const std::int64_t gap = Reported(leak, "the way is (\\d+) voxels wide");
+    EXPECT_GT(gap, 1);
+    EXPECT_EQ(Reported(leak, "fill-sealed (\\d+) closes it"), gap);
+    const Outcome filled = Run("run " + grid + "-- fill-enclosed fill-enclosed fill-sealed 40");
+    EXPECT_NE(filled.error.find("fill-enclosed filled nothing"), std::string::npos) << filled.error;
+    EXPECT_GT(Reported(filled, "fill-sealed +(\\d+) voxels filled"), Reported(filled, "fill-enclosed +(\\d+) voxels filled"));
+    ASSERT_EQ(Run("run " + grid + "-- fill-sealed 40 write solid.stl").exitCode, 0);
+    const Outcome closed = Run("leak house.stl --voxel 0.1 --lod 3 --from 2000 3 1.5");
+    EXPECT_NE(closed.error.find("must lie inside the extents"), std::string::npos) << closed.error;
+}
+
 TEST_F(Program, KeepsTheLargestRegionAndWritesItsSurface)
 {
     const WorldTriangle floor{{{0, 0, 0}, {30, 0, 0}, {0, 30, 0}}};

@@ -37,6 +37,7 @@ double StepBytes(const PlannedStep& step, const ModelSize& size)
     const double model = BytesOfModel(size);
     if (name == "walkable" || name == "travel") return 4 * model + 5 * BytesOfFullBox(size);
     if (name.starts_with("visible-")) return 2 * model + 2.5 * BytesOfFullBox(size);
+    if (name == "fill-sealed") return model + BytesToFillSealed(size, step.numbers.front());
     if (name.starts_with("fill-")) return model + BytesToFill(size);
     if (name == "invert") return model + BytesToInvert(size);
     if (name == "refine") return model + BytesToRefine(size, step.numbers.front());

@@ -61,6 +61,12 @@ Raster DrawSlice(const std::vector<VoxelCategory>& categories, std::int64_t lod,
     return raster;
 }
 
+Cell CellOf(const Triple& voxel, Axis sliced, const Box& box)
+{
+    const auto [right, up] = ViewOf(sliced);
+    return {voxel[Number(right)] - box.lower[Number(right)], box.upper[Number(up)] - voxel[Number(up)]};
+}
+
 Panel MakePanel(const Axes& axes, std::int64_t lod, Axis sliced, Raster raster, std::int64_t scale)
 {
     const auto [right, up] = ViewOf(sliced);

@@ -33,6 +33,13 @@ Box FilledBox(const VoxelModel<bool>& model, std::int64_t lod);
 /// The filled voxels of a slice within a box, a cell for each.
 Raster DrawSlice(const std::vector<VoxelCategory>& categories, std::int64_t lod, const Slice& slice, const Box& box);
 
+/// The cell of a voxel in the picture of a slice, whichever slice it lies in.
+struct Cell
+{
+    std::int64_t column, row;
+};
+Cell CellOf(const Triple& voxel, Axis sliced, const Box& box);
+
 /// A panel with cells in proportion to the voxels. `scale` is the number of pixels for the shorter of a voxel's width and height.
 Panel MakePanel(const Axes& axes, std::int64_t lod, Axis sliced, Raster raster, std::int64_t scale);
 

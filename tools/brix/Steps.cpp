@@ -120,6 +120,23 @@ auto ReadFillFrom(Plan&, Arguments& arguments)
     };
 }
 
+// A shell with the smallest hole stays hollow.
+Voxels FillEnclosed(const Pipeline& p)
+{
+    Voxels filled = FillEnclosedRegions(p.model);
+    const std::int64_t lod = filled.FinestLOD();
+    if (!p.isRehearsal && !IsEmpty(p.model, lod) && CountFilled(filled, lod) == CountFilled(p.model, lod))
+        Warn("The step fill-enclosed filled nothing: no empty space is enclosed. If there should be some, brix leak finds the "
+             "hole, and "
+             "the step fill-sealed fills as if holes up to a width were closed.");
+    return filled;
+}
+
+auto ReadFillSealed(Plan&, Arguments& arguments)
+{
+    return [gap = arguments.Integer()](const Pipeline& p) { return SealedFill(p.model, gap); };
+}
+
 auto ReadVisibleAlong(Plan&, Arguments& arguments)
 {
     const Triple direction = arguments.Direction();
@@ -218,7 +235,9 @@ const std::vector<Step>& AllSteps()
          })},
         {"subtract", "FILE", "remove the voxels of another STL file", Combine(Subtract)},
         {"invert", "", "swap filled and empty", Make([](const Voxels& model) { return Invert(model); })},
-        {"fill-enclosed", "", "fill the cavities", Make([](const Voxels& model) { return FillEnclosedRegions(model); })},
+        {"fill-enclosed", "", "fill the cavities",
+         Replace([](const Plan&, const Arguments&) { return [](const Pipeline& p) { return FillEnclosed(p); }; })},
+        {"fill-sealed", "GAP", "fill the cavities as if gaps up to that many voxels wide were closed", Replace(ReadFillSealed)},
         {"fill-exposed", "", "fill all that is open to the outside",
          Make([](const Voxels& model) { return FillExposedRegions(model); })},
         {"fill-from", "X Y Z", "fill the empty region around a point", Replace(ReadFillFrom)},

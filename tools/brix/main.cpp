@@ -36,6 +36,7 @@ void AddCommands(CLI::App& program)
     AddVoxelizeCommand(program);
     AddRunCommand(program);
     AddSliceCommand(program);
+    AddLeakCommand(program);
     AddWalkableCommand(program);
     AddTravelCommand(program);
     AddSceneCommand(program);

@@ -199,6 +199,7 @@ TEST_F(CInterface, ReachesTheOperationOfEachName)
     expect("fill from point", FillFromPoint(model_, insideUnits_), brix_fill_from_point, inside_.data());
     expect("fill exposed", FillExposedRegions(model_), brix_fill_exposed_regions);
     expect("fill enclosed", FillEnclosedRegions(model_), brix_fill_enclosed_regions);
+    expect("sealed fill", SealedFill(model_, 2), brix_sealed_fill, 2);
     expect("seen from a point", VisibilityFromPoint(model_, {0, 0, 0}, 2, axes_.FromWorldDistance(6), 0.3, true),
            brix_visibility_from_point, origin_.data(), 2, 6.0, 0.3, 1);
     EXPECT_EQ(Get<std::int64_t>(brix_count_filled, cModel_.get(), 2), CountFilled(model_, 2));

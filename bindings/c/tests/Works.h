@@ -144,6 +144,8 @@ inline const std::vector<Work> Works{
     BRIX_WORK(brix_model, brix_fill_from_point, o.model.get(), o.point.data()),
     BRIX_WORK(brix_model, brix_fill_exposed_regions, o.model.get()),
     BRIX_WORK(brix_model, brix_fill_enclosed_regions, o.model.get()),
+    BRIX_WORK(brix_model, brix_sealed_fill, o.model.get(), 3),
+    BRIX_WORK(brix_list, brix_find_leak, o.model.get(), o.point.data(), std::array<double, 4>{}.data()),
     BRIX_WORK(brix_model, brix_visibility_from_direction, o.model.get(), std::array{1.0, -2.0, 0.5}.data(), o.lod, 0.5),
     BRIX_WORK(brix_model, brix_visibility_from_direction, o.model.get(), std::array{0.0, 1.0, 0.0}.data(), o.lod, 0.5),
     BRIX_WORK(brix_model, brix_visibility_from_point, o.model.get(), o.point.data(), o.lod, 1e9, 0.3, 0),

@@ -86,6 +86,21 @@ public class OperationTests
             Take(FillOperationsCLI.FillFromPoint(model, Centre((3, 2, 0)))));
     }
 
+    // The same wall with a hole towards the open corner.
+    [Fact]
+    public void LeaksAreFoundAndSealed()
+    {
+        var box = new Cells((0, 0, 0), (4, 2, 2), []);
+        using VoxelModelCLI model = Model(box.Where(cell => cell.X <= 2 && cell != (1, 1, 1) && cell != (2, 1, 1)));
+        LeakCLI? leak = FillOperationsCLI.FindLeak(model, Centre((1, 1, 1)));
+        Assert.Equal(new[] { (1, 1, 1), (2, 1, 1), (3, 1, 1) }.SelectMany(cell => Centre(cell)).Take(9), leak!.Points.Take(9));
+        Assert.Equal(1, leak.GapWidth);
+        Assert.Equal(3, leak.GapCentre.Count);
+        Assert.Equal(box.Where(cell => cell.X <= 2).ToString(), Take(FillOperationsCLI.SealedFill(model, 1)));
+        using VoxelModelCLI closed = Model(box.Where(cell => cell.X <= 2 && cell != (1, 1, 1)));
+        Assert.Null(FillOperationsCLI.FindLeak(closed, Centre((1, 1, 1))));
+    }
+
     private delegate VoxelModelCLI Change(VoxelModelCLI model, VoxelModelCLI? guide, bool autoAdjust);
 
     private static Func<Cell, bool> Box(Cell lower, Cell upper) => cell => cell.X >= lower.X && cell.X <= upper.X &&

@@ -7,6 +7,7 @@ namespace brix::tools {
 
 void AddCheckCommand(CLI::App& program);
 void AddInfoCommand(CLI::App& program);
+void AddLeakCommand(CLI::App& program);
 void AddRunCommand(CLI::App& program);
 void AddSceneCommand(CLI::App& program);
 void AddSliceCommand(CLI::App& program);

@@ -468,6 +468,13 @@ internal static unsafe class NativeMethods
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
     internal static extern int brix_fill_enclosed_regions(IntPtr model, IntPtr* result, NativeError* error);
 
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_sealed_fill(IntPtr model, int gap, IntPtr* result, NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_find_leak(IntPtr model, PointTriple* pointCoords, double* gap, IntPtr* result,
+        NativeError* error);
+
     // ---- Visibility (brix/visibility/Visibility.h) ----
 
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
