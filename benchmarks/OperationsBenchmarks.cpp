@@ -143,6 +143,16 @@ void MeasureAutoCrop(State& state, const Scene& scene)
         });
 }
 
+// Beside FillEnclosedRegions, of which it is one and two growths.
+template <int gap> void MeasureSealedFill(State& state, const Scene& scene)
+{
+    MeasureResult(
+        state, [&] { return SealedFill(scene.model, gap); },
+        [&](const VoxelModel<bool>& result) {
+            RequireEqual("Voxels lost", CountFilled(Subtract(scene.model, result, scene.Level(), false), scene.Level()), 0);
+        });
+}
+
 // Time per 100 000 look-ups at random places.
 void MeasureFindVoxel(State& state, const Scene& scene)
 {
@@ -213,6 +223,8 @@ void RegisterAll(const std::string& scene, std::int64_t voxels)
     Register("CountFilledDense", scene, voxels, MeasureCountDensely);
     Register("ReadPlates", scene, voxels, MeasureReadPlates);
     Register("AutoCrop", scene, voxels, MeasureAutoCrop);
+    Register("SealedFill(1)", scene, voxels, MeasureSealedFill<1>);
+    Register("SealedFill(16)", scene, voxels, MeasureSealedFill<16>);
     Register("FindVoxel", scene, voxels, MeasureFindVoxel);
     Register("FindVoxelDense", scene, voxels, MeasureFindDensely);
 }
