@@ -6,6 +6,7 @@
 #include <brix.h>
 
 #include <cstring>
+#include <filesystem>
 #include <initializer_list>
 #include <limits>
 #include <memory>
@@ -55,6 +56,11 @@ struct brix_models
 struct brix_bytes
 {
     std::vector<std::uint8_t> bytes;
+};
+
+struct brix_stl
+{
+    std::shared_ptr<const brix::StlImport> import; // lists of its triangles share it
 };
 
 struct brix_path_model
@@ -185,6 +191,9 @@ void RequireItems(const void* numbers, std::int64_t count, std::int64_t width, s
 
 /// Triangles in the caller's memory.
 std::span<const WorldTriangle> TrianglesAt(const double* triangles, std::int64_t count);
+
+/// The path of so many bytes in the caller's memory.
+std::filesystem::path PathAt(const char* path, std::int64_t length);
 
 /// Checks that `count` items from `first` on lie within 0 .. size - 1, and that there is a place for them.
 void RequirePart(std::int64_t first, std::int64_t count, std::int64_t size, const void* destination);

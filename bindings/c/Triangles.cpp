@@ -34,6 +34,16 @@ std::span<const WorldTriangle> TrianglesAt(const double* triangles, std::int64_t
     return {reinterpret_cast<const WorldTriangle*>(triangles), static_cast<std::size_t>(count)};
 }
 
+std::filesystem::path PathAt(const char* path, std::int64_t length)
+{
+    if (length < 0) {
+        throw std::domain_error("The length of a file path cannot be negative. The value encountered was " +
+                                std::to_string(length) + ".");
+    }
+    if (length > 0) RequireGiven(path);
+    return length == 0 ? std::string() : std::string(path, static_cast<std::size_t>(length));
+}
+
 } // namespace brix::capi
 
 namespace {
@@ -77,16 +87,6 @@ public:
 private:
     Tessellation tessellation_;
 };
-
-std::filesystem::path PathAt(const char* path, std::int64_t length)
-{
-    if (length < 0) {
-        throw std::domain_error("The length of a file path cannot be negative. The value encountered was " +
-                                std::to_string(length) + ".");
-    }
-    if (length > 0) RequireGiven(path);
-    return length == 0 ? std::string() : std::string(path, static_cast<std::size_t>(length));
-}
 
 } // namespace
 

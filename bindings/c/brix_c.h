@@ -212,6 +212,76 @@ BRIX_C_API int32_t brix_save_stl_bytes(const double* triangles, int64_t triangle
 BRIX_C_API int32_t brix_detect_triangle_extents(const brix_axes* axes, const double* triangles, int64_t triangle_count,
                                                 brix_extents** result, brix_error* error);
 
+/* ---- STL files as they are found (brix/triangles/StlReader.h, MeshReport.h) ----
+ *
+ * The size of a file decides first whether it is binary; text may be laid out in any way; damaged and cut-off files are read as
+ * far as they go. What was left out or guessed is counted, and told in sentences that name the line or byte. */
+
+typedef struct brix_stl brix_stl;
+
+/* `drop_degenerate`  triangles without area are left out;  `count_mesh`  the surface is looked at, too
+ * `most_listed`      findings and solids that are listed, 0 or more; all are counted */
+BRIX_C_API int32_t brix_read_stl(const char* path, int64_t path_length, int32_t swap_yz, int32_t drop_degenerate,
+                                 int32_t count_mesh, int64_t most_listed, brix_stl** result, brix_error* error);
+/* The same from the bytes of a file, which messages name "data". */
+BRIX_C_API int32_t brix_read_stl_bytes(const uint8_t* bytes, int64_t byte_count, int32_t swap_yz, int32_t drop_degenerate,
+                                       int32_t count_mesh, int64_t most_listed, brix_stl** result, brix_error* error);
+BRIX_C_API void brix_stl_free(brix_stl* stl);
+
+/* The triangles, nine doubles each, which are not copied before brix_list_copy. */
+BRIX_C_API int32_t brix_stl_triangles(const brix_stl* stl, brix_list** result, brix_error* error);
+
+typedef enum brix_stl_number
+{
+    BRIX_STL_IS_SOUND = 0, /* no finding, nothing without area; a solid, when the mesh was counted */
+    BRIX_STL_IS_BINARY = 1,
+    BRIX_STL_BYTES = 2,
+    BRIX_STL_ANNOUNCED = 3, /* triangles, by a binary file; -1 for text */
+    BRIX_STL_FOUND = 4,     /* triangles that the file holds */
+    BRIX_STL_READ = 5,      /* triangles in the list */
+    BRIX_STL_INCOMPLETE = 6,
+    BRIX_STL_NOT_FINITE = 7,
+    BRIX_STL_DEGENERATE = 8,
+    BRIX_STL_BYTES_LEFT = 9,
+    BRIX_STL_FINDINGS = 10, /* all of them, and those that are listed */
+    BRIX_STL_FINDINGS_LISTED = 11,
+    BRIX_STL_GUESSES = 12,
+    BRIX_STL_DROPS = 13,
+    BRIX_STL_SOLIDS = 14,
+    BRIX_STL_SOLIDS_LISTED = 15,
+    BRIX_STL_HAS_MESH = 16, /* whether the mesh was counted; if not, the following are 0 */
+    BRIX_STL_VERTICES = 17,
+    BRIX_STL_EDGES = 18,
+    BRIX_STL_OPEN_EDGES = 19,
+    BRIX_STL_CROWDED_EDGES = 20,
+    BRIX_STL_REVERSED_EDGES = 21,
+    BRIX_STL_DUPLICATE_TRIANGLES = 22,
+    BRIX_STL_SHELLS = 23,
+    BRIX_STL_IS_CLOSED = 24,
+    BRIX_STL_FINDING_PLACE = 25,  /* of a listed finding: the line of a text file from 1, the byte of a binary one from 0 */
+    BRIX_STL_FINDING_EFFECT = 26, /* 0 none, 1 something was guessed, 2 something was left out */
+    BRIX_STL_SOLID_TRIANGLES = 27 /* of a listed solid */
+} brix_stl_number;
+
+/* `index`: of the finding or solid; looked at for the last three only. */
+BRIX_C_API int32_t brix_stl_number_of(const brix_stl* stl, int32_t number, int64_t index, int64_t* result, brix_error* error);
+
+typedef enum brix_stl_text
+{
+    BRIX_STL_HEADER = 0, /* of a binary file */
+    BRIX_STL_UNIT = 1,   /* "m", "mm" or nothing, guessed from the size, and why; needs the mesh */
+    BRIX_STL_UNIT_REASON = 2,
+    BRIX_STL_FINDING_SENTENCE = 3, /* of a listed finding */
+    BRIX_STL_SOLID_NAME = 4        /* of a listed solid */
+} brix_stl_text;
+
+/* UTF-8 on one line. `index`: of the finding or solid; looked at for the last two only. */
+BRIX_C_API int32_t brix_stl_text_of(const brix_stl* stl, int32_t text, int64_t index, brix_bytes** result, brix_error* error);
+
+/* The bounds, and the volume that a closed surface encloses, above 0 where triangles face outwards; 0 without a mesh. */
+BRIX_C_API int32_t brix_stl_bounds(const brix_stl* stl, double* lower_3, double* upper_3, double* signed_volume,
+                                   brix_error* error);
+
 /* ---- Indexed meshes (brix/triangles/TriangleMesh.h) ---- */
 
 typedef struct brix_mesh brix_mesh;

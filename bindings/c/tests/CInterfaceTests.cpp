@@ -19,7 +19,7 @@
 #include "travel/Path.h"
 #include "triangles/Cuboidization.h"
 #include "triangles/Solidization.h"
-#include "triangles/StlFiles.h"
+#include "triangles/StlReader.h"
 #include "triangles/Tessellation.h"
 #include "triangles/TriangleMesh.h"
 #include "triangles/Voxelization.h"
@@ -552,6 +552,98 @@ TEST_F(CInterface, RefusesNullModelsInListsAndCountsThatCannotBe)
     for (const std::int64_t count : {std::int64_t{-1}, most})
         EXPECT_EQ(FailureOf(brix_model_from_triangles, coords_, count, cExtents_.get(), 0, &model).status, BRIX_INVALID_ARGUMENT);
     EXPECT_EQ(FailureOf(brix_rows_at_slice, cModel_.get(), 3, 0, 0, 0, 0, &rows).status, BRIX_INVALID_ARGUMENT);
+}
+
+std::string TextOf(const Owned<brix_bytes>& bytes)
+{
+    std::string text(static_cast<std::size_t>(Get<std::int64_t>(brix_bytes_size, bytes.get())), '\0');
+    auto* const to = reinterpret_cast<std::uint8_t*>(text.data());
+    EXPECT_EQ(brix_bytes_copy(bytes.get(), 0, std::ssize(text), to, nullptr), BRIX_OK);
+    return text;
+}
+
+TEST_F(CInterface, ReadsStlFilesWithTheirReport)
+{
+    std::stringstream tetrahedron;
+    SaveTrianglesToSTL(tetrahedron, triangles_, StlVariant::Binary, false);
+    const std::string loop = "outer loop\nvertex 0 0 0\nvertex 1,5 0 0\nvertex 0 1 1e999\nendloop\n";
+    const std::string flat = "outer loop\nvertex 0 0 0\nvertex 1 0 0\nvertex 2,5 0 0\nendloop\n";
+    for (const std::string& file : {tetrahedron.str(), tetrahedron.str().substr(0, 250) + "x",
+                                    "solid a\n" + loop + flat + "outer loop\nendsolid\nsolid b\n"}) {
+        const auto* const bytes = reinterpret_cast<const std::uint8_t*>(file.data());
+        const StlImport import = ReadStl(std::span(bytes, file.size()), {.countMesh = true, .mostListed = 4});
+        const StlReport& r = import.report;
+        const auto stl = Get<brix_stl*>(brix_read_stl_bytes, bytes, std::ssize(file), 0, 0, 1, 4);
+        const std::vector<std::uint64_t> expected{r.IsSound(),
+                                                  r.variant == StlVariant::Binary,
+                                                  r.bytes,
+                                                  r.announced.value_or(std::uint64_t(-1)),
+                                                  r.found,
+                                                  r.read,
+                                                  r.incomplete,
+                                                  r.notFinite,
+                                                  r.degenerate,
+                                                  r.bytesLeft,
+                                                  r.findingCount,
+                                                  r.findings.size(),
+                                                  r.guesses,
+                                                  r.drops,
+                                                  r.solidCount,
+                                                  r.solids.size(),
+                                                  1,
+                                                  r.mesh->vertices,
+                                                  r.mesh->edges,
+                                                  r.mesh->openEdges,
+                                                  r.mesh->crowdedEdges,
+                                                  r.mesh->reversedEdges,
+                                                  r.mesh->duplicateTriangles,
+                                                  r.mesh->shells,
+                                                  r.mesh->isClosed};
+        const auto number = [&](std::int32_t which, std::int64_t index) {
+            return static_cast<std::uint64_t>(Get<std::int64_t>(brix_stl_number_of, stl.get(), which, index));
+        };
+        const auto text = [&](std::int32_t which, std::int64_t index) {
+            return TextOf(Get<brix_bytes*>(brix_stl_text_of, stl.get(), which, index));
+        };
+        for (std::size_t i = 0; i < expected.size(); ++i)
+            EXPECT_EQ(number(static_cast<std::int32_t>(i), -9), expected[i]) << i << file;
+        for (std::int64_t i = 0; i < std::ssize(r.findings); ++i) {
+            const StlFinding& finding = r.findings[static_cast<std::size_t>(i)];
+            EXPECT_EQ(number(BRIX_STL_FINDING_PLACE, i), finding.place);
+            EXPECT_EQ(number(BRIX_STL_FINDING_EFFECT, i), static_cast<std::uint64_t>(finding.effect));
+            EXPECT_EQ(text(BRIX_STL_FINDING_SENTENCE, i), finding.sentence);
+        }
+        for (std::int64_t i = 0; i < std::ssize(r.solids); ++i) {
+            EXPECT_EQ(number(BRIX_STL_SOLID_TRIANGLES, i), r.solids[static_cast<std::size_t>(i)].triangles);
+            EXPECT_EQ(text(BRIX_STL_SOLID_NAME, i), r.solids[static_cast<std::size_t>(i)].name);
+        }
+        EXPECT_EQ(text(BRIX_STL_HEADER, 0), r.header);
+        EXPECT_EQ(text(BRIX_STL_UNIT_REASON, 0).substr(0, 3), "Its");
+        EXPECT_EQ(text(BRIX_STL_UNIT, 0), "");
+
+        std::array<double, 3> lower, upper;
+        double volume = 0;
+        ASSERT_EQ(brix_stl_bounds(stl.get(), lower.data(), upper.data(), &volume, nullptr), BRIX_OK);
+        EXPECT_EQ(std::tie(lower, upper, volume), std::tie(r.mesh->lower, r.mesh->upper, r.mesh->signedVolume));
+
+        const auto list = Get<brix_list*>(brix_stl_triangles, stl.get());
+        EXPECT_EQ(ItemsOf<9>(list), Mapped(import.triangles, [](const WorldTriangle& triangle) {
+                      return std::bit_cast<std::array<double, 9>>(triangle);
+                  }));
+
+        brix_bytes* none = nullptr;
+        EXPECT_EQ(FailureOf(brix_stl_text_of, stl.get(), BRIX_STL_SOLID_NAME, std::int64_t{7}, &none).message,
+                  "The index of a listed solid must lie between 0 and " + std::to_string(std::ssize(r.solids) - 1) +
+                      ". The value encountered was 7.");
+        EXPECT_EQ(FailureOf(brix_stl_text_of, stl.get(), 5, std::int64_t{0}, &none).message,
+                  "There is no text of an STL file with the number 5.");
+    }
+    brix_stl* none = nullptr;
+    const std::string path = "no such folder/no such file.stl";
+    EXPECT_EQ(FailureOf(brix_read_stl, path.data(), std::ssize(path), 0, 0, 0, std::int64_t{1}, &none).message,
+              "Failed to open STL file \"" + path + "\".");
+    EXPECT_EQ(FailureOf(brix_read_stl_bytes, nullptr, std::int64_t{0}, 0, 0, 0, std::int64_t{-1}, &none).message,
+              "The number of findings to be listed cannot be negative. The value encountered was -1.");
 }
 
 TEST_F(CInterface, ReportsExhaustedMemoryAndLosesNothing)

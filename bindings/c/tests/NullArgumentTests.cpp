@@ -21,7 +21,7 @@ using brix::tests::Free;
 
 // An object of each type, or a place for a result of it.
 using Objects = std::tuple<brix_axes*, brix_extents*, brix_model*, brix_models*, brix_iterator*, brix_list*, brix_mesh*,
-                           brix_rows*, brix_path_model*, brix_distance_field*, brix_path*, brix_bytes*, brix_watch*>;
+                           brix_rows*, brix_path_model*, brix_distance_field*, brix_path*, brix_bytes*, brix_stl*, brix_watch*>;
 
 class NullArguments : public ::testing::Test
 {
@@ -31,7 +31,7 @@ protected:
     {
         const double floor[9] = {0, 0, 0, 3, 0, 0, 0, 3, 0};
         brix_error* const error = nullptr;
-        auto& [axes, extents, model, models, iterator, list, mesh, rows, pathModel, field, path, bytes, watch] = objects_;
+        auto& [axes, extents, model, models, iterator, list, mesh, rows, pathModel, field, path, bytes, stl, watch] = objects_;
         EXPECT_EQ(brix_axes_create(1, numbers_.data(), 0, 1, &axes, error), BRIX_OK);
         EXPECT_EQ(brix_detect_triangle_extents(axes, floor, 1, &extents, error), BRIX_OK);
         EXPECT_EQ(brix_model_from_triangles(floor, 1, extents, 1, &model, error), BRIX_OK);
@@ -44,6 +44,10 @@ protected:
         EXPECT_EQ(brix_distance_field_create(pathModel, point_.data(), 1, 1e3, &field, error), BRIX_OK);
         EXPECT_EQ(brix_path_create(field, point_.data(), &path, error), BRIX_OK);
         EXPECT_EQ(brix_save_model(model, &bytes, error), BRIX_OK);
+        const std::string_view file = "solid s\nodd\nendsolid s\nsolid t\nodd\n";
+        EXPECT_EQ(
+            brix_read_stl_bytes(reinterpret_cast<const std::uint8_t*>(file.data()), std::ssize(file), 0, 0, 1, 9, &stl, error),
+            BRIX_OK);
         watch = nullptr; // a new one for each call, which ends it
     }
 

@@ -87,6 +87,47 @@ public class GeometryTests
     }
 
     [Fact]
+    public void StlFilesComeWithAReport()
+    {
+        using var stream = new MemoryStream();
+        TrianglesAsNineNumbersCLI.ExportToSTL(TwoTriangles, stream, true, false);
+        byte[] whole = stream.ToArray();
+        "solid of them"u8.CopyTo(whole); // binary all the same
+        using var import = new StlImportCLI(whole, false);
+        Assert.Equal(TwoTriangles, import.Triangles());
+        Assert.Equal("solid of them", import.Header());
+        Assert.Equal([0L, 1, 184, 2, 2, 2], new[] { StlNumberCLI.IsSound, StlNumberCLI.IsBinary, StlNumberCLI.Bytes,
+            StlNumberCLI.Announced, StlNumberCLI.Found, StlNumberCLI.Read }.Select(import.Number));
+        Assert.Equal([], import.Findings());
+        Assert.Equal(6, import.Number(StlNumberCLI.OpenEdges));
+        Assert.Equal(2, import.Number(StlNumberCLI.Shells));
+        List<double> bounds = import.Bounds();
+        for (int i = 0; i < 6; ++i) {
+            IEnumerable<double> along = TwoTriangles.Where((_, index) => index % 3 == i % 3);
+            Assert.Equal(i < 3 ? along.Min() : along.Max(), bounds[i]);
+        }
+
+        string path = Path.GetTempFileName();
+        File.WriteAllText(path, "SOLID caf\u00e9\r\nOUTER LOOP\rvertex 0 0 0\rvertex 1,5 0 0\rvertex 0 1 0\rENDLOOP\n" +
+            "outer loop\n");
+        using var text = new StlImportCLI(path, true, dropDegenerate: true, countSurface: false, mostListed: 2);
+        Assert.Equal([0, 0, 0, 1.5, 0, 0, 0, -0.0, 1], text.Triangles());
+        Assert.Equal(["caf\u00e9"], text.SolidNames());
+        Assert.Equal([3, 1, 1, -1, 0], new[] { StlNumberCLI.Findings, StlNumberCLI.Guesses, StlNumberCLI.Drops,
+            StlNumberCLI.Announced, StlNumberCLI.HasSurface }.Select(import => text.Number(import)));
+        Assert.Equal(["Line 4 of \"" + path + "\": \"1,5\" was read as a number with a decimal comma.",
+            "Line 8 of \"" + path + "\": the file ends within a loop; its triangle was left out."], text.Findings());
+        Assert.Equal(0, text.SignedVolume());
+        Assert.Equal("", text.UnitGuess() + text.UnitReason());
+        File.Delete(path);
+
+        var rest = new MemoryStream(whole) { Position = 184 };
+        Assert.Equal("The file \"data\" is no STL file: it is empty.", MessageOf(() => new StlImportCLI(rest, false)));
+        Assert.Equal("The file \"data\" is no STL file: it is empty.", MessageOf(() => new StlImportCLI(new byte[0], false)));
+        Assert.Equal("There is no number of an STL file with the number 25.", MessageOf(() => import.Number((StlNumberCLI)25)));
+    }
+
+    [Fact]
     public void PathsAreNarrowedAndMessagesNameThem()
     {
         string folder = Directory.CreateTempSubdirectory().FullName;

@@ -50,6 +50,8 @@ public class HostileTests
         [typeof(List<double>)] = [Triangles([(1, 1, 1)]), null, new List<double>(), new List<double> { 1, 2 },
             Enumerable.Repeat(double.NaN, 9).ToList(), Enumerable.Repeat(double.PositiveInfinity, 18).ToList(),
             Enumerable.Repeat(1e308, 9).ToList(), new List<double> { 0, 0, 0 }, Enumerable.Repeat(-1e19, 10).ToList()],
+        [typeof(StlImportCLI)] = [new StlImportCLI(new byte[84], false), Disposed(new StlImportCLI(new byte[84], false))],
+        [typeof(StlNumberCLI)] = [StlNumberCLI.Read, (StlNumberCLI)(-1), (StlNumberCLI)25, (StlNumberCLI)int.MaxValue],
         [typeof(AxesCLI)] = [GoodAxes, null, DisposedAxes,
             .. from spacing in new[] { 0, double.NaN, 1e-300, double.PositiveInfinity }
             select new AxesCLI(spacing, Origin, double.NegativeInfinity, 5)],

@@ -64,7 +64,8 @@ public class InterfaceTests
     [InlineData(typeof(VoxelModelCLI), "voxelModelPtr_")]
     [InlineData(typeof(VoxelIteratorCLI), "voxelIterPtr_"), InlineData(typeof(SliceIteratorCLI), "voxelIterPtr_")]
     [InlineData(typeof(TriangleMeshCLI), "triangleMeshPtr_"), InlineData(typeof(PathModelCLI), "pathModelPtr_")]
-    [InlineData(typeof(DistanceFieldCLI), "distanceFieldPtr_"), InlineData(typeof(PathCLI), "pathPtr_")]
+    [InlineData(typeof(DistanceFieldCLI), "distanceFieldPtr_"), InlineData(typeof(PathCLI), "pathPtr_"),
+     InlineData(typeof(StlImportCLI), "stlPtr_")]
     public void EachWrapperOwnsOnePointer(Type type, string field)
     {
         Assert.Equal([field], type.GetFields(Declared).Where(item => item.FieldType == typeof(IntPtr)).Select(item => item.Name));

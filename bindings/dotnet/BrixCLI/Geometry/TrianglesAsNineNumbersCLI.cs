@@ -156,7 +156,7 @@ public static unsafe class TrianglesAsNineNumbersCLI
         ": only the low byte of each character reaches the system, and 0 ends a path.");
 
     // The low bytes of the code units; one more byte, so that there is an address also for an empty path.
-    private static byte[] Narrowed(string filePath)
+    internal static byte[] Narrowed(string filePath)
     {
         var bytes = new byte[Arguments.Required(filePath, nameof(filePath)).Length + 1];
         for (int i = 0; i < filePath.Length; ++i) {

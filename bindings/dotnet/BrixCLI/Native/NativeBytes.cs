@@ -1,5 +1,6 @@
 using System;
 using System.IO;
+using System.Text;
 
 namespace BrixCLI;
 
@@ -24,6 +25,14 @@ internal static unsafe class NativeBytes
         } finally {
             NativeMethods.brix_bytes_free(native);
         }
+    }
+
+    // Native bytes that are text, which are freed.
+    internal static string TakeText(IntPtr native)
+    {
+        using var text = new MemoryStream();
+        WriteTo(text, "The text", native);
+        return Encoding.UTF8.GetString(text.GetBuffer(), 0, (int)text.Length);
     }
 
     // The rest of a stream.

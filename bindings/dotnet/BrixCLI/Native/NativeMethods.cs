@@ -172,6 +172,32 @@ internal static unsafe class NativeMethods
     internal static extern int brix_detect_triangle_extents(IntPtr axes, double* triangles, long triangleCount, IntPtr* result,
         NativeError* error);
 
+    // ---- STL files as they are found (brix/triangles/StlReader.h, MeshReport.h) ----
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_read_stl(byte* path, long pathLength, int swapYZ, int dropDegenerate, int countMesh,
+        long mostListed, IntPtr* result, NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_read_stl_bytes(byte* bytes, long byteCount, int swapYZ, int dropDegenerate, int countMesh,
+        long mostListed, IntPtr* result, NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern void brix_stl_free(IntPtr stl);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_stl_triangles(IntPtr stl, IntPtr* result, NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_stl_number_of(IntPtr stl, int number, long index, long* result, NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_stl_text_of(IntPtr stl, int text, long index, IntPtr* result, NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_stl_bounds(IntPtr stl, double* lower, double* upper, double* signedVolume,
+        NativeError* error);
+
     // ---- Indexed meshes (brix/triangles/TriangleMesh.h) ----
 
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
