@@ -84,7 +84,8 @@ struct StlImport
 /// and ends of lines that begin with #, ; or // are comments. Several solids, a missing endsolid, endloop or last line break are
 /// read.
 /// A corner must have three numbers, in the "C" locale, and a loop three corners; else the triangle is left out. Digits on both
-/// sides of one comma (1,5) are read as a number with a decimal comma, and told as a guess. Normals are not looked at.
+/// sides of one comma (1,5) are read as a number with a decimal comma, and told as a guess. Normals are not used,
+/// but have to be three numbers.
 /// Binary: the triangles that are announced, or as many whole ones as there are. Where more bytes follow, they are read as
 /// triangles if the announced number is 0, or if the bytes make whole triangles; that is told as a guess. Else they are left.
 /// Triangles with coordinates that are not finite are left out, each with a finding; those without area are counted only.

@@ -34,12 +34,6 @@ bool IsKeyword(std::string_view word)
     return false;
 }
 
-/// Whether there is a letter that numbers have not: all words of the format have one.
-bool HasWords(std::string_view text)
-{
-    return std::any_of(text.begin(), text.end(), [](char c) { return (c | 0x20) > 'e' || c == '#' || c == ';' || c == '/'; });
-}
-
 std::string_view NextWord(std::string_view text) { return TakeToken(text); }
 
 std::string_view WithoutBlanks(std::string_view text)
@@ -181,7 +175,7 @@ private:
         if (Is(word, "outer")) return BeginLoop(line);
         if (Is(word, "endloop")) return EndLoop();
         if (Is(word, "facet")) return BeginFacet(line);
-        if (Is(word, "endfacet")) return EndOpenLoop();
+        if (Is(word, "endfacet")) return EndFacet();
         if (Is(word, "solid")) return BeginSolid(line);
         if (Is(word, "endsolid")) return EndSolid(line);
         Find(StlEffect::None, [&] { return Quoted(word) + " is no entry of an STL file; the rest of the line was not read."; });
@@ -190,10 +184,13 @@ private:
 
     void BeginSolid(std::string_view& line)
     {
-        EndOpenLoop();
+        EndFacet();
         if (isInSolid_) Find(StlEffect::None, [] { return std::string("a solid begins before the one above ended."); });
         const std::string_view facet = FacetIn(line);
-        AddSolid(WithoutBlanks(line.substr(0, line.size() - facet.size())));
+        const std::string_view name = WithoutBlanks(line.substr(0, line.size() - facet.size()));
+        if (name.find('\0') != std::string_view::npos)
+            Find(StlEffect::None, [] { return std::string("the name of a solid holds a zero byte."); });
+        AddSolid(name);
         line = facet;
     }
 
@@ -209,7 +206,7 @@ private:
     // Where a whole file stands on one line, the next solid follows.
     void EndSolid(std::string_view& line)
     {
-        EndOpenLoop();
+        EndFacet();
         isInSolid_ = false;
         const std::string_view facet = FacetIn(line);
         const std::string_view whole = line;
@@ -222,14 +219,43 @@ private:
         }
     }
 
-    // The normal is not looked at; a line of its own nearly always.
     void BeginFacet(std::string_view& line)
     {
         EndOpenLoop();
         RequireSolid();
-        if (Is(NextWord(line), "normal")) TakeToken(line);
-        if (!HasWords(line)) line = {};
+        if (isInFacet_) Find(StlEffect::None, [] { return std::string("a facet lacks its endfacet."); });
+        isInFacet_ = true;
+        if (!TakeNormal(line))
+            Find(StlEffect::None, [] { return std::string("the normal of a facet is not three numbers; it is not needed."); });
+    }
+
+    static bool TakeNormal(std::string_view& line)
+    {
+        std::string_view plain = line;
+        Point unused;
+        const bool isNormal = Is(TakeToken(plain), "normal");
+        std::string_view words = plain;
+        if (isNormal && TakePlainPoint(plain, unused)) return line = plain, true;
+        if (isNormal && TakeWordsOfPoint(words)) return line = words, true;
         while (!line.empty() && !IsKeyword(NextWord(line)) && !BeginsComment(NextWord(line))) TakeToken(line);
+        return false;
+    }
+
+    // Three numbers that may be not finite, as normals of triangles without area are.
+    static bool TakeWordsOfPoint(std::string_view& text)
+    {
+        double number = 0;
+        for (int i = 0; i < 3; ++i) {
+            const Reading reading = ReadWord(TakeToken(text), number);
+            if (reading != Reading::AsNumber && reading != Reading::AsNotFinite) return false;
+        }
+        return true;
+    }
+
+    void EndFacet()
+    {
+        EndOpenLoop();
+        isInFacet_ = false;
     }
 
     void RequireSolid()
@@ -243,6 +269,7 @@ private:
     {
         EndOpenLoop();
         RequireSolid();
+        if (!isInFacet_) Find(StlEffect::None, [] { return std::string("a loop stands outside of a facet."); });
         if (Is(NextWord(line), "loop")) TakeToken(line);
         isInLoop_ = true;
         isDamaged_ = false;
@@ -341,6 +368,7 @@ private:
     std::uint64_t loopLine_ = 0;
     bool isInSolid_ = false;
     bool isListed_ = false; // the solid
+    bool isInFacet_ = false;
     bool isInLoop_ = false;
     bool isDamaged_ = false;
     bool hasLineBreak_ = false; // after the last vertex

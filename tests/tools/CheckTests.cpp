@@ -24,7 +24,8 @@ TEST_F(Program, ChecksFilesAndEndsWithWhatItFound)
     Write("box.stl", box);
     Write("cut.stl", box.substr(0, 600));
     Write("open.stl", std::string(box).replace(80, 1, "\x0b").substr(0, 634));
-    Write("text.stl", "solid a\nouter loop\nvertex 0 0 0\nvertex 1,5 0 0\nvertex 0 x 0\nendloop\nendsolid a\n");
+    Write("text.stl",
+          "solid a\nfacet normal 0 0 1 outer loop\nvertex 0 0 0\nvertex 1,5 0 0\nvertex 0 x 0\nendloop\nendsolid a\n");
     Write("none.stl", "v 1 2 3\n");
 
     const Outcome sound = Run("check box.stl");

@@ -108,8 +108,8 @@ public class GeometryTests
         }
 
         string path = Path.GetTempFileName();
-        File.WriteAllText(path, "SOLID caf\u00e9\r\nOUTER LOOP\rvertex 0 0 0\rvertex 1,5 0 0\rvertex 0 1 0\rENDLOOP\n" +
-            "outer loop\n");
+        File.WriteAllText(path, "SOLID caf\u00e9\r\nFACET NORMAL 0 0 1 OUTER LOOP\rvertex 0 0 0\rvertex 1,5 0 0\r" +
+            "vertex 0 1 0\rENDLOOP\nendfacet facet normal 1 0 0 outer loop\n");
         using var text = new StlImportCLI(path, true, dropDegenerate: true, countSurface: false, mostListed: 2);
         Assert.Equal([0, 0, 0, 1.5, 0, 0, 0, -0.0, 1], text.Triangles());
         Assert.Equal(["caf\u00e9"], text.SolidNames());
