@@ -38,6 +38,16 @@ public:
 
     std::size_t Count() const { return vertices_.size(); }
 
+    void Bound(MeshReport& report) const
+    {
+        report.lower = report.upper = std::bit_cast<Point>(vertices_.front());
+        for (const PointBits& vertex : vertices_)
+            for (std::size_t axis = 0; axis < 3; ++axis) {
+                report.lower[axis] = std::min(report.lower[axis], std::bit_cast<double>(vertex[axis]));
+                report.upper[axis] = std::max(report.upper[axis], std::bit_cast<double>(vertex[axis]));
+            }
+    }
+
     // Three rounds of a multiplication that moves differences up, and a shift that moves them down.
     static std::uint64_t HashOf(const PointBits& point)
     {
@@ -66,7 +76,7 @@ public:
     }
 
 private:
-    static constexpr int recentShift = 64 - 12;
+    static constexpr int recentShift = 64 - 14;
 
     static std::uint32_t IndexIn(std::uint64_t slot) { return static_cast<std::uint32_t>(slot); }
 
@@ -115,36 +125,25 @@ PointBits BitsOf(const Point& p)
     return {bits(p[0]), bits(p[1]), bits(p[2])};
 }
 
-/// Six times the volume of the tetrahedron between a triangle and a point.
-double SixfoldVolume(const WorldTriangle& triangle, const Point& apex)
+/// Six times the volume of the prism between a triangle and the plane at a height. The prisms of a closed surface add up to what
+/// it encloses, as those of the far side take away what those of the near side have beyond.
+double SixfoldPrism(const WorldTriangle& triangle, double height)
 {
-    std::array<Point, 3> from;
-    for (std::size_t corner = 0; corner < 3; ++corner)
-        for (std::size_t axis = 0; axis < 3; ++axis) from[corner][axis] = triangle[corner][axis] - apex[axis];
-    const auto& [a, b, c] = from;
-    return Product(a[0], Product(b[1], c[2]) - Product(b[2], c[1])) + Product(a[1], Product(b[2], c[0]) - Product(b[0], c[2])) +
-           Product(a[2], Product(b[0], c[1]) - Product(b[1], c[0]));
-}
-
-void Include(MeshReport& report, const WorldTriangle& triangle)
-{
-    for (const Point& corner : triangle)
-        for (std::size_t axis = 0; axis < 3; ++axis) {
-            report.lower[axis] = std::min(report.lower[axis], corner[axis]);
-            report.upper[axis] = std::max(report.upper[axis], corner[axis]);
-        }
+    const auto& [a, b, c] = triangle;
+    const double twiceArea = Product(b[0] - a[0], c[1] - a[1]) - Product(c[0] - a[0], b[1] - a[1]);
+    return Product((a[2] - height) + (b[2] - height) + (c[2] - height), twiceArea);
 }
 
 constexpr std::size_t trianglesAtOnce = 32;
 
-/// One pass over all triangles: their vertices, bounds and volume.
+/// One pass over all triangles: their vertices, and the volume.
 std::vector<VertexTriple> Weld(std::span<const WorldTriangle> triangles, MeshReport& report)
 {
     std::vector<VertexTriple> indexed(triangles.size());
     VertexTable table(triangles.size());
     WatchedLoop loop(triangles.size());
     double sixfoldVolume = 0;
-    report.lower = report.upper = triangles.front().front();
+    const double height = triangles.front().front()[2];
     for (std::size_t first = 0; first < triangles.size(); first += trianglesAtOnce) {
         const std::size_t count = std::min(trianglesAtOnce, triangles.size() - first);
         std::array<std::array<PointBits, 3>, trianglesAtOnce> corners;
@@ -156,14 +155,14 @@ std::vector<VertexTriple> Weld(std::span<const WorldTriangle> triangles, MeshRep
                 indexed[first + i][corner] = table.Recent(corners[i][corner], hashes[i][corner]);
             }
         for (std::size_t i = 0; i < count; ++i) {
-            Include(report, triangles[first + i]);
-            sixfoldVolume += SixfoldVolume(triangles[first + i], triangles.front().front());
+            sixfoldVolume += SixfoldPrism(triangles[first + i], height);
             for (std::size_t corner = 0; corner < 3; ++corner)
                 if (std::uint32_t& index = indexed[first + i][corner]; index == VertexTable::none)
                     index = table.IndexOf(corners[i][corner], hashes[i][corner]);
         }
         loop.Step(count);
     }
+    table.Bound(report);
     report.vertices = table.Count();
     report.signedVolume = sixfoldVolume / 6;
     return indexed;

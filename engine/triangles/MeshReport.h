@@ -32,7 +32,7 @@ struct MeshReport
 /// Throws std::length_error when there are more than 715827882 triangles.
 /// Cost: linear in time (edges that many triangles share are sorted) and in memory.
 /// Source: vertices by a hash table; half-edges in buckets of their lower vertex, by a counting sort; shells by union-find
-/// (Tarjan, "Efficiency of a good but not linear set union algorithm", 1975); volume as the sum of tetrahedra.
+/// (Tarjan, "Efficiency of a good but not linear set union algorithm", 1975); volume as the sum of prisms.
 [[nodiscard]] MeshReport CountMesh(std::span<const WorldTriangle> triangles);
 
 /// The unit in which somebody may have measured, and why that is thought.
