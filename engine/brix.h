@@ -38,6 +38,7 @@
 
 #include "brix/storage/Murmur3.h"
 #include "brix/storage/SavedModel.h"
+#include "brix/storage/VoxelFiles.h"
 
 #include "brix/triangles/Triangle.h"
 #include "brix/triangles/TriangleMesh.h"

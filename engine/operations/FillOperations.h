@@ -34,8 +34,8 @@ namespace brix {
 /// filled. It is what is left of space when the model is grown by the cube, flooded from outside, and the flood grown back by
 /// the cube (morphological closing: Serra, "Image Analysis and Mathematical Morphology", 1982).
 /// Throws std::domain_error when the gap is negative, and what the Extents constructor throws when extents that are `gap` voxels
-/// longer at their lower sides leave the index space. Cost: for a gap of 1 two to four times that of FillEnclosedRegions; it grows
-/// with the logarithm of the gap.
+/// longer at their lower sides leave the index space. Cost: for a gap of 1 two to four times that of FillEnclosedRegions; it
+/// grows with the logarithm of the gap.
 [[nodiscard]] VoxelModel<bool> SealedFill(const VoxelModel<bool>& voxelModel, int gap);
 
 } // namespace brix

@@ -3,6 +3,7 @@
 #include "Memory.h"
 #include "Report.h"
 #include "TriangleFiles.h"
+#include "VoxelFiles.h"
 
 #include <brix/triangles/Solidization.h>
 #include <brix/triangles/Tessellation.h>
@@ -73,6 +74,7 @@ void Save(const std::string& step, const std::vector<WorldTriangle>& triangles, 
 
 void SaveVoxels(const VoxelModel<bool>& model, const LevelFile& output, const GridOptions& options, bool ascii)
 {
+    if (IsVoxelFile(output.filePath)) return SaveVoxelFile(model, output, options);
     const Stopwatch watch;
     const Tessellation tessellation(model, output.lod);
     RequireSpaceForTriangles(static_cast<double>(tessellation.TriangleCount()), 2, ascii, model, options);

@@ -31,8 +31,9 @@ struct LevelFile
 /// Reads "voxels.stl", which stands for the finest level, or "2=coarse.stl". Throws UsageError for a level that there is not.
 LevelFile ParseLevelFile(const std::string& text, std::int64_t finestLOD);
 
-/// Writes the voxels of a level as STL and tells what was written: boxes, or the rectangles of the surface alone. Throws
-/// std::runtime_error when that would take more memory or a larger file than the limits.
+/// Writes the voxels of a level and tells what was written: as boxes in STL, or in the format of another ending (VoxelFiles.h);
+/// or the rectangles of the surface alone, as STL. Throws std::runtime_error when that would take more memory or a larger file
+/// than the limits.
 void SaveVoxels(const VoxelModel<bool>& model, const LevelFile& output, const GridOptions& options, bool ascii);
 void SaveSurface(const VoxelModel<bool>& model, const LevelFile& output, const GridOptions& options, bool ascii);
 

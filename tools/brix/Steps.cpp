@@ -265,7 +265,7 @@ const std::vector<Step>& AllSteps()
          Replace(ReadVisibleInCone)},
         {"visible-in-pyramid", "X Y Z DX DY DZ WIDTH HEIGHT RADIUS THRESHOLD", "what a camera sees; angles in degrees",
          Replace(ReadVisibleInPyramid)},
-        {"write", "[LEVEL=]FILE", "write the voxels as STL", Write(SaveVoxels)},
+        {"write", "[LEVEL=]FILE", "write the voxels as STL, or as .brix, .npy, .nrrd or .json", Write(SaveVoxels)},
         {"write-surface", "[LEVEL=]FILE", "write the surface of the voxels as STL, in as few rectangles as it takes",
          Write(SaveSurface)},
         {"slice", "AXIS=POSITION FILE", "draw a slice as PNG, SVG or PDF", ReadSlice},

@@ -34,6 +34,7 @@ void AddCommands(CLI::App& program)
     AddInfoCommand(program);
     AddCheckCommand(program);
     AddVoxelizeCommand(program);
+    AddConvertCommand(program);
     AddRunCommand(program);
     AddSliceCommand(program);
     AddLeakCommand(program);

@@ -6,6 +6,7 @@
 namespace brix::tools {
 
 void AddCheckCommand(CLI::App& program);
+void AddConvertCommand(CLI::App& program);
 void AddInfoCommand(CLI::App& program);
 void AddLeakCommand(CLI::App& program);
 void AddRunCommand(CLI::App& program);

@@ -44,7 +44,7 @@ void AddVoxelizeCommand(CLI::App& program)
     AddGridOptions(command, options->grid);
     command
         .add_option("-o,--output", options->outputs,
-                    "STL file for the voxels of the finest level, or of the given one; repeatable")
+                    "STL file, or .brix, .npy, .nrrd, .json, for the voxels of the finest level, or of the given one; repeatable")
         ->required()
         ->allow_extra_args(false)
         ->type_name("[LEVEL=]OUT.stl");

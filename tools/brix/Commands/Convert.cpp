@@ -1,0 +1,77 @@
+// brix convert: voxels from one file into others, each in the format of its ending.
+#include "Commands.h"
+
+#include "../FilePlan.h"
+#include "../Memory.h"
+#include "../OutputFiles.h"
+#include "../Report.h"
+#include "../VoxelFiles.h"
+
+#include <brix/operations/BasicOperations.h>
+
+namespace brix::tools {
+namespace {
+
+struct Options
+{
+    GridOptions grid;
+    std::vector<std::filesystem::path> outputs;
+    std::int64_t lod = -1; // the finest one
+    bool ascii = false;
+};
+
+bool IsSavedModel(const std::filesystem::path& filePath) { return filePath.extension() == ".brix"; }
+
+VoxelModel<bool> Load(const Options& options)
+{
+    if (!IsSavedModel(options.grid.input)) return Voxelize(ReadInput(options.grid), options.grid);
+    HoldMemoryLimit(options.grid);
+    const Stopwatch watch;
+    VoxelModel<bool> model = LoadVoxelFile(options.grid.input);
+    const std::int64_t filled = CountFilled(model, model.FinestLOD());
+    PrintStep("read",
+              options.grid.input.string() + ": " + std::to_string(filled) + " voxels filled at level " +
+                  std::to_string(model.FinestLOD()) + " " + watch.Text(),
+              {{"file", options.grid.input.string()}, {"filled", filled}, {"level", model.FinestLOD()}});
+    return model;
+}
+
+void RunConvert(const Options& options)
+{
+    if (!IsSavedModel(options.grid.input)) RequireGrid(options.grid);
+    FilePlan files;
+    files.Read(options.grid.input);
+    for (const std::filesystem::path& output : options.outputs) files.Write(output);
+    const VoxelModel<bool> model = Load(options);
+    const std::int64_t lod = options.lod < 0 ? model.FinestLOD() : options.lod;
+    if (lod > model.FinestLOD())
+        throw UsageError("The level " + std::to_string(lod) + " is not among the levels 0.." + std::to_string(model.FinestLOD()) +
+                         " of the model.");
+    for (const std::filesystem::path& output : options.outputs) SaveVoxels(model, {lod, output}, options.grid, options.ascii);
+}
+
+} // namespace
+
+void AddConvertCommand(CLI::App& program)
+{
+    const auto options = std::make_shared<Options>();
+    CLI::App& command = *program.add_subcommand("convert", "Write the voxels of an STL file or a saved model in other formats");
+    AddGridOptions(command, options->grid);
+    command.add_option("output", options->outputs, "Files to write: .brix, .npy, .nrrd, .json, or .stl")
+        ->required()
+        ->type_name("OUT...");
+    command.add_option("--level", options->lod, "Level to write [the finest]")->check(CLI::Range(0, 5));
+    command.add_flag("--ascii", options->ascii, "Write ASCII (six digits) instead of binary STL");
+    command.footer("  .brix   the model with all its levels, which brix convert reads again\n"
+                   "  .npy    NumPy array of bytes, [z, y, x]\n"
+                   "  .nrrd   the same as a volume with its place in the world\n"
+                   "  .json   boxes that cover the filled voxels, by inclusive voxel indices\n"
+                   "  .stl    boxes of triangles\n"
+                   "A saved model has its own voxels, an STL file needs --voxel or the like.\n"
+                   "Examples:\n"
+                   "  brix convert house.stl house.brix house.npy --voxel 0.1\n"
+                   "  brix convert house.brix coarse.nrrd --level 2");
+    command.callback([options] { RunConvert(*options); });
+}
+
+} // namespace brix::tools
