@@ -8,6 +8,7 @@
 #include "triangles/StlReader.h"
 
 #include <cmath>
+#include <numbers>
 #include <unordered_map>
 
 namespace brix::benchmarks {
@@ -22,8 +23,8 @@ Triangles Torus()
     constexpr int across = 500;
     const auto narrowed = [](double number) { return static_cast<double>(static_cast<float>(number)); };
     const auto point = [&](int i, int j) {
-        const double u = 2 * M_PI * (i % around) / around;
-        const double v = 2 * M_PI * (j % across) / across;
+        const double u = 2 * std::numbers::pi * (i % around) / around;
+        const double v = 2 * std::numbers::pi * (j % across) / across;
         const double radius = 100 + 30 * std::cos(v);
         return Point{narrowed(radius * std::cos(u)), narrowed(radius * std::sin(u)), narrowed(30 * std::sin(v))};
     };

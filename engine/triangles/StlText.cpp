@@ -131,6 +131,13 @@ bool TakePlainPoint(std::string_view& text, Point& point)
     return true;
 }
 
+/// Takes a number that white space ends, without its value.
+bool SkipNumber(std::string_view& text)
+{
+    const Decimal decimal = TakeDecimal(text);
+    return decimal.digitCount > 0 && !decimal.lacksExponentDigits && (text.empty() || IsWhiteSpace(text.front()));
+}
+
 /// The part of a line from where a facet begins, if one begins on it.
 std::string_view FacetIn(std::string_view line)
 {
@@ -162,7 +169,7 @@ public:
 private:
     void ReadLine(std::string_view line)
     {
-        while (true) {
+        while (!line.empty()) {
             const std::string_view word = TakeToken(line);
             if (word.empty() || BeginsComment(word)) return;
             ReadEntry(word, line);
@@ -232,10 +239,9 @@ private:
     static bool TakeNormal(std::string_view& line)
     {
         std::string_view plain = line;
-        Point unused;
         const bool isNormal = Is(TakeToken(plain), "normal");
         std::string_view words = plain;
-        if (isNormal && TakePlainPoint(plain, unused)) return line = plain, true;
+        if (isNormal && SkipNumber(plain) && SkipNumber(plain) && SkipNumber(plain)) return line = plain, true;
         if (isNormal && TakeWordsOfPoint(words)) return line = words, true;
         while (!line.empty() && !IsKeyword(NextWord(line)) && !BeginsComment(NextWord(line))) TakeToken(line);
         return false;
@@ -270,7 +276,8 @@ private:
         EndOpenLoop();
         RequireSolid();
         if (!isInFacet_) Find(StlEffect::None, [] { return std::string("a loop stands outside of a facet."); });
-        if (Is(NextWord(line), "loop")) TakeToken(line);
+        std::string_view rest = line;
+        if (Is(TakeToken(rest), "loop")) line = rest;
         isInLoop_ = true;
         isDamaged_ = false;
         cornerCount_ = 0;
