@@ -343,7 +343,7 @@ TEST(ReadStl, RefusesWhatIsNoStl)
         {"\xff\xfes\0o\0l\0i\0d\0"s + std::string(100, '\0'), "it is text in UTF-16, or something else."},
     };
     for (const auto& [content, reason] : cases)
-        EXPECT_EQ(tests::MessageOf<std::runtime_error>([&] { return ReadStl(folder.With(content)); }),
+        EXPECT_EQ(tests::MessageOf<std::runtime_error>([&, &file = content] { return ReadStl(folder.With(file)); }),
                   "The file \"" + (folder.path / "file.stl").string() + "\" is no STL file: " + reason);
     EXPECT_EQ(tests::MessageOf<std::runtime_error>([&] { return ReadStl(folder.path / "none"); }),
               "Failed to open STL file \"" + (folder.path / "none").string() + "\".");
