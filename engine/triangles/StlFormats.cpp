@@ -179,6 +179,13 @@ void RequireNoNull(const std::filesystem::path& filePath)
         throw StlFailure("Failed to open STL file ", filePath, ", as a file path cannot hold a null character.");
 }
 
+void RequireNoDevice(const std::filesystem::path& filePath)
+{
+    std::error_code error;
+    if (std::filesystem::is_character_file(filePath, error))
+        throw StlFailure("Failed to open STL file ", filePath, ", as it is a device, which may never end.");
+}
+
 bool IsAsciiStl(ByteReader& file, const std::filesystem::path& filePath)
 {
     if (!file.Holds(5))

@@ -22,6 +22,9 @@ std::runtime_error StlFailure(std::string_view sentenceStart, const std::filesys
 /// Throws when a path holds a null character: to the system it would end there, and be that of another file.
 void RequireNoNull(const std::filesystem::path& filePath);
 
+/// Throws when a path is that of a device of characters: what has no size is held whole, and some devices never end.
+void RequireNoDevice(const std::filesystem::path& filePath);
+
 /// Whether the file, of which nothing has been taken yet, is in the ASCII variant. Throws when it has fewer than five bytes.
 bool IsAsciiStl(ByteReader& file, const std::filesystem::path& filePath);
 

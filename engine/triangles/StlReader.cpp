@@ -197,6 +197,7 @@ bool StlReport::IsSound() const { return findingCount == 0 && degenerate == 0 &&
 StlImport ReadStl(const std::filesystem::path& filePath, const StlReadOptions& options)
 {
     RequireNoNull(filePath);
+    RequireNoDevice(filePath);
     std::ifstream file;
     file.imbue(std::locale::classic());
     file.open(filePath, std::ios::in | std::ios::binary);

@@ -84,15 +84,15 @@ struct StlImport
 /// and ends of lines that begin with #, ; or // are comments. Several solids, a missing endsolid, endloop or last line break are
 /// read.
 /// A corner must have three numbers, in the "C" locale, and a loop three corners; else the triangle is left out. Digits on both
-/// sides of one comma (1,5) are read as a number with a decimal comma, and told as a guess. Normals are not used,
-/// but have to be three numbers.
+/// sides of one comma (1,5) are read as a number with a decimal comma, and told as a guess. Normals are not used; where one is
+/// not three numbers, that is told.
 /// Binary: the triangles that are announced, or as many whole ones as there are. Where more bytes follow, they are read as
 /// triangles if the announced number is 0, or if the bytes make whole triangles; that is told as a guess. Else they are left.
 /// Triangles with coordinates that are not finite are left out, each with a finding; those without area are counted only.
 ///
-/// Throws std::runtime_error, naming the file: its path holds a null character; it cannot be opened; nothing can be read from it;
-/// it is empty; it is too short for a binary file, and no text that begins as STL does; it is text of another kind, or begins
-/// with the signature of another format; and what CountMesh throws.
+/// Throws std::runtime_error, naming the file: its path holds a null character; it is a device; it cannot be opened; nothing can
+/// be read from it; it is empty; it is too short for a binary file, and no text that begins as STL does; it is text of another
+/// kind, or begins with the signature of another format; and what CountMesh throws.
 /// Cost: linear. Memory follows what the file holds, not what it announces; a file with CR line ends, and what comes from a pipe
 /// or a stream whose size is not known, is held whole while it is read.
 [[nodiscard]] StlImport ReadStl(const std::filesystem::path& filePath, const StlReadOptions& options = {});

@@ -351,6 +351,13 @@ TEST(ReadStl, RefusesWhatIsNoStl)
               "Failed to open STL file \"a\\x00b\", as a file path cannot hold a null character.");
 }
 
+TEST(ReadStl, RefusesDevicesThatNeverEnd)
+{
+    if (!std::filesystem::is_character_file("/dev/zero")) GTEST_SKIP() << "This system has no device that never ends.";
+    EXPECT_EQ(tests::MessageOf<std::runtime_error>([] { return ReadStl("/dev/zero"); }),
+              "Failed to open STL file \"/dev/zero\", as it is a device, which may never end.");
+}
+
 TEST(ReadStl, TellsThatADeviceFailed)
 {
     std::string facets;

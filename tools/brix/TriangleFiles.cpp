@@ -40,6 +40,7 @@ std::string SentenceOf(const StlReport& report)
 StlImport LoadStl(const std::filesystem::path& input, const StlReadOptions& options)
 {
     if (input == "-") return Load(*std::cin.rdbuf(), "standard input", options);
+    RequireNoDevice(input);
     std::filebuf file;
     if (file.open(input, std::ios::in | std::ios::binary) == nullptr)
         throw std::runtime_error("Failed to open STL file " + Quoted(input) + ": " + SystemReason(errno) + ".");
