@@ -43,6 +43,7 @@ set(BRIX_INTERNAL_HEADERS
     triangles/StlIntake.h
     triangles/StlRecord.h
     triangles/StlText.h
+    triangles/SurfaceShapes.h
     triangles/TextNumbers.h
     triangles/TriangleConditions.h
     triangles/TrianglePieces.h

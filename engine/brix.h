@@ -50,6 +50,7 @@
 
 #include "brix/triangles/Cuboidization.h"
 #include "brix/triangles/Solidization.h"
+#include "brix/triangles/SurfaceMesh.h"
 #include "brix/triangles/Tessellation.h"
 #include "brix/triangles/Voxelization.h"
 #include "brix/triangles/VoxelizationEstimate.h"

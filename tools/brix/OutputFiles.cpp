@@ -6,6 +6,7 @@
 #include "VoxelFiles.h"
 
 #include <brix/triangles/Solidization.h>
+#include <brix/triangles/SurfaceMesh.h>
 #include <brix/triangles/Tessellation.h>
 
 #include <algorithm>
@@ -97,6 +98,39 @@ void SaveSurface(const VoxelModel<bool>& model, const LevelFile& output, const G
         triangles.push_back({a, c, d});
     }
     Save("write-surface", triangles, output, options, ascii, watch);
+}
+
+namespace {
+
+// Exact: the rectangles of the surface are made of the faces that a mesh has.
+double CountFaces(const VoxelModel<bool>& model, std::int64_t lod)
+{
+    double count = 0;
+    for (const VoxelRectangle& rectangle : SolidizeVoxelModel(model, lod)) {
+        const Triple size = Minus(rectangle.upper, rectangle.lower);
+        double area = 1;
+        for (const std::int64_t length : size) area *= static_cast<double>(std::max<std::int64_t>(length, 1));
+        count += area;
+    }
+    return count;
+}
+
+} // namespace
+
+void SaveMesh(const VoxelModel<bool>& model, const LevelFile& output, std::optional<int> smoothingSteps,
+              const GridOptions& options, bool ascii)
+{
+    const Stopwatch watch;
+    SurfaceMeshOptions meshOptions;
+    if (smoothingSteps) meshOptions = {SurfaceStyle::Smooth, *smoothingSteps};
+    // A face has two triangles, and two vertices at most on a surface without many loose voxels.
+    constexpr double bytesPerTriangle = 2 * sizeof(std::array<std::uint32_t, 3>) + 3 * sizeof(std::array<double, 3>);
+    RequireSpaceForTriangles(2 * CountFaces(model, output.lod), bytesPerTriangle, ascii, model, options);
+    const IndexedMesh mesh = SurfaceMesh(model, output.lod, meshOptions);
+    std::vector<WorldTriangle> triangles;
+    triangles.reserve(mesh.triangles.size());
+    for (const auto& [a, b, c] : mesh.triangles) triangles.push_back({mesh.vertices[a], mesh.vertices[b], mesh.vertices[c]});
+    Save(smoothingSteps ? "write-smooth-mesh" : "write-mesh", triangles, output, options, ascii, watch);
 }
 
 } // namespace brix::tools

@@ -4,6 +4,7 @@
 #include "Grid.h"
 #include "SlicePicture.h"
 
+#include <optional>
 #include <string>
 
 namespace brix::tools {
@@ -36,5 +37,9 @@ LevelFile ParseLevelFile(const std::string& text, std::int64_t finestLOD);
 /// than the limits.
 void SaveVoxels(const VoxelModel<bool>& model, const LevelFile& output, const GridOptions& options, bool ascii);
 void SaveSurface(const VoxelModel<bool>& model, const LevelFile& output, const GridOptions& options, bool ascii);
+
+/// Writes the voxels of a level as one closed surface, as STL: blocky, or smoothed by a number of steps. Throws as those above.
+void SaveMesh(const VoxelModel<bool>& model, const LevelFile& output, std::optional<int> smoothingSteps,
+              const GridOptions& options, bool ascii);
 
 } // namespace brix::tools
