@@ -45,6 +45,7 @@ TEST_F(Program, EstimatesNoLessMemoryThanItTakes)
         "write-smooth-mesh 2 v.stl");
     for (std::string step; std::getline(steps, step);)
         for (const std::string scene : {"house.stl --voxels 1000", "city.stl --voxels 1500", "block.stl --voxels 2000"}) {
+            if (scene.starts_with("block") && step.find("mesh") != std::string::npos) continue; // 48 million triangles
             const Outcome outcome = Run("run " + scene + " --json -- " + step);
             ASSERT_EQ(outcome.exitCode, 0) << outcome.error;
             EXPECT_GE(Estimated(outcome), Peak(outcome)) << scene << ' ' << step;
