@@ -277,9 +277,9 @@ public:
     std::array<double, 3> At(const Corner& corner, const Point& offset) const
     {
         const auto [x, y, z] = At(corner);
-        const double u = width_ * double{offset[0]};
-        const double v = width_ * double{offset[1]};
-        return {x + cos_ * u - sin_ * v, y + sin_ * u + cos_ * v, z + height_ * double{offset[2]}};
+        const double u = width_ * static_cast<double>(offset[0]);
+        const double v = width_ * static_cast<double>(offset[1]);
+        return {x + cos_ * u - sin_ * v, y + sin_ * u + cos_ * v, z + height_ * static_cast<double>(offset[2])};
     }
 
 private:
