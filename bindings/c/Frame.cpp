@@ -67,6 +67,32 @@ std::int32_t brix_axes_voxel_center(const brix_axes* axes, const std::int64_t* v
     });
 }
 
+std::int32_t brix_axes_containing_voxels(const brix_axes* axes, const double* points, std::int64_t point_count,
+                                         std::int64_t voxel_lod, std::int64_t* result, brix_error* error)
+{
+    return Guarded(error, {axes}, [&] {
+        RequireItems(points, point_count, 3, "points");
+        RequireItems(result, point_count, 3, "points");
+        const Axes& frame = axes->axes;
+        WatchedLoop loop(static_cast<std::size_t>(point_count));
+        for (std::int64_t i = 0; i < 3 * point_count; i += 3, loop.Step())
+            CopyThree(frame.ContainingVoxel(frame.FromWorldCoordinates(ThreeOf(points + i)), voxel_lod), result + i);
+    });
+}
+
+std::int32_t brix_axes_voxel_centers(const brix_axes* axes, const std::int64_t* voxel_indices, std::int64_t voxel_count,
+                                     std::int64_t voxel_lod, double* result, brix_error* error)
+{
+    return Guarded(error, {axes}, [&] {
+        RequireItems(voxel_indices, voxel_count, 3, "voxels");
+        RequireItems(result, voxel_count, 3, "voxels");
+        const Axes& frame = axes->axes;
+        WatchedLoop loop(static_cast<std::size_t>(voxel_count));
+        for (std::int64_t i = 0; i < 3 * voxel_count; i += 3, loop.Step())
+            CopyThree(frame.ToWorldCoordinates(frame.VoxelCenter(ThreeOf(voxel_indices + i), voxel_lod)), result + i);
+    });
+}
+
 std::int32_t brix_axes_validate_distance(const brix_axes* axes, double distance, double* result, brix_error* error)
 {
     constexpr std::int64_t noLimit = std::int64_t{1} << 62;

@@ -1,6 +1,10 @@
 // Path models, walking distances and ways.
 #include "Objects.h"
 
+#include <brix/frame/Require.h>
+
+#include <algorithm>
+
 using namespace brix;
 using namespace brix::capi;
 
@@ -45,6 +49,21 @@ double BytesToWalk(const PathModel& model)
 {
     const VoxelModel<bool>& voxels = model.TraversableVoxels();
     return brix::BytesToWalk(SizeOf(voxels, model.VoxelLOD()), static_cast<double>(CountFilled(voxels, model.VoxelLOD())));
+}
+
+double WorldDistanceAt(const DistanceField& field, const double* pointCoords)
+{
+    const Axes& axes = field.AxesRef();
+    const std::int64_t distance = field.Distance(axes.FromWorldCoordinates(ThreeOf(pointCoords)));
+    return distance < 0 ? -1.0 : axes.ToWorldDistance(distance);
+}
+
+// A box at the level of a field, in its frame, with a number for each of its voxels.
+void RequireBoxOf(const DistanceField& field, const Extents& box, std::int64_t count)
+{
+    Require(box.AxesRef() == field.AxesRef(), "The axes of a box of voxels must be those of the distance field.");
+    Require(box.VoxelLOD() == field.VoxelLOD(), "The level of a box of voxels must be that of the distance field.");
+    Require(static_cast<std::size_t>(count) == DenseSize(box), "There must be as many distances as the box has voxels.");
 }
 
 double ReachableCount(const DistanceField& field)
@@ -147,11 +166,38 @@ void brix_distance_field_free(brix_distance_field* distance_field) { delete dist
 std::int32_t brix_distance_field_distance(const brix_distance_field* distance_field, const double* point_coords, double* result,
                                           brix_error* error)
 {
-    return Guarded(error, {distance_field, point_coords, result}, [&] {
+    return Guarded(error, {distance_field, point_coords, result},
+                   [&] { *result = WorldDistanceAt(distance_field->field, point_coords); });
+}
+
+std::int32_t brix_distance_field_distances_at(const brix_distance_field* distance_field, const double* points,
+                                              std::int64_t point_count, double* result, brix_error* error)
+{
+    return Guarded(error, {distance_field}, [&] {
+        RequireItems(points, point_count, 3, "points");
+        RequireItems(result, point_count, 1, "points");
+        WatchedLoop loop(static_cast<std::size_t>(point_count));
+        for (std::int64_t i = 0; i < point_count; ++i, loop.Step())
+            result[i] = WorldDistanceAt(distance_field->field, points + 3 * i);
+    });
+}
+
+std::int32_t brix_distance_field_copy_distances(const brix_distance_field* distance_field, const brix_extents* box,
+                                                double* result, std::int64_t double_count, brix_error* error)
+{
+    return Guarded(error, {distance_field, box, result}, [&] {
+        RequireItems(result, double_count, 1, "distances");
         const DistanceField& field = distance_field->field;
-        const Axes& axes = field.AxesRef();
-        const std::int64_t distance = field.Distance(axes.FromWorldCoordinates(ThreeOf(point_coords)));
-        *result = distance < 0 ? -1.0 : axes.ToWorldDistance(distance);
+        const Extents& extents = box->extents;
+        RequireBoxOf(field, extents, double_count);
+        std::fill_n(result, double_count, -1.0);
+        const Triple lower = extents.LowerIndices();
+        const ByteStrides strides = DenseStrides(extents); // of a byte each: in voxels
+        field.ForEachReachable([&](const Triple& voxel, std::int64_t distance) {
+            if (!extents.ContainsVoxel(voxel)) return;
+            const auto [x, y, z] = Minus(voxel, lower);
+            result[x + y * strides.y + z * strides.z] = field.AxesRef().ToWorldDistance(distance);
+        });
     });
 }
 

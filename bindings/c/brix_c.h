@@ -143,6 +143,12 @@ BRIX_C_API int32_t brix_axes_voxel_corner(const brix_axes* axes, const int64_t* 
 BRIX_C_API int32_t brix_axes_voxel_center(const brix_axes* axes, const int64_t* voxel_indices, int64_t voxel_lod,
                                           double* result_3, brix_error* error);
 
+/* The same for many at a time: three numbers each in `result`, too. */
+BRIX_C_API int32_t brix_axes_containing_voxels(const brix_axes* axes, const double* points, int64_t point_count,
+                                               int64_t voxel_lod, int64_t* result, brix_error* error);
+BRIX_C_API int32_t brix_axes_voxel_centers(const brix_axes* axes, const int64_t* voxel_indices, int64_t voxel_count,
+                                           int64_t voxel_lod, double* result, brix_error* error);
+
 /* -1 exactly, "no limit", becomes the world distance of half the largest 64-bit integer; every other distance stays. */
 BRIX_C_API int32_t brix_axes_validate_distance(const brix_axes* axes, double distance, double* result, brix_error* error);
 
@@ -577,6 +583,13 @@ BRIX_C_API void brix_distance_field_free(brix_distance_field* distance_field);
 /* The walking distance of a world point in world units, exactly -1 where it cannot be reached. */
 BRIX_C_API int32_t brix_distance_field_distance(const brix_distance_field* distance_field, const double* point_coords,
                                                 double* result, brix_error* error);
+/* The same for many points, three doubles each: a double for each. */
+BRIX_C_API int32_t brix_distance_field_distances_at(const brix_distance_field* distance_field, const double* points,
+                                                    int64_t point_count, double* result, brix_error* error);
+/* The same for all voxels of a box at the field's level, x fastest, then y, then z. `double_count` is the number of the box's
+ * voxels, which may lie anywhere. */
+BRIX_C_API int32_t brix_distance_field_copy_distances(const brix_distance_field* distance_field, const brix_extents* box,
+                                                      double* result, int64_t double_count, brix_error* error);
 BRIX_C_API int32_t brix_distance_field_farthest_distance(const brix_distance_field* distance_field, double* result,
                                                          brix_error* error);
 BRIX_C_API int32_t brix_distance_field_farthest_voxel(const brix_distance_field* distance_field, int64_t* result_3,

@@ -156,6 +156,24 @@ void ExpectSame(const Voxels& expected, const brix_model* actual, const char* na
     }
 }
 
+TEST_F(CInterface, ConvertsManyPointsAndVoxelsAsOne)
+{
+    const std::vector<std::array<double, 3>> points{{3, 1, 2}, {-9.25, 2, -1e3}, {4e300, 8, nan}};
+    std::vector<Triple> voxels(points.size());
+    std::vector<std::array<double, 3>> centres(points.size());
+    ASSERT_EQ(
+        brix_axes_containing_voxels(cAxes_.get(), points.front().data(), std::ssize(points), 3, voxels.front().data(), nullptr),
+        BRIX_OK);
+    ASSERT_EQ(
+        brix_axes_voxel_centers(cAxes_.get(), voxels.front().data(), std::ssize(voxels), 3, centres.front().data(), nullptr),
+        BRIX_OK);
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        EXPECT_EQ(voxels[i], GetThree<std::int64_t>(brix_axes_containing_voxel, cAxes_.get(), points[i].data(), 3)) << i;
+        EXPECT_EQ(centres[i], GetThree<double>(brix_axes_voxel_center, cAxes_.get(), voxels[i].data(), 3)) << i;
+    }
+    EXPECT_EQ(brix_axes_containing_voxels(cAxes_.get(), nullptr, 0, 3, nullptr, nullptr), BRIX_OK);
+}
+
 TEST_F(CInterface, ReachesTheOperationOfEachName)
 {
     const auto expect = [&](const char* name, const Voxels& expected, auto function, const auto&... arguments) {
@@ -526,6 +544,29 @@ TEST_F(CInterface, MeasuresWaysInWorldUnits)
     const std::array<double, 3> target = toWorld(axes_.VoxelCenter(field.FarthestVoxel(), 3));
     EXPECT_EQ(Get<double>(brix_distance_field_distance, cField.get(), target.data()), farthest);
     EXPECT_EQ(Get<double>(brix_distance_field_distance, cField.get(), coords + 3), -1.0);
+
+    // Many at once: at the points and in their box, of which the model takes a part.
+    std::vector<double> expected, centres, found(distances.size(), -2), inBox;
+    for (const auto& [x, y, z, distance] : distances) centres.insert(centres.end(), {x, y, z}), expected.push_back(distance);
+    EXPECT_EQ(brix_distance_field_distances_at(cField.get(), centres.data(), std::ssize(found), found.data(), nullptr), BRIX_OK);
+    EXPECT_EQ(found, expected);
+    const Extents box = Enlarge(field.ReachableVoxels(), 2, 0, 1, 0, 0, 1).ExtentsRef(3);
+    ForEachTriple(box.LowerIndices(), box.UpperIndices(), [&](const Triple& voxel) {
+        const std::int64_t distance = field.Distance(axes_.VoxelCenter(voxel, 3));
+        inBox.push_back(distance < 0 ? -1.0 : axes_.ToWorldDistance(distance));
+    });
+    const auto cBox =
+        Get<brix_extents*>(brix_extents_create, cAxes_.get(), box.LowerIndices().data(), box.UpperIndices().data(), 3);
+    found.assign(inBox.size(), -2);
+    EXPECT_EQ(brix_distance_field_copy_distances(cField.get(), cBox.get(), found.data(), std::ssize(found), nullptr), BRIX_OK);
+    EXPECT_EQ(found, inBox);
+    const auto cCoarse = Get<brix_extents*>(brix_extents_rescaled_copy, cBox.get(), 2);
+    const auto refusal = [&](const Owned<brix_extents>& place, std::int64_t count) {
+        return FailureOf(brix_distance_field_copy_distances, cField.get(), place.get(), found.data(), count).message;
+    };
+    EXPECT_EQ(refusal(cCoarse, 1), "The level of a box of voxels must be that of the distance field.");
+    EXPECT_EQ(refusal(cBox, std::ssize(found) - 1), "There must be as many distances as the box has voxels.");
+
     const Path way(field, toUnits(target));
     const auto cWay = Get<brix_path*>(brix_path_create, cField.get(), target.data());
     EXPECT_EQ(Get<double>(brix_path_length, cWay.get()), farthest);

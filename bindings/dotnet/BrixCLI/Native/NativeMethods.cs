@@ -90,6 +90,14 @@ internal static unsafe class NativeMethods
         NativeError* error);
 
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_axes_containing_voxels(IntPtr axes, double* points, long pointCount, long voxelLOD,
+        long* result, NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_axes_voxel_centers(IntPtr axes, long* voxelIndices, long voxelCount, long voxelLOD,
+        double* result, NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
     internal static extern int brix_axes_validate_distance(IntPtr axes, double distance, double* result, NativeError* error);
 
     // ---- Boxes of voxels (brix/frame/Extents.h) ----
@@ -575,6 +583,14 @@ internal static unsafe class NativeMethods
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
     internal static extern int brix_distance_field_distance(IntPtr distanceField, PointTriple* pointCoords, double* result,
         NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_distance_field_distances_at(IntPtr distanceField, double* points, long pointCount,
+        double* result, NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_distance_field_copy_distances(IntPtr distanceField, IntPtr box, double* result,
+        long doubleCount, NativeError* error);
 
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
     internal static extern int brix_distance_field_farthest_distance(IntPtr distanceField, double* result, NativeError* error);

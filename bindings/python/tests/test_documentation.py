@@ -1,0 +1,37 @@
+"""The examples of the documentation run, and every public function and class has documentation."""
+import doctest
+import importlib
+import inspect
+import math
+import pkgutil
+
+import numpy as np
+import pytest
+
+import brix
+
+MODULES = [importlib.import_module(f"brix.{module.name}") for module in pkgutil.iter_modules(brix.__path__)]
+
+
+@pytest.mark.parametrize("module", MODULES, ids=lambda module: module.__name__)
+def test_examples_run(module, tmp_path, monkeypatch):
+    monkeypatch.chdir(tmp_path)
+    result = doctest.testmod(module, extraglobs={"brix": brix, "np": np, "math": math})
+    assert result.failed == 0
+
+
+def public():
+    """Public functions and classes, and the public members of these, by name."""
+    for name in brix.__all__:
+        thing = getattr(brix, name)
+        if callable(thing):
+            yield name, thing
+        for member, value in inspect.getmembers(thing) if inspect.isclass(thing) and issubclass(thing, brix._objects.EngineObject) else ():
+            if not member.startswith("_"):
+                yield f"{name}.{member}", value
+
+
+@pytest.mark.parametrize("name, thing", list(public()), ids=lambda value: value if isinstance(value, str) else "")
+def test_everything_public_is_documented(name, thing):
+    text = inspect.getdoc(thing)
+    assert text and text[0].isupper() or text[0] in "`\"", name
