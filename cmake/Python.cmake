@@ -59,7 +59,8 @@ function(brix_add_python_tests)
     set_property(TARGET brix_python PROPERTY EXCLUDE_FROM_ALL FALSE)
     set(check "sh" "-c" "exec \"$0\" \"$1\" \"$2\"/brix-*.whl $3" "${brix_python_folder}/tests/check" "${brix_python}" "${brix_wheels}")
     add_test(NAME Python.Tests COMMAND ${check})
-    set_tests_properties(Python.Tests PROPERTIES TIMEOUT 300 RUN_SERIAL TRUE) # it measures how soon calls end
+    set_tests_properties(Python.Tests PROPERTIES TIMEOUT 300 RUN_SERIAL TRUE
+        ENVIRONMENT "$<$<TARGET_EXISTS:brix>:BRIX_PROGRAM=$<TARGET_FILE:brix>>") # it measures how soon calls end
     execute_process(COMMAND "${brix_python}" -c "import mypy" RESULT_VARIABLE no_mypy OUTPUT_QUIET ERROR_QUIET)
     if(no_mypy EQUAL 0)
         add_test(NAME Python.IsTyped COMMAND ${check} --types)

@@ -32,8 +32,9 @@ RUN_ELSEWHERE = {
     "cmake --workflow --preset ": "tools/demo and tools/test",
     "dotnet ": "tests/package/check uses the package as a fresh project does",
     "apt-get ": "tools/dev/set-up; tests/setup/check",
+    "pip ": "bindings/python/tests/check installs the wheel",
 }
-FIRST_WORDS = re.compile(r"(brix|cmake|ctest|g\+\+|clang\+\+|dotnet|apt-get|sudo|cat|man|source|valgrind|\.ci/\S+|(tools|tests|build)/\S+)( |$)")
+FIRST_WORDS = re.compile(r"(brix|cmake|ctest|pip|g\+\+|clang\+\+|dotnet|apt-get|sudo|cat|man|source|valgrind|\.ci/\S+|(tools|tests|build)/\S+)( |$)")
 FILE = re.compile(r"[^\s=<>|]+\.(stl|png|svg|pdf|json)$", re.IGNORECASE)
 
 

@@ -6,6 +6,7 @@ from typing import Any, Iterable, Optional, Tuple, Union, cast
 import numpy as np
 from numpy.typing import ArrayLike, NDArray
 
+from . import plots
 from ._arrays import Bools, Indices, bytes_of, numbers, pointer, rows, voxel_of
 from ._files import write_whole
 from ._native import PathLike, call, ffi, lib, make, number
@@ -234,6 +235,19 @@ class Model(Booleans, Bounds, Growth, Fills, Neighbours, Sight, Surfaces):
         level = self.finest_level
         width = self.frame.voxel_width(level)
         return f"Model({len(self)} filled voxels of {x} x {y} x {z} at level {level}, {width:g} wide)"
+
+    def _repr_html_(self) -> str:
+        return repr(self) if self._handle is None else f"{plots.thumbnail(self)}<br>{self!r}"
+
+    def plot(self, axis: str = "z", index: Optional[int] = None, *, colour: str = "#1d4468", ax: Any = None) -> Any:
+        """Draws a plane of voxels by Matplotlib: across "x", "y" or "z", with that index, or through the middle of what is filled.
+
+        ax    Matplotlib's axes to draw into; without any, those of a new figure. They are given back
+
+        >>> brix.Model.from_numpy([[[1, 0], [1, 1]]], voxel=0.5).plot("z", 0).get_title()
+        'z = 0 to 0.5'
+        """
+        return plots.draw_slice(self, axis, index, colour, ax)
 
     # ---- Saving, pickling
 

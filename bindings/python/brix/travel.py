@@ -2,11 +2,12 @@
 from __future__ import annotations
 
 import math
-from typing import Iterable, Optional, Tuple, cast
+from typing import Any, Iterable, Optional, Tuple, cast
 
 import numpy as np
 from numpy.typing import ArrayLike
 
+from . import plots
 from ._arrays import Floats, Voxel, array_of_list, point_of, pointer, rows
 from ._native import call, lib, make, number, three
 from ._objects import EngineObject
@@ -69,6 +70,15 @@ class PathModel(EngineObject):
         (4, 3)
         """
         return array_of_list(make("list", lib.brix_path_model_generate_sample_points, self._pointer, spacing, min_diameter_voxels), 3)
+
+    def plot(self, *, lower: float = -math.inf, upper: float = math.inf, ax: Any = None) -> Any:
+        """Draws in plan, by Matplotlib, where the agent can stand: the lowest place of each column by its height, and its environment in
+        grey.
+
+        lower, upper   world heights of places that are drawn: those of a storey
+        ax             Matplotlib's axes to draw into; without any, those of a new figure. They are given back
+        """
+        return plots.draw_walkable(self, lower, upper, ax)
 
     def __repr__(self) -> str:
         return f"PathModel({len(self.walkable)} walkable voxels at level {self.level}, agent {self.diameter_voxels} x {self.height_voxels})"
@@ -142,6 +152,14 @@ class DistanceField(EngineObject):
         if within is None:
             return Model._of(make("model", lib.brix_distance_field_reachable_voxels, self._pointer))
         return Model._of(make("model", lib.brix_distance_field_reachable_within, self._pointer, within))
+
+    def plot(self, *, lower: float = -math.inf, upper: float = math.inf, ax: Any = None) -> Any:
+        """Draws distances in plan, by Matplotlib, with contours: those of the lowest place of each column that is reached.
+
+        lower, upper   world heights of places that are drawn: those of a storey
+        ax             Matplotlib's axes to draw into; without any, those of a new figure. They are given back
+        """
+        return plots.draw_distances(self, lower, upper, ax)
 
     def __repr__(self) -> str:
         return f"DistanceField(up to {self.farthest_distance:g} from its sources, {self._box})"

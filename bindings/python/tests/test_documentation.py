@@ -3,7 +3,11 @@ import doctest
 import importlib
 import inspect
 import math
+import os
 import pkgutil
+import re
+import subprocess
+from pathlib import Path
 
 import numpy as np
 import pytest
@@ -35,3 +39,22 @@ def public():
 def test_everything_public_is_documented(name, thing):
     text = inspect.getdoc(thing)
     assert text and text[0].isupper() or text[0] in "`\"", name
+
+
+ROOT = Path(__file__).resolve().parents[3]
+
+
+@pytest.mark.skipif("BRIX_PROGRAM" not in os.environ, reason="the documents begin with a house of the program's")
+@pytest.mark.parametrize("document", ["README.md", "docs/python.md"])
+def test_the_documents_samples_run(document, tmp_path, monkeypatch, capsys):
+    pytest.importorskip("matplotlib")
+    monkeypatch.chdir(tmp_path)
+    subprocess.run([os.environ["BRIX_PROGRAM"], "scene", "building", "-o", "house.stl"], check=True, stdout=subprocess.DEVNULL)
+    samples = re.findall(r"^```python\n(.*?)^```$", (ROOT / document).read_text(encoding="utf-8"), re.MULTILINE | re.DOTALL)
+    assert samples
+    for sample in samples:
+        exec(compile(sample, document, "exec"), {})
+    printed = capsys.readouterr().out
+    for line in re.findall(r"^# prints: (.*)$", "\n".join(samples), re.MULTILINE):
+        assert line in printed
+    assert all(path.stat().st_size > 10_000 for path in tmp_path.glob("*.png"))
