@@ -54,6 +54,11 @@ add_custom_command(OUTPUT "${brix_wheels}/stamp"
     VERBATIM)
 add_custom_target(brix_python DEPENDS "${brix_wheels}/stamp")
 
+# What bindings/python/benchmarks/compare.py measures beside.
+add_executable(brix_python_engine_alone EXCLUDE_FROM_ALL bindings/python/benchmarks/EngineAlone.cpp)
+target_link_libraries(brix_python_engine_alone PRIVATE brix::engine)
+brix_set_warnings(brix_python_engine_alone)
+
 # Makes the wheel with everything else, and registers its tests.
 function(brix_add_python_tests)
     set_property(TARGET brix_python PROPERTY EXCLUDE_FROM_ALL FALSE)
