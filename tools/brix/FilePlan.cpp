@@ -2,6 +2,7 @@
 
 #include "OutputFile.h"
 #include "Report.h"
+#include "SceneFiles.h"
 #include "System.h"
 
 #include <algorithm>
@@ -11,10 +12,17 @@ namespace {
 
 namespace fs = std::filesystem;
 
+std::string KindOf(const fs::path& filePath)
+{
+    if (const SceneFormat* const format = SceneFormatOf(filePath)) return std::string(format->name) + " file";
+    return filePath.extension() == ".brix" ? "the saved model" : "STL file";
+}
+
 void RequireReadable(const fs::path& filePath)
 {
     if (const int error = ReadingError(filePath))
-        throw std::runtime_error("Failed to open STL file " + Quoted(filePath) + ": " + SystemReason(error) + ".");
+        throw std::runtime_error("Failed to open " + KindOf(filePath) + " " + Quoted(filePath) + ": " + SystemReason(error) +
+                                 ".");
 }
 
 // By whatever names. A file that is not there yet is known by its place.

@@ -56,7 +56,7 @@ double EdgeFor(const GridOptions& options, const std::vector<WorldTriangle>& tri
 
 void AddGridOptions(CLI::App& command, GridOptions& options)
 {
-    command.add_option("input", options.input, "STL file, ASCII or binary; - reads standard input")
+    command.add_option("input", options.input, "File of triangles: STL, or OBJ, PLY, glTF, 3MF; - reads STL from standard input")
         ->required()
         ->type_name("IN.stl");
     const auto add = [&](const char* name, auto& value, const char* description) {
@@ -72,7 +72,9 @@ void AddGridOptions(CLI::App& command, GridOptions& options)
         ->type_name("LEVEL");
     add("--origin", options.origin, "Point that a corner of the grid lies on [0 0 0]")->type_name("X Y Z");
     add("--rotation", options.rotation, "Turn of the grid about the Z axis, degrees counter-clockwise [0]")->type_name("DEGREES");
-    command.add_flag("--swap-yz", options.swapYZ, "The file has its Y axis up; STL files that are written get it too")
+    command
+        .add_flag("--swap-yz", options.swapYZ,
+                  "The file has its Y axis up (of glTF it is known); STL files that are written get it too")
         ->group("Grid");
     add("--memory-limit", options.memoryLimit, "Refuse what needs more memory than this, in GB [half of the machine's]")
         ->type_name("GB");

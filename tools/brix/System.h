@@ -41,6 +41,13 @@ int CopyPermissions(const std::filesystem::path& from, int file);
 int RenameOver(const std::filesystem::path& from, const std::filesystem::path& to);
 void RemoveFile(const std::filesystem::path& filePath);
 
+/// Where the running program lies; empty where nobody tells.
+std::filesystem::path ProgramFolder();
+
+/// A function of a library in a file, which stays loaded; nullptr with a LoadingReason when there is none.
+void* FindFunction(const std::filesystem::path& library, const std::string& name);
+std::string LoadingReason();
+
 /// Of this process, unlike those of all others that run.
 int ProcessNumber();
 

@@ -5,6 +5,7 @@
 #include <fstream>
 #include <limits>
 
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -80,6 +81,24 @@ int RenameOver(const std::filesystem::path& from, const std::filesystem::path& t
 }
 
 void RemoveFile(const std::filesystem::path& filePath) { unlink(filePath.c_str()); }
+
+std::filesystem::path ProgramFolder()
+{
+    std::error_code error;
+    return std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
+}
+
+void* FindFunction(const std::filesystem::path& library, const std::string& name)
+{
+    void* const handle = dlopen(library.c_str(), RTLD_NOW | RTLD_LOCAL);
+    return handle == nullptr ? nullptr : dlsym(handle, name.c_str());
+}
+
+std::string LoadingReason()
+{
+    const char* const reason = dlerror();
+    return reason == nullptr ? "it lacks a function" : reason;
+}
 
 int ProcessNumber() { return getpid(); }
 

@@ -109,6 +109,11 @@ int RenameOver(const std::filesystem::path& from, const std::filesystem::path& t
 
 void RemoveFile(const std::filesystem::path& filePath) { DeleteFileW(filePath.c_str()); }
 
+// There are no parts of the program to be loaded.
+std::filesystem::path ProgramFolder() { return {}; }
+void* FindFunction(const std::filesystem::path&, const std::string&) { return nullptr; }
+std::string LoadingReason() { return {}; }
+
 int ProcessNumber() { return _getpid(); }
 
 double MachineMemory()

@@ -3,6 +3,7 @@
 #include "OutputFile.h"
 #include "Progress.h"
 #include "Report.h"
+#include "SceneFiles.h"
 
 #include <brix/triangles/StlFormats.h>
 
@@ -47,8 +48,27 @@ StlImport LoadStl(const std::filesystem::path& input, const StlReadOptions& opti
     return Load(file, input, options);
 }
 
+SceneImport ReadScene(const std::filesystem::path& input, bool swapYZ)
+{
+    const SceneFormat& format = *SceneFormatOf(input);
+    SceneImport import = LoadScene(input, format, swapYZ);
+    const bool isTurned = format.hasYUp || swapYZ;
+    PrintStep("format",
+              std::string(format.name) + ": " + format.remark + (isTurned ? ", turned upright: (X, Y, Z) became (X, -Z, Y)" : ""),
+              {{"format", std::string(format.name)}, {"turned", isTurned}});
+    if (import.notFinite > 0)
+        Warn("Triangles of the file " + Quoted(input) +
+             " with infinite or undefined coordinates were left out: " + std::to_string(import.notFinite) + ".");
+    return import;
+}
+
 std::vector<WorldTriangle> LoadUsableTriangles(const std::filesystem::path& input, bool swapYZ)
 {
+    if (SceneFormatOf(input) != nullptr) {
+        std::vector<WorldTriangle> triangles = ReadScene(input, swapYZ).triangles;
+        if (triangles.empty()) throw std::runtime_error("The file " + Quoted(input) + " holds no triangles.");
+        return triangles;
+    }
     StlImport import = LoadStl(input, {.swapYZ = swapYZ});
     if (import.report.drops + import.report.guesses > 0) Warn(SentenceOf(import.report));
     if (import.triangles.empty()) throw std::runtime_error("The file " + Quoted(input) + " holds no triangles.");

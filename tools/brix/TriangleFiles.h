@@ -1,5 +1,8 @@
-// STL files as the commands read and write them: once from start to end, with progress shown; what makes no sense is refused.
+// Files of triangles as the commands read and write them: once from start to end, with progress shown; what makes no sense is
+// refused.
 #pragma once
+
+#include "SceneFiles.h"
 
 #include <brix/triangles/StlReader.h>
 
@@ -12,8 +15,11 @@ namespace brix::tools {
 /// cannot be opened, and as ReadStl of the engine does.
 StlImport LoadStl(const std::filesystem::path& input, const StlReadOptions& options);
 
-/// Triangles of an STL file; a warning tells when something was left out or guessed. Throws std::runtime_error when there are
-/// none, and as LoadStl does.
+/// Reads a file of a SceneFormat and tells what was assumed; a warning tells what was left out. Throws as LoadScene does.
+SceneImport ReadScene(const std::filesystem::path& input, bool swapYZ);
+
+/// Triangles of a file, by its ending of a SceneFormat or STL; a warning tells when something was left out or guessed. Throws
+/// std::runtime_error when there are none, and as LoadStl or LoadScene does.
 std::vector<WorldTriangle> LoadUsableTriangles(const std::filesystem::path& input, bool swapYZ);
 
 /// "ASCII STL" or "binary STL".

@@ -1,4 +1,4 @@
-// brix check: whether STL files are sound, and what is wrong with those that are not.
+// brix check: whether files of triangles are sound, and what is wrong with those that are not.
 #include "Commands.h"
 
 #include "../FilePlan.h"
@@ -120,13 +120,34 @@ struct Options
     bool skipsSurface = false;
 };
 
-bool CheckFile(const std::filesystem::path& input, const StlReadOptions& options)
+// What is told of STL, as far as the other formats have it.
+StlReport ReportScene(const std::filesystem::path& input, const StlReadOptions& options)
 {
-    const StlReport report = LoadStl(input, options).report;
+    const SceneImport import = ReadScene(input, options.swapYZ);
+    StlReport report;
+    report.read = import.triangles.size();
+    report.notFinite = import.notFinite;
+    report.found = report.read + report.notFinite;
+    report.findingCount = report.notFinite; // a warning told them
+    for (const WorldTriangle& triangle : import.triangles)
+        if (!HasArea(triangle)) ++report.degenerate;
+    if (options.countMesh) report.mesh = CountMesh(import.triangles);
+    return report;
+}
+
+StlReport ReportStl(const std::filesystem::path& input, const StlReadOptions& options)
+{
+    StlReport report = LoadStl(input, options).report;
     PrintStep("format", FormatName(report.variant), {{"format", FormatName(report.variant)}});
     PrintStep("bytes", std::to_string(report.bytes), {{"bytes", report.bytes}});
     if (!report.header.empty()) PrintStep("header", report.header, {{"text", report.header}});
     if (report.solidCount > 0) PrintSolids(report);
+    return report;
+}
+
+bool CheckFile(const std::filesystem::path& input, const StlReadOptions& options)
+{
+    const StlReport report = (SceneFormatOf(input) != nullptr ? ReportScene : ReportStl)(input, options);
     PrintTriangles(report);
     PrintFindings(report);
     if (report.mesh && report.read > 0) PrintMesh(*report.mesh);
@@ -158,8 +179,10 @@ void Check(const Options& options)
 void AddCheckCommand(CLI::App& program)
 {
     const auto options = std::make_shared<Options>();
-    CLI::App& command = *program.add_subcommand("check", "Tell whether STL files are sound, and what is wrong with them");
-    command.add_option("input", options->inputs, "STL files, ASCII or binary; - reads standard input")
+    CLI::App& command =
+        *program.add_subcommand("check", "Tell whether files of triangles are sound, and what is wrong with them");
+    command
+        .add_option("input", options->inputs, "Files of triangles: STL, or OBJ, PLY, glTF, 3MF; - reads STL from standard input")
         ->required()
         ->type_name("IN.stl");
     command.add_option("--list", options->reading.mostListed, "How many findings of a file are listed; all are counted")

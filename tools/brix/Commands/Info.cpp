@@ -1,4 +1,4 @@
-// brix info: what an STL file holds.
+// brix info: what a file of triangles holds.
 #include "Commands.h"
 
 #include "../FilePlan.h"
@@ -23,10 +23,21 @@ void PrintBounds(const std::vector<WorldTriangle>& triangles)
     tools::PrintBounds(lower, upper);
 }
 
+void PrintSceneInfo(const std::filesystem::path& input, bool swapYZ)
+{
+    PrintStep("file", input.string(), {{"file", input.string()}});
+    const std::vector<WorldTriangle> triangles = ReadScene(input, swapYZ).triangles;
+    const auto flat = std::count_if(triangles.begin(), triangles.end(), [](const auto& triangle) { return !HasArea(triangle); });
+    PrintStep("triangles", std::to_string(triangles.size()), {{"triangles", triangles.size()}});
+    PrintStep("flat", std::to_string(flat) + " triangles without area", {{"triangles", flat}});
+    if (!triangles.empty()) PrintBounds(triangles);
+}
+
 void PrintInfo(const std::filesystem::path& input, bool swapYZ)
 {
     FilePlan files;
     files.Read(input);
+    if (SceneFormatOf(input) != nullptr) return PrintSceneInfo(input, swapYZ);
     const auto [triangles, report] = LoadStl(input, {.swapYZ = swapYZ});
     PrintStep("file", input.string(), {{"file", input.string()}});
     PrintStep("format", FormatName(report.variant), {{"format", FormatName(report.variant)}});
@@ -51,12 +62,13 @@ void AddInfoCommand(CLI::App& program)
         bool swapYZ = false;
     };
     const auto options = std::make_shared<Options>();
-    CLI::App& command = *program.add_subcommand("info", "Tell what an STL file holds: format, triangles, bounds");
-    command.add_option("input", options->input, "STL file, ASCII or binary; - reads standard input")
+    CLI::App& command = *program.add_subcommand("info", "Tell what a file of triangles holds: format, triangles, bounds");
+    command
+        .add_option("input", options->input, "File of triangles: STL, or OBJ, PLY, glTF, 3MF; - reads STL from standard input")
         ->required()
         ->type_name("IN.stl");
     command.add_flag("--swap-yz", options->swapYZ, "The file has its Y axis up; bounds are told with Z up");
-    command.footer("Lengths are in the units of the file, which STL does not name.\nExample: brix info building.stl");
+    command.footer("Lengths are in the units of the file, which STL, OBJ and PLY do not name.\nExample: brix info building.stl");
     command.callback([options] { PrintInfo(options->input, options->swapYZ); });
 }
 
