@@ -43,7 +43,9 @@ set(BRIX_INTERNAL_HEADERS
     triangles/StlIntake.h
     triangles/StlRecord.h
     triangles/StlText.h
+    triangles/SurfaceCorners.h
     triangles/SurfaceShapes.h
+    triangles/SurfaceSmoothing.h
     triangles/TextNumbers.h
     triangles/TriangleConditions.h
     triangles/TrianglePieces.h

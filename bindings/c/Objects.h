@@ -17,6 +17,7 @@
 #include <string_view>
 #include <type_traits>
 #include <utility>
+#include <variant>
 #include <vector>
 
 // Models do not change once they have a handle, so handles, iterators and path models share them.
@@ -45,7 +46,7 @@ struct brix_iterator
 
 struct brix_mesh
 {
-    brix::TriangleMesh mesh;
+    std::variant<brix::TriangleMesh, brix::FaceMesh> mesh; // given, or made of voxels
 };
 
 struct brix_models

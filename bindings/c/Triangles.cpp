@@ -88,6 +88,46 @@ private:
     Tessellation tessellation_;
 };
 
+// ---- What meshes of both kinds have
+
+const std::vector<std::array<double, 3>>& VerticesOf(const brix_mesh& mesh)
+{
+    const auto* const faces = std::get_if<FaceMesh>(&mesh.mesh);
+    return faces != nullptr ? faces->vertices : std::get<TriangleMesh>(mesh.mesh).VerticesRef();
+}
+
+std::span<const std::array<float, 3>> NormalsOf(const brix_mesh& mesh)
+{
+    const auto* const faces = std::get_if<FaceMesh>(&mesh.mesh);
+    if (faces == nullptr) return {};
+    return faces->normals;
+}
+
+std::int64_t TriangleCount(const brix_mesh& mesh)
+{
+    const auto* const faces = std::get_if<FaceMesh>(&mesh.mesh);
+    return faces != nullptr ? 2 * std::ssize(faces->faces) : std::ssize(std::get<TriangleMesh>(mesh.mesh).IndexedTrianglesRef());
+}
+
+// Calls visit(three indices) for some triangles.
+template <class Visit> void ForEachTriangle(const brix_mesh& mesh, std::int64_t first, std::int64_t count, const Visit& visit)
+{
+    const auto begin = static_cast<std::size_t>(first);
+    const auto end = begin + static_cast<std::size_t>(count);
+    if (const auto* const faces = std::get_if<FaceMesh>(&mesh.mesh)) {
+        for (std::size_t i = begin; i < end; ++i) visit(TriangleOf(*faces, i));
+    } else {
+        for (std::size_t i = begin; i < end; ++i) visit(std::get<TriangleMesh>(mesh.mesh).IndexedTrianglesRef()[i]);
+    }
+}
+
+template <class Items, class Number>
+void CopyPart(const Items& items, std::int64_t first, std::int64_t count, Number* destination)
+{
+    RequirePart(first, count, std::ssize(items), destination);
+    for (std::int64_t i = 0; i < count; ++i) CopyThree(items[static_cast<std::size_t>(first + i)], destination + 3 * i);
+}
+
 } // namespace
 
 // ---- Lists
@@ -243,32 +283,25 @@ void brix_mesh_free(brix_mesh* mesh) { delete mesh; }
 std::int32_t brix_mesh_size(const brix_mesh* mesh, std::int64_t* vertex_count, std::int64_t* triangle_count, brix_error* error)
 {
     return Guarded(error, {mesh, vertex_count, triangle_count}, [&] {
-        *vertex_count = static_cast<std::int64_t>(mesh->mesh.VerticesRef().size());
-        *triangle_count = static_cast<std::int64_t>(mesh->mesh.IndexedTrianglesRef().size());
+        *vertex_count = std::ssize(VerticesOf(*mesh));
+        *triangle_count = TriangleCount(*mesh);
     });
 }
 
 std::int32_t brix_mesh_copy_vertices(const brix_mesh* mesh, std::int64_t first_vertex, std::int64_t vertex_count,
                                      double* destination, brix_error* error)
 {
-    return Guarded(error, {mesh}, [&] {
-        const auto& vertices = mesh->mesh.VerticesRef();
-        RequirePart(first_vertex, vertex_count, static_cast<std::int64_t>(vertices.size()), destination);
-        for (std::int64_t i = 0; i < vertex_count; ++i)
-            CopyThree(vertices[static_cast<std::size_t>(first_vertex + i)], destination + 3 * i);
-    });
+    return Guarded(error, {mesh}, [&] { CopyPart(VerticesOf(*mesh), first_vertex, vertex_count, destination); });
 }
 
 std::int32_t brix_mesh_copy_indices(const brix_mesh* mesh, std::int64_t first_triangle, std::int64_t triangle_count,
                                     std::int32_t* destination, brix_error* error)
 {
     return Guarded(error, {mesh}, [&] {
-        const auto& triangles = mesh->mesh.IndexedTrianglesRef();
-        RequirePart(first_triangle, triangle_count, static_cast<std::int64_t>(triangles.size()), destination);
-        for (std::int64_t i = 0; i < triangle_count; ++i) {
-            for (const std::int64_t index : triangles[static_cast<std::size_t>(first_triangle + i)])
-                *destination++ = static_cast<std::int32_t>(index);
-        }
+        RequirePart(first_triangle, triangle_count, TriangleCount(*mesh), destination);
+        ForEachTriangle(*mesh, first_triangle, triangle_count, [&](const auto& triangle) {
+            for (const auto index : triangle) *destination++ = static_cast<std::int32_t>(index);
+        });
     });
 }
 
@@ -276,14 +309,37 @@ std::int32_t brix_mesh_copy_triangles(const brix_mesh* mesh, std::int64_t first_
                                       double* destination, brix_error* error)
 {
     return Guarded(error, {mesh}, [&] {
-        const auto& vertices = mesh->mesh.VerticesRef();
-        const auto& triangles = mesh->mesh.IndexedTrianglesRef();
-        RequirePart(first_triangle, triangle_count, static_cast<std::int64_t>(triangles.size()), destination);
-        for (std::int64_t i = 0; i < triangle_count; ++i) {
-            for (const std::int64_t index : triangles[static_cast<std::size_t>(first_triangle + i)]) {
+        RequirePart(first_triangle, triangle_count, TriangleCount(*mesh), destination);
+        const auto& vertices = VerticesOf(*mesh);
+        ForEachTriangle(*mesh, first_triangle, triangle_count, [&](const auto& triangle) {
+            for (const auto index : triangle) {
                 CopyThree(vertices[static_cast<std::size_t>(index)], destination);
                 destination += 3;
             }
-        }
+        });
+    });
+}
+
+std::int32_t brix_mesh_normal_count(const brix_mesh* mesh, std::int64_t* result, brix_error* error)
+{
+    return Guarded(error, {mesh, result}, [&] { *result = std::ssize(NormalsOf(*mesh)); });
+}
+
+std::int32_t brix_mesh_copy_normals(const brix_mesh* mesh, std::int64_t first_normal, std::int64_t normal_count,
+                                    float* destination, brix_error* error)
+{
+    return Guarded(error, {mesh}, [&] { CopyPart(NormalsOf(*mesh), first_normal, normal_count, destination); });
+}
+
+std::int32_t brix_surface_mesh(const brix_model* model, std::int64_t voxel_lod, std::int32_t is_smooth,
+                               std::int32_t smoothing_steps, brix_mesh** result, brix_error* error)
+{
+    const SurfaceMeshOptions options{is_smooth != 0 ? SurfaceStyle::Smooth : SurfaceStyle::Blocky, smoothing_steps};
+    const auto bytes = [&] { return BytesToMakeSurface(SizeOfSurface(VoxelsOf(model), voxel_lod), options); };
+    return Guarded(error, {model, result}, "the surface mesh of the voxel model", bytes, [&] {
+        FaceMesh mesh = SurfaceMesh(VoxelsOf(model), voxel_lod, options);
+        if (mesh.vertices.size() > std::size_t{std::numeric_limits<std::int32_t>::max()})
+            throw std::length_error("The surface mesh has more vertices than the 2147483647 that indices of 32 bits can number.");
+        Make(result, std::move(mesh));
     });
 }

@@ -308,6 +308,11 @@ BRIX_C_API int32_t brix_mesh_copy_indices(const brix_mesh* mesh, int64_t first_t
 BRIX_C_API int32_t brix_mesh_copy_triangles(const brix_mesh* mesh, int64_t first_triangle, int64_t triangle_count,
                                             double* destination, brix_error* error);
 
+/* One per vertex for a smooth surface mesh, none for any other; three floats each, of length 1. */
+BRIX_C_API int32_t brix_mesh_normal_count(const brix_mesh* mesh, int64_t* result, brix_error* error);
+BRIX_C_API int32_t brix_mesh_copy_normals(const brix_mesh* mesh, int64_t first_normal, int64_t normal_count, float* destination,
+                                          brix_error* error);
+
 /* ---- Voxel models (brix/model/VoxelModel.h) ---- */
 
 typedef struct brix_model brix_model;
@@ -544,6 +549,11 @@ BRIX_C_API int32_t brix_tessellate_voxel_model(const brix_model* model, int64_t 
 /* How many there will be, counted without making them. */
 BRIX_C_API int32_t brix_count_tessellation_triangles(const brix_model* model, int64_t voxel_lod, int64_t* result,
                                                      brix_error* error);
+
+/* The closed surface between filled and empty voxels at a level, oriented outwards, with exactly two triangles at every edge:
+ * blocky, or smooth with so many steps of smoothing (brix/triangles/SurfaceMesh.h). Triangles 2i and 2i + 1 are face i. */
+BRIX_C_API int32_t brix_surface_mesh(const brix_model* model, int64_t voxel_lod, int32_t is_smooth, int32_t smoothing_steps,
+                                     brix_mesh** result, brix_error* error);
 
 /* The filled voxels at a level as disjoint boxes, six doubles each: the world point of the lower corner, then the size along the
  * frame's X, Y and Z in world units (brix/triangles/Cuboidization.h). */

@@ -70,7 +70,7 @@ constexpr unsigned SaddleOf(CornerVoxels voxels)
     return NoSaddle;
 }
 
-struct CornerShape
+struct alignas(16) CornerShape
 {
     std::array<std::uint8_t, CornerFaces> sheets{}; // of each boundary face
     std::uint8_t sheetCount = 0;

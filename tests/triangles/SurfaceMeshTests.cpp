@@ -1,13 +1,18 @@
 // Surface meshes against what they stand for: each edge has two faces, the volume is the voxels', and shapes are counted apart.
 #include "triangles/SurfaceMesh.h"
 
+#include "operations/BasicOperations.h"
+#include "operations/SurfaceOperations.h"
 #include "support/RandomModels.h"
+#include "triangles/StlReader.h"
 #include "triangles/SurfaceShapes.h"
+#include "triangles/Voxelize.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
 #include <map>
 #include <set>
 
@@ -22,12 +27,13 @@ const Axes PlainAxes(40000, {0, 0, 0}, 0, 0); // a voxel of level 0 is 40000 wid
 const SurfaceMeshOptions Smooth{.style = SurfaceStyle::Smooth, .smoothingSteps = 3};
 
 // What is wrong with the edges and vertices of a mesh; empty when nothing is.
-std::string Flaws(const IndexedMesh& mesh)
+std::string Flaws(const FaceMesh& mesh)
 {
     std::vector<Edge> edges;
     std::map<Edge, std::uint32_t> across; // the vertex that follows, by a vertex and the one before it in its ring
     std::vector<std::size_t> valence(mesh.vertices.size());
-    for (const auto& triangle : mesh.triangles) {
+    for (std::size_t t = 0; t < 2 * mesh.faces.size(); ++t) {
+        const auto triangle = TriangleOf(mesh, t);
         for (std::size_t i = 0; i < 3; ++i) {
             edges.push_back({triangle[i], triangle[(i + 1) % 3]});
             across[{triangle[i], triangle[(i + 1) % 3]}] = triangle[(i + 2) % 3];
@@ -49,12 +55,13 @@ std::string Flaws(const IndexedMesh& mesh)
     return std::count(valence.begin(), valence.end(), 0U) == 0 ? "" : "a vertex without triangles";
 }
 
-double Volume(const IndexedMesh& mesh)
+double Volume(const FaceMesh& mesh)
 {
     double volume = 0;
     if (mesh.vertices.empty()) return 0;
     const Position& o = mesh.vertices.front();
-    for (const auto& triangle : mesh.triangles) {
+    for (std::size_t t = 0; t < 2 * mesh.faces.size(); ++t) {
+        const auto triangle = TriangleOf(mesh, t);
         std::array<Position, 3> p;
         for (std::size_t i = 0; i < 3; ++i)
             for (std::size_t k = 0; k < 3; ++k) p[i][k] = mesh.vertices[triangle[i]][k] - o[k];
@@ -119,17 +126,20 @@ void ExpectSound(const VoxelModel<bool>& model, const ReferenceModel& reference)
 {
     const std::int64_t lod = reference.VoxelLOD();
     const Axes& axes = model.AxesRef();
-    const IndexedMesh blocky = SurfaceMesh(model, lod);
+    const FaceMesh blocky = SurfaceMesh(model, lod);
     const Counts counts(reference);
     ASSERT_EQ(Flaws(blocky), "");
-    ASSERT_EQ(blocky.triangles.size(), 2 * counts.faces);
+    ASSERT_EQ(blocky.faces.size(), counts.faces);
+    const SurfaceSize size = SizeOfSurface(model, lod);
+    ASSERT_EQ(size.faces, std::ssize(blocky.faces));
+    ASSERT_EQ(size.vertices, std::ssize(blocky.vertices));
     const auto vertexCount = static_cast<std::int64_t>(blocky.vertices.size());
     EXPECT_EQ(vertexCount - static_cast<std::int64_t>(counts.faces), counts.euler);
     const double voxel = axes.WorldVoxelWidth(lod) * axes.WorldVoxelWidth(lod) * axes.WorldVoxelHeight();
     EXPECT_NEAR(Volume(blocky) / voxel, static_cast<double>(reference.CountFilled()), 1e-4);
 
-    const IndexedMesh smooth = SurfaceMesh(model, lod, Smooth);
-    ASSERT_EQ(smooth.triangles, blocky.triangles);
+    const FaceMesh smooth = SurfaceMesh(model, lod, Smooth);
+    ASSERT_EQ(smooth.faces, blocky.faces);
     const auto [origin, sin, cos, bias, units] = axes.WorldConversion();
     for (std::size_t i = 0; i < blocky.vertices.size(); ++i) {
         const double dx = smooth.vertices[i][0] - blocky.vertices[i][0];
@@ -171,7 +181,7 @@ TEST(SurfaceMesh, JoinsAllNeighbourhoodsOfAnEdge)
         for (unsigned bits = 0; bits < 4096; ++bits) {
             unsigned next = 0;
             const ReferenceModel reference = empty.Where([&](const Triple&) { return (bits >> next++ & 1) != 0; });
-            const IndexedMesh mesh = SurfaceMesh(MakeModel(reference), 0);
+            const FaceMesh mesh = SurfaceMesh(MakeModel(reference), 0);
             const Counts counts(reference);
             ASSERT_EQ(Flaws(mesh), "") << axis << " " << bits;
             ASSERT_EQ(static_cast<std::int64_t>(mesh.vertices.size()) - static_cast<std::int64_t>(counts.faces), counts.euler);
@@ -192,10 +202,11 @@ TEST(SurfaceMesh, SeparatesDustAndCheckerboards)
 }
 
 // The triangles' corners, moved back, from the lowest corner of each on: what does not depend on the order.
-std::multiset<std::array<Position, 3>> Moved(const IndexedMesh& mesh, const Triple& shift)
+std::multiset<std::array<Position, 3>> Moved(const FaceMesh& mesh, const Triple& shift)
 {
     std::multiset<std::array<Position, 3>> result;
-    for (const auto& triangle : mesh.triangles) {
+    for (std::size_t t = 0; t < 2 * mesh.faces.size(); ++t) {
+        const auto triangle = TriangleOf(mesh, t);
         std::array<Position, 3> corners;
         for (std::size_t i = 0; i < 3; ++i)
             for (std::size_t k = 0; k < 3; ++k)
@@ -209,7 +220,7 @@ std::multiset<std::array<Position, 3>> Moved(const IndexedMesh& mesh, const Trip
 TEST(SurfaceMesh, DoesNotDependOnWhereChunksBegin)
 {
     const Triple size{20, 20, 70};
-    const IndexedMesh first = SurfaceMesh(MakeModel(Noise(3, {0, 0, 0}, size, 0.6)), 0);
+    const FaceMesh first = SurfaceMesh(MakeModel(Noise(3, {0, 0, 0}, size, 0.6)), 0);
     for (const Triple& shift : {Triple{-7, 9, -33}, Triple{1, -1, 63}, Triple{-16, 15, -64}}) {
         const VoxelModel<bool> moved = MakeModel(Noise(3, shift, size, 0.6));
         EXPECT_EQ(Moved(SurfaceMesh(moved, 0), shift), Moved(first, {}));
@@ -229,8 +240,55 @@ TEST(SurfaceMesh, RoundsABoxAndKeepsIt)
         last = volume;
     }
     EXPECT_THROW((void)SurfaceMesh(model, 1), std::domain_error);
-    EXPECT_THROW((void)SurfaceMesh(model, 0, {.smoothingSteps = -1}), std::domain_error);
+    for (const int steps : {-1, MostSmoothingSteps + 1})
+        EXPECT_THROW((void)SurfaceMesh(model, 0, {.smoothingSteps = steps}), std::domain_error);
     EXPECT_TRUE(SurfaceMesh(VoxelModel<bool>(model.ExtentsRef(0), 0), 0).vertices.empty());
+}
+
+// A wall of a thousand planes, too high for numbers of 32 bits.
+TEST(SurfaceMesh, RefusesMoreVerticesThanItCanNumber)
+{
+#ifdef BRIX_SANITIZED
+    GTEST_SKIP() << "Five billion vertices are counted, which takes minutes with sanitizers.";
+#endif
+    const Triple size{512, 512, 1};
+    const VoxelModel<bool> floor =
+        MakeModel(Noise(1, {0, 0, 0}, size, 1).Where([](const Triple& voxel) { return (voxel[0] & 1) == 0; }));
+    const VoxelModel<bool> walls = ExpandAlongZ(floor, 8200, 8200, {}, true);
+    const SurfaceSize counted = SizeOfSurface(walls, 0);
+    EXPECT_EQ(counted.vertices, 512 * 513 * std::int64_t{16402});
+    EXPECT_EQ(counted.faces, 512 * 512 * std::int64_t{16401} + 512 * std::int64_t{16401} + 512 * 512);
+    try {
+        (void)SurfaceMesh(walls, 0);
+        ADD_FAILURE();
+    } catch (const std::length_error& error) {
+        EXPECT_EQ(error.what(), "The surface mesh would have " + std::to_string(counted.vertices) +
+                                    " vertices, more than the 4294967295 that can be numbered.");
+    }
+}
+
+TEST(SurfaceMesh, IsSoundOnRealMeshes)
+{
+    std::size_t files = 0;
+    std::error_code none;
+    for (const auto& entry : std::filesystem::directory_iterator(BRIX_DATA, none)) {
+        if (entry.path().extension() != ".stl") continue;
+        ++files;
+        const StlImport import = ReadStl(entry.path(), {.countMesh = true});
+        double longest = 0;
+        for (std::size_t i = 0; i < 3; ++i)
+            longest = std::max(longest, import.report.mesh->upper[i] - import.report.mesh->lower[i]);
+        const Axes axes(longest / 10, import.report.mesh->lower, 33, 4);
+        const VoxelModel<bool> model = Voxelize(axes, import.triangles, 4);
+        for (const int steps : {0, 2}) {
+            const FaceMesh mesh = SurfaceMesh(model, 4, {steps > 0 ? SurfaceStyle::Smooth : SurfaceStyle::Blocky, steps});
+            EXPECT_EQ(Flaws(mesh), "") << entry.path();
+            const double voxels = Volume(mesh) / std::pow(axes.WorldVoxelWidth(4), 3);
+            const double filled = static_cast<double>(CountFilled(model, 4));
+            EXPECT_NEAR(voxels, filled, steps == 0 ? 0.1 : filled / 2) << entry.path();
+        }
+    }
+    if (files == 0) GTEST_SKIP() << "There are no STL files in " << BRIX_DATA << ".";
 }
 
 } // namespace

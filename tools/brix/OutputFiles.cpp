@@ -100,36 +100,22 @@ void SaveSurface(const VoxelModel<bool>& model, const LevelFile& output, const G
     Save("write-surface", triangles, output, options, ascii, watch);
 }
 
-namespace {
-
-// Exact: the rectangles of the surface are made of the faces that a mesh has.
-double CountFaces(const VoxelModel<bool>& model, std::int64_t lod)
-{
-    double count = 0;
-    for (const VoxelRectangle& rectangle : SolidizeVoxelModel(model, lod)) {
-        const Triple size = Minus(rectangle.upper, rectangle.lower);
-        double area = 1;
-        for (const std::int64_t length : size) area *= static_cast<double>(std::max<std::int64_t>(length, 1));
-        count += area;
-    }
-    return count;
-}
-
-} // namespace
-
 void SaveMesh(const VoxelModel<bool>& model, const LevelFile& output, std::optional<int> smoothingSteps,
               const GridOptions& options, bool ascii)
 {
     const Stopwatch watch;
     SurfaceMeshOptions meshOptions;
     if (smoothingSteps) meshOptions = {SurfaceStyle::Smooth, *smoothingSteps};
-    // A face has two triangles, and two vertices at most on a surface without many loose voxels.
-    constexpr double bytesPerTriangle = 2 * sizeof(std::array<std::uint32_t, 3>) + 3 * sizeof(std::array<double, 3>);
-    RequireSpaceForTriangles(2 * CountFaces(model, output.lod), bytesPerTriangle, ascii, model, options);
-    const IndexedMesh mesh = SurfaceMesh(model, output.lod, meshOptions);
-    std::vector<WorldTriangle> triangles;
-    triangles.reserve(mesh.triangles.size());
-    for (const auto& [a, b, c] : mesh.triangles) triangles.push_back({mesh.vertices[a], mesh.vertices[b], mesh.vertices[c]});
+    const SurfaceSize size = SizeOfSurface(model, output.lod);
+    const double triangleCount = 2 * static_cast<double>(size.faces);
+    const double bytesPerTriangle = BytesToMakeSurface(size, meshOptions) / std::max(triangleCount, 1.0);
+    RequireSpaceForTriangles(triangleCount, bytesPerTriangle, ascii, model, options);
+    const FaceMesh mesh = SurfaceMesh(model, output.lod, meshOptions);
+    std::vector<WorldTriangle> triangles(2 * mesh.faces.size());
+    for (std::size_t i = 0; i < triangles.size(); ++i) {
+        const auto [a, b, c] = TriangleOf(mesh, i);
+        triangles[i] = {mesh.vertices[a], mesh.vertices[b], mesh.vertices[c]};
+    }
     Save(smoothingSteps ? "write-smooth-mesh" : "write-mesh", triangles, output, options, ascii, watch);
 }
 

@@ -20,6 +20,7 @@
 #include "triangles/Cuboidization.h"
 #include "triangles/Solidization.h"
 #include "triangles/StlReader.h"
+#include "triangles/SurfaceMesh.h"
 #include "triangles/Tessellation.h"
 #include "triangles/TriangleMesh.h"
 #include "triangles/Voxelization.h"
@@ -473,6 +474,40 @@ TEST_F(CInterface, ReadsMeshesFromListsAndTriangles)
     EXPECT_EQ(create(-1, 4), BRIX_INVALID_ARGUMENT);
     EXPECT_EQ(create(4, least), BRIX_INVALID_ARGUMENT);
     EXPECT_EQ(create(most, 4), BRIX_INVALID_ARGUMENT);
+}
+
+TEST_F(CInterface, ReachesSurfaceMeshes)
+{
+    for (const int smooth : {0, 1}) {
+        const FaceMesh expected = SurfaceMesh(model_, 2, {smooth != 0 ? SurfaceStyle::Smooth : SurfaceStyle::Blocky, 2 * smooth});
+        const auto mesh = Get<brix_mesh*>(brix_surface_mesh, cModel_.get(), 2, smooth, 2 * smooth);
+        std::int64_t vertexCount = 0;
+        std::int64_t triangleCount = 0;
+        ASSERT_EQ(brix_mesh_size(mesh.get(), &vertexCount, &triangleCount, nullptr), BRIX_OK);
+        ASSERT_EQ(vertexCount, std::ssize(expected.vertices));
+        ASSERT_EQ(triangleCount, 2 * std::ssize(expected.faces));
+        ASSERT_EQ((Get<std::int64_t>(brix_mesh_normal_count, mesh.get())), std::ssize(expected.normals));
+        std::vector<std::array<double, 3>> vertices(expected.vertices.size());
+        std::vector<std::array<float, 3>> normals(expected.normals.size());
+        std::vector<std::array<std::int32_t, 3>> triangles(2 * expected.faces.size());
+        ASSERT_EQ(brix_mesh_copy_vertices(mesh.get(), 0, vertexCount, vertices.front().data(), nullptr), BRIX_OK);
+        ASSERT_EQ(brix_mesh_copy_indices(mesh.get(), 0, triangleCount, triangles.front().data(), nullptr), BRIX_OK);
+        EXPECT_EQ(brix_mesh_copy_normals(mesh.get(), 0, std::ssize(normals), smooth ? normals.front().data() : nullptr, nullptr),
+                  BRIX_OK);
+        EXPECT_EQ(brix_mesh_copy_normals(mesh.get(), 0, vertexCount + 1, &normals.emplace_back()[0], nullptr),
+                  BRIX_INVALID_ARGUMENT);
+        normals.pop_back();
+        EXPECT_EQ(vertices, expected.vertices);
+        EXPECT_EQ(normals, expected.normals);
+        for (std::size_t i = 0; i < triangles.size(); ++i) {
+            const auto [a, b, c] = TriangleOf(expected, i);
+            ASSERT_EQ((std::array<std::int64_t, 3>{a, b, c}),
+                      (std::array<std::int64_t, 3>{triangles[i][0], triangles[i][1], triangles[i][2]}));
+        }
+    }
+    brix_mesh* none = nullptr;
+    EXPECT_EQ(FailureOf(brix_surface_mesh, cModel_.get(), 0, 1, -1, &none).message,
+              "The number of smoothing steps must lie between 0 and 1000. The value encountered was -1.");
 }
 
 TEST_F(CInterface, ReachesSplittingDensitiesConversionsAndNarrowedViews)

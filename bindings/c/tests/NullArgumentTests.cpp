@@ -38,7 +38,7 @@ protected:
         EXPECT_EQ(brix_auto_split(model, &models, error), BRIX_OK);
         EXPECT_EQ(brix_iterator_at_point(model, numbers_.data(), 1, &iterator, error), BRIX_OK);
         EXPECT_EQ(brix_tessellate_voxel_model(model, 1, &list, error), BRIX_OK);
-        EXPECT_EQ(brix_mesh_from_triangles(floor, 1, &mesh, error), BRIX_OK);
+        EXPECT_EQ(brix_surface_mesh(model, 1, 1, 0, &mesh, error), BRIX_OK);
         EXPECT_EQ(brix_rows_at_slice(model, 2, 0, 1, 0, 0, &rows, error), BRIX_OK);
         EXPECT_EQ(brix_path_model_create(model, 1, 1, 2, 1, &pathModel, error), BRIX_OK);
         EXPECT_EQ(brix_distance_field_create(pathModel, point_.data(), 1, 1e3, &field, error), BRIX_OK);
@@ -105,6 +105,7 @@ private:
     const std::uint8_t* Given(const std::uint8_t*, Objects&, brix_error&) { return bytesOut_.data(); }
     const char* Given(const char*, Objects&, brix_error&) { return path_.data(); }
     double* Given(double*, Objects&, brix_error&) { return numbersOut_.data(); }
+    float* Given(float*, Objects&, brix_error&) { return floatsOut_.data(); }
     std::int64_t* Given(std::int64_t*, Objects&, brix_error&) { return indicesOut_.data(); }
     std::int32_t* Given(std::int32_t*, Objects&, brix_error&) { return flagsOut_.data(); }
     std::uint8_t* Given(std::uint8_t*, Objects&, brix_error&) { return bytesOut_.data(); }
@@ -137,6 +138,7 @@ private:
     std::array<std::int32_t, 3> corners_{};
     std::string path_ = (std::filesystem::temp_directory_path() / "brix-null-arguments.stl").string();
     std::array<double, 64> numbersOut_{};
+    std::array<float, 16> floatsOut_{};
     std::array<std::int64_t, 3> indicesOut_{};
     std::array<std::int32_t, 64> flagsOut_{};
     std::array<std::uint8_t, 256> bytesOut_{};

@@ -50,6 +50,23 @@ public class ConversionTests
     }
 
     [Fact]
+    public void SurfaceMeshesAreClosed()
+    {
+        using VoxelModelCLI model = Model((0, 0, 0), (3, 3, 3), (1, 1, 1), (2, 1, 1));
+        using TriangleMeshCLI blocky = VoxelSurfaceMeshCLI.Blocky(model, 5);
+        using TriangleMeshCLI smooth = VoxelSurfaceMeshCLI.Smooth(model, 5, 3);
+        Assert.Equal(3 * 12, blocky.Vertices().Count);
+        Assert.Equal(3 * 20, blocky.Indices().Count);
+        Assert.Empty(blocky.Normals());
+        Assert.Equal(blocky.Indices(), smooth.Indices());
+        Assert.All(smooth.Normals().Chunk(3), normal => Assert.Equal(1, normal.Sum(part => part * part), 5));
+        var edges = blocky.Indices().Chunk(3).SelectMany(t => new[] { (t[0], t[1]), (t[1], t[2]), (t[2], t[0]) }).ToHashSet();
+        Assert.Equal(60, edges.Count);
+        Assert.All(edges, edge => Assert.Contains((edge.Item2, edge.Item1), edges));
+        Assert.Contains("between 0 and 1000", MessageOf(() => VoxelSurfaceMeshCLI.Smooth(model, 5, 1001)));
+    }
+
+    [Fact]
     public void SplittingGivesARegionForEachModel()
     {
         using VoxelModelCLI model = BlockAndMore();

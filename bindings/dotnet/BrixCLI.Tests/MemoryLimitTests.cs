@@ -56,6 +56,7 @@ public sealed class MemoryLimitTests : IDisposable
                 () => VisibilityOperationsCLI.VisibilityFromPoint(model_, Centre((5, 5, 5)), 5, 10, 0.5, true)),
             ("the triangles of the voxel model", () => VoxelTessellationCLI.TessellateVoxelModel(model_, 5, 1e9)),
             ("the boxes of the voxel model", () => VoxelCuboidizationCLI.CuboidizeVoxelModel(model_, 5, 1e9)),
+            ("the surface mesh of the voxel model", () => VoxelSurfaceMeshCLI.Smooth(model_, 5, 2)),
             ("the rectangles of the voxel model", () => VoxelSolidizationCLI.SolidizeVoxelModel(model_, 5, 1e9)),
             ("the voxel model of the triangles", () => new VoxelModelCLI(triangles_, axes_, 5, 1e9)),
             ("the voxel model of the triangles", () => VoxelModelCLI.Voxelize(triangles_, axes_, 5)),

@@ -59,6 +59,16 @@ public sealed unsafe class TriangleMeshCLI : EngineObject
             (_, error) => NativeMethods.brix_mesh_copy_indices(Pointer, 0, count, items, error)));
     }
 
+    /// <summary>A direction outwards for each vertex of a smooth surface mesh, of length 1.</summary>
+    /// <returns>three floats per vertex; none for any other mesh</returns>
+    /// <exception cref="Exception">no list can hold them, or there is not enough memory</exception>
+    public List<float> Normals()
+    {
+        long count = Engine.Call<long>((result, error) => NativeMethods.brix_mesh_normal_count(Pointer, result, error));
+        return NumberLists.Filled<float>(SizeLimits.ListLength(count, 3), items => Engine.Call<int>(
+            (_, error) => NativeMethods.brix_mesh_copy_normals(Pointer, 0, count, items, error)));
+    }
+
     /// <summary>The triangles with their corners' coordinates.</summary>
     /// <returns>nine doubles per triangle, in world units</returns>
     /// <exception cref="Exception">no list can hold them, or there is not enough memory</exception>

@@ -234,6 +234,13 @@ internal static unsafe class NativeMethods
     internal static extern int brix_mesh_copy_triangles(IntPtr mesh, long firstTriangle, long triangleCount, double* destination,
         NativeError* error);
 
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_mesh_normal_count(IntPtr mesh, long* result, NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_mesh_copy_normals(IntPtr mesh, long firstNormal, long normalCount, float* destination,
+        NativeError* error);
+
     // ---- Voxel models (brix/model/VoxelModel.h) ----
 
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
@@ -536,6 +543,10 @@ internal static unsafe class NativeMethods
 
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
     internal static extern int brix_count_tessellation_triangles(IntPtr model, long voxelLOD, long* result, NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_surface_mesh(IntPtr model, long voxelLOD, int isSmooth, int smoothingSteps, IntPtr* result,
+        NativeError* error);
 
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
     internal static extern int brix_cuboidize_voxel_model(IntPtr model, long voxelLOD, IntPtr* result, NativeError* error);
