@@ -61,6 +61,7 @@
 #include "brix/operations/DensityMap.h"
 #include "brix/operations/FillOperations.h"
 #include "brix/operations/Guide.h"
+#include "brix/operations/LabelRegions.h"
 #include "brix/operations/Leaks.h"
 #include "brix/operations/MemoryEstimates.h"
 #include "brix/operations/ProximityOperations.h"

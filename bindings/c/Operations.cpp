@@ -293,6 +293,17 @@ std::int32_t brix_auto_split(const brix_model* model, brix_models** result, brix
                    [&] { Make(result, ShareAll(AutoSplit(VoxelsOf(model)))); });
 }
 
+std::int32_t brix_label_regions(const brix_model* model, const brix_extents* box, std::uint32_t* labels, std::int64_t label_count,
+                                std::int64_t* result, brix_error* error)
+{
+    const auto bytes = [&] { return BytesToSplit(VoxelsOf(model)); }; // the labels of runs, and more
+    return Guarded(error, {model, box, labels, result}, "the regions of the voxel model", bytes, [&] {
+        RequireItems(labels, label_count, 1, "labels");
+        const std::size_t regions = LabelRegions(VoxelsOf(model), box->extents, {labels, static_cast<std::size_t>(label_count)});
+        *result = static_cast<std::int64_t>(regions);
+    });
+}
+
 std::int32_t brix_density_map(const brix_model* const* models, std::int64_t model_count, const double* weights,
                               std::int64_t weight_count, const double* levels, std::int64_t level_count, std::int64_t voxel_lod,
                               brix_models** result, brix_error* error)

@@ -445,7 +445,7 @@ BRIX_C_API int32_t brix_subtract(const brix_model* model, const brix_model* subt
                                  int32_t auto_adjust_extents, brix_model** result, brix_error* error);
 BRIX_C_API int32_t brix_invert(const brix_model* model, brix_model** result, brix_error* error);
 
-/* ---- Regions and densities (brix/operations/AutoSplit.h, DensityMap.h) ---- */
+/* ---- Regions and densities (brix/operations/AutoSplit.h, LabelRegions.h, DensityMap.h) ---- */
 
 /* A list of models. */
 typedef struct brix_models brix_models;
@@ -457,6 +457,11 @@ BRIX_C_API int32_t brix_models_get(const brix_models* models, int64_t index, bri
 
 /* One model for each region of filled voxels that are connected through their faces. */
 BRIX_C_API int32_t brix_auto_split(const brix_model* model, brix_models** result, brix_error* error);
+/* A number for each voxel of a box at the model's finest level, x fastest, then y, then z: 0 where it is not filled, else the
+ * place of its region in the list above, counted from 1. `label_count` is the number of the box's voxels, which may lie anywhere;
+ * `result` gets how many regions the model has. */
+BRIX_C_API int32_t brix_label_regions(const brix_model* model, const brix_extents* box, uint32_t* labels, int64_t label_count,
+                                      int64_t* result, brix_error* error);
 /* One model for each level: filled where the weights of the models that are filled there add up to it. */
 BRIX_C_API int32_t brix_density_map(const brix_model* const* models, int64_t model_count, const double* weights,
                                     int64_t weight_count, const double* levels, int64_t level_count, int64_t voxel_lod,

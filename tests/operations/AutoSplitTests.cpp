@@ -1,7 +1,10 @@
 // Splitting against its voxel-by-voxel definition.
 #include "operations/AutoSplit.h"
 
+#include "model/VoxelArrays.h"
 #include "operations/BasicOperations.h"
+#include "operations/LabelRegions.h"
+#include "support/Messages.h"
 #include "support/RandomCompanions.h"
 #include "support/ReferenceOperations.h"
 
@@ -48,6 +51,26 @@ std::vector<ReferenceModel> Split(ReferenceModel model)
     return regions;
 }
 
+// The numbers of regions in a box that cuts the model and reaches beyond it.
+void ExpectLabels(const VoxelModel<bool>& model, const std::vector<ReferenceModel>& regions, const std::string& description)
+{
+    const Extents& extents = model.ExtentsRef(model.FinestLOD());
+    Triple lower = extents.LowerIndices();
+    for (std::size_t i = 0; i < 3; ++i) lower[i] += (extents.UpperIndices()[i] - lower[i]) / 5;
+    const Extents box = extents.WithIndices(Minus(lower, {0, 0, 1}), Plus(extents.UpperIndices(), {2, 0, 1}));
+    std::vector<std::uint32_t> expected(DenseSize(box)), labels(DenseSize(box), 99);
+    const ByteStrides strides = DenseStrides(box);
+    for (std::size_t i = 0; i < regions.size(); ++i) {
+        regions[i].ForEachVoxel([&](const Triple& voxel) {
+            if (!regions[i].Value(voxel) || !box.ContainsVoxel(voxel)) return;
+            const auto [x, y, z] = Minus(voxel, box.LowerIndices());
+            expected[static_cast<std::size_t>(x + y * strides.y + z * strides.z)] = static_cast<std::uint32_t>(i + 1);
+        });
+    }
+    ASSERT_EQ(LabelRegions(model, box, labels), regions.size()) << description;
+    ASSERT_EQ(labels, expected) << description;
+}
+
 void ExpectSplit(const ReferenceModel& reference, const VoxelModel<bool>& model, const std::string& description)
 {
     const std::vector<ReferenceModel> expected = Split(reference);
@@ -56,6 +79,7 @@ void ExpectSplit(const ReferenceModel& reference, const VoxelModel<bool>& model,
     for (std::size_t i = 0; i < regions.size(); ++i) {
         ASSERT_EQ(Differences(regions[i], expected[i]), "") << "region " << i << " of " << description;
     }
+    ExpectLabels(model, expected, description);
 }
 
 TEST(AutoSplit, GivesTheConnectedRegionsInStackOrder)
@@ -63,6 +87,20 @@ TEST(AutoSplit, GivesTheConnectedRegionsInStackOrder)
     for (const RandomModel& model : RandomModels(300, 120)) {
         ExpectSplit(model.reference, model.voxels, "random model " + std::to_string(model.seed));
     }
+}
+
+TEST(LabelRegions, RefusesOtherBoxes)
+{
+    const Extents extents(Frame, {0, 0, 0}, {3, 3, 3}, 1);
+    const VoxelModel<bool> model(extents, 1);
+    const auto refusal = [&](const Extents& box, std::size_t count) {
+        std::vector<std::uint32_t> labels(count);
+        return MessageOf([&] { LabelRegions(model, box, labels); });
+    };
+    const Extents elsewhere(Axes(2, {0, 0, 0}, 0, 0), {0, 0, 0}, {3, 3, 3}, 1);
+    EXPECT_EQ(refusal(elsewhere, 1), "The axes of a box of voxels must be those of the voxel model.");
+    EXPECT_EQ(refusal(model.ExtentsRef(0), 1), "The level of a box of labels must be the finest one of the voxel model.");
+    EXPECT_EQ(refusal(extents, 63), "There must be as many labels as the box has voxels.");
 }
 
 // Where three of ten voxels are filled, regions wind and meet again, within plates and across all borders. Some repeat over

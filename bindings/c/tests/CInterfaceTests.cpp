@@ -9,6 +9,7 @@
 #include "operations/BasicOperations.h"
 #include "operations/DensityMap.h"
 #include "operations/FillOperations.h"
+#include "operations/LabelRegions.h"
 #include "operations/ProximityOperations.h"
 #include "operations/SliceRows.h"
 #include "operations/SolidOperations.h"
@@ -528,6 +529,12 @@ TEST_F(CInterface, ReachesSplittingDensitiesConversionsAndNarrowedViews)
     };
     const auto inverted = Get<brix_model*>(brix_invert, cModel_.get());
     expectModels(AutoSplit(Invert(model_)), Get<brix_models*>(brix_auto_split, inverted.get()), "split");
+    const Extents& whole = model_.ExtentsRef(3);
+    std::vector<std::uint32_t> labels(DenseSize(whole)), found(labels.size(), 9);
+    const auto regions = static_cast<std::int64_t>(LabelRegions(Invert(model_), whole, labels));
+    const auto box3 = Get<brix_extents*>(brix_model_extents, inverted.get(), 3);
+    EXPECT_EQ(Get<std::int64_t>(brix_label_regions, inverted.get(), box3.get(), found.data(), std::ssize(found)), regions);
+    EXPECT_EQ(found, labels);
     const std::array<const brix_model*, 2> both{cModel_.get(), cOther_.get()};
     const std::array<double, 2> weights{0.25, 1};
     const std::array<double, 3> levels{1.25, 0.5, 0.25};

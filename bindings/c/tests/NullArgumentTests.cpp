@@ -109,6 +109,7 @@ private:
     std::int64_t* Given(std::int64_t*, Objects&, brix_error&) { return indicesOut_.data(); }
     std::int32_t* Given(std::int32_t*, Objects&, brix_error&) { return flagsOut_.data(); }
     std::uint8_t* Given(std::uint8_t*, Objects&, brix_error&) { return bytesOut_.data(); }
+    std::uint32_t* Given(std::uint32_t*, Objects&, brix_error&) { return labelsOut_.data(); }
     brix_error* Given(brix_error*, Objects&, brix_error& error) { return &error; }
     void* Given(void*, Objects&, brix_error&) { return this; }
     const float* Given(const float*, Objects&, brix_error&) { return floats_.data(); }
@@ -142,6 +143,7 @@ private:
     std::array<std::int64_t, 3> indicesOut_{};
     std::array<std::int32_t, 64> flagsOut_{};
     std::array<std::uint8_t, 256> bytesOut_{};
+    std::array<std::uint32_t, 64> labelsOut_{};
 };
 
 // "const double* coords, int64_t voxel_lod" gives coords, voxel_lod.

@@ -100,7 +100,7 @@ public class InterfaceTests
 
     private static string Kind(Type type) => type.IsPointer ? Kind(type.GetElementType()!) + "*" : type.Name switch {
         "Int32" => "int", "Int64" or "IndexTriple" => "long", "Double" or "PointTriple" => "double", "Byte" => "byte",
-        "Single" => "float",
+        "Single" => "float", "UInt32" => "uint",
         "IntPtr" => "handle", "Void" => "void", _ => type.Name
     };
 

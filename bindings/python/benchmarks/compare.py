@@ -99,7 +99,8 @@ def operations(array):
            lambda model: grown(model, 16), same)
     yield "fill (by label)", lambda: filled_by_label(array), lambda model: model.fill_enclosed(), same
     yield "fill (binary_fill_holes)", lambda: ndimage.binary_fill_holes(array), lambda model: model.fill_enclosed(), same
-    yield "labels, split", lambda: ndimage.label(array), lambda model: model.split(), lambda expected, regions: expected[1] == len(regions)
+    yield "labels (brix: an array)", lambda: ndimage.label(array), lambda model: model.label(), lambda expected, found: expected[1] == found[1]
+    yield "labels (brix: models)", lambda: ndimage.label(array), lambda model: model.split(), lambda expected, found: expected[1] == len(found)
 
 
 def filled_by_label(array):
@@ -110,6 +111,10 @@ def filled_by_label(array):
         outside[np.unique(face)] = True
     outside[0] = False
     return ~outside[labels]
+
+
+def to_array(result):
+    return result.to_numpy() if isinstance(result, brix.Model) else result
 
 
 def scene(name, model, rounds):
@@ -123,8 +128,8 @@ def scene(name, model, rounds):
         assert same(*results), (name, label)
         del results
         line = f"{label:32}{in_order(theirs):>8} {in_order(ours):>8} {in_order(theirs / ours):>8}"
-        if label != "labels, split":
-            (whole,), _ = medians(rounds, lambda: on_model(brix.Model.from_numpy(array)).to_numpy())
+        if label != "labels (brix: models)":
+            (whole,), _ = medians(rounds, lambda: to_array(on_model(brix.Model.from_numpy(array))))
             line += f" {in_order(whole):>8} {in_order(theirs / whole):>8}"
         print(line, flush=True)
 

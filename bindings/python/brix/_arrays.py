@@ -15,7 +15,7 @@ Point = Tuple[float, float, float]
 Voxel = Tuple[int, int, int]
 
 _C_TYPES = {np.dtype(np.float64): "double[]", np.dtype(np.float32): "float[]", np.dtype(np.int64): "int64_t[]",
-            np.dtype(np.int32): "int32_t[]", np.dtype(np.uint8): "uint8_t[]", np.dtype(np.bool_): "uint8_t[]"}
+            np.dtype(np.int32): "int32_t[]", np.dtype(np.uint32): "uint32_t[]", np.dtype(np.uint8): "uint8_t[]", np.dtype(np.bool_): "uint8_t[]"}
 
 
 def pointer(array: NDArray[Any]) -> Any:

@@ -1,10 +1,15 @@
-"""Boolean operations, and the models that a model falls apart into."""
+"""Boolean operations, and the regions that a model falls apart into."""
 from __future__ import annotations
 
-from typing import TYPE_CHECKING, Any, Iterable, List, Optional, Sequence
+from typing import TYPE_CHECKING, Any, Iterable, List, Optional, Sequence, Tuple
 
-from ._native import call, ffi, lib, make
+import numpy as np
+from numpy.typing import NDArray
+
+from ._arrays import pointer
+from ._native import call, ffi, lib, make, number
 from ._objects import EngineObject
+from .frame import Box
 
 if TYPE_CHECKING:
     from .model import Model
@@ -18,6 +23,7 @@ class Booleans(EngineObject):
     if TYPE_CHECKING:
         @property
         def finest_level(self) -> int: ...
+        def box(self, level: Optional[int] = None) -> Box: ...
 
     def union(self, *others: Model, level: Optional[int] = None, crop: bool = False) -> Model:
         """What this or one of the other models holds.
@@ -66,6 +72,22 @@ class Booleans(EngineObject):
         [2, 1]
         """
         return _models(make("models", lib.brix_auto_split, self._pointer))
+
+    def label(self, box: Optional[Box] = None) -> Tuple[NDArray[np.uint32], int]:
+        """The number of its region for each voxel of a box, an array of uint32 (nz, ny, nx) with 0 where nothing is filled, and how many
+        regions the model has: numbers as `split` has them, from 1 on. Regions are connected through the faces of their voxels.
+
+        box    at the finest level; the model's when it is left out
+
+        >>> labels, count = brix.Model.from_numpy([[[1, 1, 0, 1]]]).label()
+        >>> labels[0, 0], count
+        (array([1, 1, 0, 2], dtype=uint32), 2)
+        """
+        place = box or self.box()
+        call(lib.brix_require_memory_for_lists, 4 * float(np.prod(place.shape, dtype=np.float64)))
+        labels = np.empty(place.shape, dtype=np.uint32)
+        count = number("int64_t", lib.brix_label_regions, self._pointer, place._pointer, pointer(labels), labels.size)
+        return labels, int(count)
 
     def __or__(self, other: Model) -> Model:
         return self.union(other) if isinstance(other, Booleans) else NotImplemented

@@ -434,6 +434,10 @@ internal static unsafe class NativeMethods
     internal static extern int brix_auto_split(IntPtr model, IntPtr* result, NativeError* error);
 
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_label_regions(IntPtr model, IntPtr box, uint* labels, long labelCount, long* result,
+        NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
     internal static extern int brix_density_map(IntPtr* models, long modelCount, double* weights, long weightCount,
         double* levels,
         long levelCount, long voxelLOD, IntPtr* result, NativeError* error);
