@@ -179,10 +179,9 @@ def main():
     with tempfile.TemporaryDirectory() as folder:
         city = Path(folder, "city.stl")
         subprocess.run([program, "scene", "city", "--triangles", "1000000", "-o", city], check=True, stdout=subprocess.DEVNULL)
-        scenes = {"city": city}
-        bunny = ROOT.parent / "shared" / "data" / "stanford-bunny.stl"
-        if bunny.exists():
-            scenes = {"bunny": bunny, **scenes}
+        others = {"bunny": "stanford-bunny.stl", "rocker-arm, solid": "rocker-arm.stl"}
+        scenes = {name: ROOT.parent / "shared" / "data" / file for name, file in others.items()}
+        scenes = {"city": city, **{name: path for name, path in scenes.items() if path.exists()}}
         models = {}
         for name, path in scenes.items():
             file = brix.read_stl(path)
@@ -191,11 +190,11 @@ def main():
             if name == "city":
                 voxelization(build, path, voxel, rounds)
             models[name] = brix.voxelize(file, voxel=voxel)
+        for name in [name for name in models if name.endswith("solid")]:
+            models[name] = models[name].fill_enclosed()
     sphere = icosphere(5)
     print(f"\nAn icosphere of {len(sphere)} triangles at 128 voxels: "
           f"{statistics.median(milliseconds(lambda: brix.voxelize(sphere, voxel=2 / 128).fill_enclosed())[0] for _ in range(5)):.1f}, filled")
-    if "bunny" in models:
-        models = {"bunny, shell": models["bunny"], "bunny, solid": models["bunny"].fill_enclosed(), "city": models["city"]}
     threads([models["city"], models["city"] | models["city"]], rounds)
     for name, model in models.items():
         scene(name, model, rounds)

@@ -11,6 +11,7 @@ from ._native import call, ffi, lib
 Floats = NDArray[np.float64]
 Indices = NDArray[np.int64]
 Bools = NDArray[np.bool_]
+Faces = NDArray[np.int32]
 Point = Tuple[float, float, float]
 Voxel = Tuple[int, int, int]
 
@@ -87,6 +88,16 @@ def array_of_list(handle: Any, *shape: int) -> Floats:
     if result.size:
         call(lib.brix_list_copy, handle, 0, size[0], pointer(result))
     return result.reshape((-1, *shape)) if result.size else np.empty((0, *shape))
+
+
+def arrays_of_mesh(handle: Any) -> Tuple[Floats, Faces]:
+    """A mesh of the library as vertices (v, 3) and faces (n, 3)."""
+    size = ffi.new("int64_t[2]")
+    call(lib.brix_mesh_size, handle, size, size + 1)
+    vertices, faces = np.empty((size[0], 3)), np.empty((size[1], 3), dtype=np.int32)
+    call(lib.brix_mesh_copy_vertices, handle, 0, len(vertices), pointer(vertices))
+    call(lib.brix_mesh_copy_indices, handle, 0, len(faces), pointer(faces))
+    return vertices, faces
 
 
 def bytes_of(handle: Any) -> bytes:

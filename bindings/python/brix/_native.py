@@ -42,10 +42,13 @@ def call(function: Any, *arguments: Any, path: Optional[PathLike] = None) -> Non
     file that a failure is about.
     """
     error = ffi.new("brix_error*")
-    if threading.current_thread() is threading.main_thread():
-        _call_watched(function, arguments, error)
-    else:
-        function(*arguments, error)
+    try:
+        if threading.current_thread() is threading.main_thread():
+            _call_watched(function, arguments, error)
+        else:
+            function(*arguments, error)
+    except OverflowError as reason:
+        raise ValueError(f"A number is too large: {reason}.") from None
     if error.status != lib.BRIX_OK:
         raise _exception_of(error, path)
 

@@ -27,7 +27,14 @@ class EngineObject:
         return self._handle
 
     def close(self) -> None:
-        """Gives the memory back now. What is asked of it afterwards is a ValueError."""
+        """Gives the memory back now. What is asked of it afterwards is a ValueError.
+
+        >>> frame = brix.Frame(0.1)
+        >>> frame.close()
+        >>> frame.origin
+        Traceback (most recent call last):
+        ValueError: This Frame was closed.
+        """
         self._handle = None
 
     def __enter__(self: Self) -> Self:

@@ -1,6 +1,7 @@
 """Frames and boxes: where voxels are."""
 from __future__ import annotations
 
+import math
 from typing import Any, Iterable, Optional, Tuple, cast
 
 import numpy as np
@@ -34,11 +35,17 @@ class Frame(EngineObject):
                  origin: Iterable[float] = (0, 0, 0), rotation: float = 0) -> None:
         if not 0 <= level <= 5:
             raise ValueError(f"The level of a frame's voxel must lie between 0 and 5. The value encountered was {level}.")
+        if not 0 < voxel < math.inf:
+            raise ValueError(f"The width of a voxel must be greater than 0. The value encountered was {voxel}.")
         vertical = level if vertical_level is None else vertical_level
         self._handle = make("axes", lib.brix_axes_create, voxel * 2 ** level, point_of(origin, "origin"), rotation, vertical)
 
     def voxel_width(self, level: int) -> float:
-        """Width of a voxel at a level, in world units."""
+        """Width of a voxel at a level, in world units.
+
+        >>> brix.Frame(0.1).voxel_width(3)
+        0.2
+        """
         return cast(float, number("double", lib.brix_axes_voxel_width, self._pointer, level))
 
     @property
@@ -188,7 +195,11 @@ class Box(EngineObject):
         return cast(Voxel, three("int64_t", lib.brix_extents_closest_voxel, self._pointer, voxel_of(voxel)))
 
     def most_bytes(self, finest_level: Optional[int] = None) -> float:
-        """Bytes that no model on this box exceeds, whatever is filled in it."""
+        """Bytes that no model on this box exceeds, whatever is filled in it.
+
+        >>> brix.Box(brix.Frame(0.1), (0, 0, 0), (999, 999, 99)).most_bytes() < 100e6
+        True
+        """
         level = self.level if finest_level is None else finest_level
         return cast(float, number("double", lib.brix_most_bytes_of_model, self._pointer, level))
 

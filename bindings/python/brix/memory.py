@@ -19,5 +19,9 @@ def set_memory_limit(limit_bytes: float) -> None:
 
 
 def memory_limit() -> float:
-    """The limit that `set_memory_limit` set, in bytes."""
+    """The limit that `set_memory_limit` set, in bytes.
+
+    >>> brix.memory_limit()
+    inf
+    """
     return cast(float, number("double", lib.brix_get_memory_limit))

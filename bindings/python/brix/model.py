@@ -1,7 +1,7 @@
 """The model: its arrays, what it says of itself, saving and loading. What operations make of it stands in the files of its bases."""
 from __future__ import annotations
 
-from typing import Any, Iterable, Optional, Tuple, Union, cast
+from typing import Any, Iterable, List, Optional, Tuple, Union, cast
 
 import numpy as np
 from numpy.typing import ArrayLike, NDArray
@@ -90,6 +90,9 @@ class Model(Booleans, Bounds, Growth, Fills, Neighbours, Sight, Surfaces):
         call(lib.brix_copy_voxels_strided, self._pointer, place._pointer, memory, last + 1, out.strides[1], out.strides[0])
         return out
 
+    def __array__(self, dtype: Any = None, copy: Optional[bool] = None) -> NDArray[Any]:
+        return np.asarray(self.to_numpy(), dtype=dtype)
+
     def with_voxels(self, voxels: ArrayLike, *, lower: Iterable[int], level: Optional[int] = None) -> Model:
         """The model with a box of its voxels filled where an array (nz, ny, nx) is not 0, and emptied elsewhere.
 
@@ -113,14 +116,17 @@ class Model(Booleans, Bounds, Growth, Fills, Neighbours, Sight, Surfaces):
         array([[0, 1, 0, 0],
                [3, 3, 0, 0]])
         """
-        parts = []
+        parts: List[bytes] = []
+        failures: List[BaseException] = []  # a signal's, for one, whose handler runs in what is called back
 
         def keep(context: Any, first: Any, count: int) -> int:
             parts.append(bytes(ffi.buffer(first, 32 * count)))
             return 0
 
-        visit = ffi.callback("brix_run_visitor", keep, error=1)
+        visit = ffi.callback("brix_run_visitor", keep, error=1, onerror=lambda kind, value, traceback: failures.append(value))
         call(lib.brix_for_each_filled_run, self._pointer, self._level(level), visit, ffi.NULL)
+        for failure in failures:
+            raise failure
         return np.frombuffer(bytearray(b"".join(parts)), dtype=np.int64).reshape(-1, 4)
 
     def filled(self, level: Optional[int] = None) -> Indices:
@@ -190,19 +196,36 @@ class Model(Booleans, Bounds, Growth, Fills, Neighbours, Sight, Surfaces):
         return self.finest_level if level is None else level
 
     def box(self, level: Optional[int] = None) -> Box:
-        """Its box at a level, the finest one when that is left out."""
+        """Its box at a level, the finest one when that is left out.
+
+        >>> brix.Model.from_numpy(np.ones((1, 2, 3)), lower=(5, 0, 0)).box()
+        Box(lower=(5, 0, 0), upper=(7, 1, 0), level=4)
+        """
         return Box._of(make("extents", lib.brix_model_extents, self._pointer, self._level(level)))
 
     def count(self, level: Optional[int] = None) -> int:
-        """The number of filled voxels at a level, the finest one when that is left out. `len(model)` is that of the finest."""
+        """The number of filled voxels at a level, the finest one when that is left out. `len(model)` is that of the finest.
+
+        >>> model = brix.Model.from_numpy([[[1, 1, 1]]])
+        >>> model.count(), model.count(3)
+        (3, 2)
+        """
         return cast(int, number("int64_t", lib.brix_count_filled, self._pointer, self._level(level)))
 
     def is_empty(self, level: Optional[int] = None) -> bool:
-        """Whether no voxel is filled."""
+        """Whether no voxel is filled.
+
+        >>> brix.Model.from_numpy([[[0, 0]]]).is_empty()
+        True
+        """
         return bool(number("int32_t", lib.brix_is_empty, self._pointer, self._level(level)))
 
     def is_full(self, level: Optional[int] = None) -> bool:
-        """Whether every voxel of its box is filled."""
+        """Whether every voxel of its box is filled.
+
+        >>> brix.Model.from_numpy([[[1, 0]]]).is_full()
+        False
+        """
         return bool(number("int32_t", lib.brix_is_full, self._pointer, self._level(level)))
 
     def __len__(self) -> int:
@@ -215,7 +238,11 @@ class Model(Booleans, Bounds, Growth, Fills, Neighbours, Sight, Surfaces):
         return bool(self.is_filled(voxel_of(voxel)))
 
     def content_hash(self) -> bytes:
-        """A hash of 16 bytes, equal for models with equal frame, box, levels and voxels, on every platform."""
+        """A hash of 16 bytes, equal for models with equal frame, box, levels and voxels, on every platform.
+
+        >>> brix.Model.from_numpy([[[1, 0]]]).content_hash().hex()
+        'aeef1bea476664c7bfe2eae00c2464ec'
+        """
         result = ffi.new("uint8_t[16]")
         call(lib.brix_content_hash, self._pointer, result)
         return bytes(result)
@@ -252,7 +279,11 @@ class Model(Booleans, Bounds, Growth, Fills, Neighbours, Sight, Surfaces):
     # ---- Saving, pickling
 
     def to_bytes(self) -> bytes:
-        """The model as bytes, the same for equal models on every platform: what `save` writes."""
+        """The model as bytes, the same for equal models on every platform: what `save` writes.
+
+        >>> brix.Model.from_numpy([[[1, 0]]]).to_bytes()[:4]
+        b'BRIX'
+        """
         return bytes_of(make("bytes", lib.brix_save_model, self._pointer))
 
     @classmethod
@@ -267,12 +298,23 @@ class Model(Booleans, Bounds, Growth, Fills, Neighbours, Sight, Surfaces):
         return cls._of(make("model", lib.brix_load_model, memory, len(memory)))
 
     def save(self, path: PathLike) -> None:
-        """Writes the model to a file. A file of that name stays as it is until the new one is complete."""
+        """Writes the model to a file. A file of that name stays as it is until the new one is complete.
+
+        >>> model = brix.Model.from_numpy([[[1, 0]]])
+        >>> model.save("model.brix")
+        >>> brix.Model.load("model.brix") == model
+        True
+        """
         write_whole(path, self.to_bytes())
 
     @classmethod
     def load(cls, path: PathLike) -> Model:
-        """Reads a model from a file that `save`, or the program brix, has written. An OSError tells what is wrong with it."""
+        """Reads a model from a file that `save`, or the program brix, has written. An OSError tells what is wrong with it.
+
+        >>> brix.Model.from_numpy([[[1, 0]]]).save("model.brix")
+        >>> len(brix.Model.load("model.brix"))
+        1
+        """
         with open(path, "rb") as stream:
             data = stream.read()
         return cls._of(make("model", lib.brix_load_model, ffi.from_buffer("uint8_t[]", data), len(data), path=path))

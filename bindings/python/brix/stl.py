@@ -1,7 +1,7 @@
 """STL files."""
 from __future__ import annotations
 
-from typing import Any, List, Optional, Tuple, cast
+from typing import Any, List, Optional, Tuple, Union, cast
 
 import numpy as np
 from numpy.typing import ArrayLike, NDArray
@@ -98,21 +98,33 @@ class StlFile(EngineObject):
         return f"StlFile({len(self)} triangles, {'closed' if self.is_closed else 'open'}, {len(self.findings)} findings)"
 
 
-def read_stl(path: PathLike, *, swap_yz: bool = False, drop_degenerate: bool = False) -> StlFile:
+def read_stl(file: Union[PathLike, bytes], *, swap_yz: bool = False, drop_degenerate: bool = False) -> StlFile:
     """Reads an STL file, binary or text, leniently: `findings` tells what was left out or guessed. An OSError tells that it cannot be
     read at all.
 
+    file                its path, or what it holds
+
     swap_yz             the file has its Y axis up: its (X, Y, Z) become (X, -Z, Y)
     drop_degenerate     triangles without area are left out
+
+    >>> brix.read_stl(b"solid facet normal 0 0 1 outer loop vertex 0 0 0 vertex 1 0 0 vertex 0 1 0 endloop endfacet endsolid")
+    StlFile(1 triangles, open, 0 findings)
     """
-    name = encoded(path)
-    return StlFile._of(make("stl", lib.brix_read_stl, name, len(name), swap_yz, drop_degenerate, True, 100, path=path))
+    how = swap_yz, drop_degenerate, True, 100
+    if isinstance(file, bytes):
+        return StlFile._of(make("stl", lib.brix_read_stl_bytes, ffi.from_buffer("uint8_t[]", file), len(file), *how))
+    name = encoded(file)
+    return StlFile._of(make("stl", lib.brix_read_stl, name, len(name), *how, path=file))
 
 
 def write_stl(path: PathLike, triangles: ArrayLike, *, binary: bool = True, swap_yz: bool = False) -> None:
     """Writes triangles, an array (n, 3, 3) in world units, as an STL file. A file of that name stays until the new one is complete.
 
     swap_yz    the file gets its Y axis up: (x, y, z) become its (x, z, -y)
+
+    >>> brix.write_stl("plate.stl", [[[0, 0, 0], [1, 0, 0], [0, 1, 0]]], binary=False)
+    >>> len(brix.read_stl("plate.stl"))
+    1
     """
     array = triangles_of(triangles)
     write_whole(path, bytes_of(make("bytes", lib.brix_save_stl_bytes, pointer(array), len(array), binary, swap_yz)))

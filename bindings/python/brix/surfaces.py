@@ -1,9 +1,9 @@
 """Voxels as triangles, boxes and rectangles, in world units."""
 from __future__ import annotations
 
-from typing import TYPE_CHECKING, Optional, cast
+from typing import TYPE_CHECKING, Optional, Tuple, cast
 
-from ._arrays import Floats, array_of_list
+from ._arrays import Faces, Floats, array_of_list, arrays_of_mesh
 from ._native import lib, make, number
 from ._objects import EngineObject
 
@@ -15,6 +15,20 @@ class Surfaces(EngineObject):
 
     if TYPE_CHECKING:
         def _level(self, level: Optional[int]) -> int: ...
+
+    def surface(self, level: Optional[int] = None, *, smooth: bool = False, smoothing_steps: int = 0) -> Tuple[Floats, Faces]:
+        """The closed surface of the filled voxels: vertices, world points (v, 3), and faces, indices (n, 3), counter-clockwise seen from
+        outside. Every edge belongs to exactly two triangles.
+
+        smooth             False: the faces of the voxels; True: surface nets, whose vertices stay within half a voxel of those
+        smoothing_steps    of a smooth surface
+
+        >>> vertices, faces = brix.Model.from_numpy([[[1, 1]]]).surface()
+        >>> vertices.shape, faces.shape
+        ((12, 3), (20, 3))
+        """
+        mesh = make("mesh", lib.brix_surface_mesh, self._pointer, self._level(level), smooth, smoothing_steps)
+        return arrays_of_mesh(mesh)
 
     def tessellate(self, level: Optional[int] = None) -> Floats:
         """Triangles of boxes that cover the filled voxels, as an array (n, 3, 3).

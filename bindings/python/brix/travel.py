@@ -77,6 +77,10 @@ class PathModel(EngineObject):
 
         lower, upper   world heights of places that are drawn: those of a storey
         ax             Matplotlib's axes to draw into; without any, those of a new figure. They are given back
+
+        >>> floor = brix.Model.from_numpy(np.ones((1, 4, 5)))
+        >>> walk = brix.PathModel(floor, diameter_voxels=1, height_voxels=2)
+        >>> walk.plot(upper=2).figure.savefig("walkable.png")
         """
         return plots.draw_walkable(self, lower, upper, ax)
 
@@ -113,7 +117,14 @@ class DistanceField(EngineObject):
 
     def to_numpy(self, box: Optional[Box] = None) -> Floats:
         """World distances of the voxels of a box (that of the walkable ones when it is left out), as an array of float64 (nz, ny, nx);
-        NaN where nothing is reached."""
+        NaN where nothing is reached.
+
+        >>> floor = brix.Model.from_numpy(np.ones((1, 4, 5)))
+        >>> walk = brix.PathModel(floor, diameter_voxels=1, height_voxels=2)
+        >>> field = brix.DistanceField(walk, (0.5, 0.5, 1.5))
+        >>> field.to_numpy()[0, 0]
+        array([0., 1., 2., 3., 4.])
+        """
         place = box or self._box
         result = np.empty(place.shape)
         call(lib.brix_distance_field_copy_distances, self._pointer, place._pointer, pointer(result), result.size)
@@ -133,7 +144,15 @@ class DistanceField(EngineObject):
         return _with_nan(result)
 
     def distances(self) -> Tuple[Floats, Floats]:
-        """Centres of all voxels that are reached, world points (n, 3), and their distances (n,)."""
+        """Centres of all voxels that are reached, world points (n, 3), and their distances (n,).
+
+        >>> floor = brix.Model.from_numpy(np.ones((1, 4, 5)))
+        >>> walk = brix.PathModel(floor, diameter_voxels=1, height_voxels=2)
+        >>> field = brix.DistanceField(walk, (0.5, 0.5, 1.5))
+        >>> points, distances = field.distances()
+        >>> points[1], distances[1]
+        (array([1.5, 0.5, 1.5]), 1.0)
+        """
         both = array_of_list(make("list", lib.brix_distance_field_distances, self._pointer), 4)
         return both[:, :3], both[:, 3]
 
@@ -148,7 +167,14 @@ class DistanceField(EngineObject):
         return cast(Voxel, three("int64_t", lib.brix_distance_field_farthest_voxel, self._pointer))
 
     def reachable(self, within: Optional[float] = None) -> Model:
-        """The voxels that are reached, at all or within a world distance."""
+        """The voxels that are reached, at all or within a world distance.
+
+        >>> floor = brix.Model.from_numpy(np.ones((1, 4, 5)))
+        >>> walk = brix.PathModel(floor, diameter_voxels=1, height_voxels=2)
+        >>> field = brix.DistanceField(walk, (0.5, 0.5, 1.5))
+        >>> len(field.reachable()), len(field.reachable(within=1.0))
+        (20, 3)
+        """
         if within is None:
             return Model._of(make("model", lib.brix_distance_field_reachable_voxels, self._pointer))
         return Model._of(make("model", lib.brix_distance_field_reachable_within, self._pointer, within))
@@ -158,6 +184,11 @@ class DistanceField(EngineObject):
 
         lower, upper   world heights of places that are drawn: those of a storey
         ax             Matplotlib's axes to draw into; without any, those of a new figure. They are given back
+
+        >>> floor = brix.Model.from_numpy(np.ones((1, 4, 5)))
+        >>> walk = brix.PathModel(floor, diameter_voxels=1, height_voxels=2)
+        >>> field = brix.DistanceField(walk, (0.5, 0.5, 1.5))
+        >>> field.plot().figure.savefig("distances.png")
         """
         return plots.draw_distances(self, lower, upper, ax)
 

@@ -6,8 +6,8 @@ from typing import Any, Optional, Tuple
 import numpy as np
 from numpy.typing import ArrayLike, NDArray
 
-from ._arrays import Floats, numbers, pointer, rows, triangles_of
-from ._native import call, ffi, lib, make
+from ._arrays import Faces, Floats, arrays_of_mesh, numbers, pointer, rows, triangles_of
+from ._native import call, lib, make
 from .frame import DEFAULT_LEVEL, Box, Frame
 from .model import Model
 
@@ -47,7 +47,7 @@ def _voxelize_in_box(triangles: Floats, box: Box, level: int) -> Model:
     return Model._of(make("model", lib.brix_model_from_triangles, pointer(triangles), len(triangles), box._pointer, level))
 
 
-def _mesh_of(vertices: ArrayLike, faces: ArrayLike) -> Tuple[NDArray[Any], NDArray[np.int32]]:
+def _mesh_of(vertices: ArrayLike, faces: ArrayLike) -> Tuple[NDArray[Any], Faces]:
     array = numbers(vertices, "vertices")
     points = rows(array, "vertices", np.float32 if array.dtype == np.float32 else np.float64).reshape(-1, 3)
     return points, rows(faces, "faces", np.int32).reshape(-1, 3)
@@ -65,7 +65,7 @@ def corners(vertices: ArrayLike, faces: ArrayLike) -> Floats:
     return points[indices].astype(np.float64)
 
 
-def index(triangles: ArrayLike) -> Tuple[Floats, NDArray[np.int32]]:
+def index(triangles: ArrayLike) -> Tuple[Floats, Faces]:
     """Triangles (n, 3, 3) as vertices (v, 3) and faces (n, 3): corners that are equal become one vertex.
 
     >>> vertices, faces = brix.index(np.zeros((2, 3, 3)))
@@ -73,13 +73,7 @@ def index(triangles: ArrayLike) -> Tuple[Floats, NDArray[np.int32]]:
     ((1, 3), (2, 3))
     """
     array = triangles_of(triangles)
-    mesh = make("mesh", lib.brix_mesh_from_triangles, pointer(array), len(array))
-    size = ffi.new("int64_t[2]")
-    call(lib.brix_mesh_size, mesh, size, size + 1)
-    vertices, faces = np.empty((size[0], 3)), np.empty((size[1], 3), dtype=np.int32)
-    call(lib.brix_mesh_copy_vertices, mesh, 0, len(vertices), pointer(vertices))
-    call(lib.brix_mesh_copy_indices, mesh, 0, len(faces), pointer(faces))
-    return vertices, faces
+    return arrays_of_mesh(make("mesh", lib.brix_mesh_from_triangles, pointer(array), len(array)))
 
 
 def normals(triangles: ArrayLike) -> Floats:

@@ -13,7 +13,7 @@ import brix
 @given(voxels(), corners(), st.integers(0, 5))
 def test_voxels_come_back_as_they_were_given(array, lower, level):
     model = model_of(array, lower, level=level)
-    assert np.array_equal(model.to_numpy(), array)
+    assert np.array_equal(model.to_numpy(), array) and np.array_equal(np.asarray(model), array)
     assert model.box().lower == lower and model.box().shape == array.shape
     assert len(model) == array.sum() and model.is_empty() == (not array.any()) and model.is_full() == array.all()
     expected = np.argwhere(array)[:, ::-1] + lower

@@ -36,9 +36,10 @@ def public():
 
 
 @pytest.mark.parametrize("name, thing", list(public()), ids=lambda value: value if isinstance(value, str) else "")
-def test_everything_public_is_documented(name, thing):
-    text = inspect.getdoc(thing)
-    assert text and text[0].isupper() or text[0] in "`\"", name
+def test_everything_public_is_documented_and_shown(name, thing):
+    text = inspect.getdoc(thing) or ""
+    assert text[:1].isupper() or text[:1] in ("`", "\""), name
+    assert ">>> " in text or isinstance(thing, property) or name.startswith("Leak"), name  # properties are shown by their classes
 
 
 ROOT = Path(__file__).resolve().parents[3]

@@ -55,7 +55,8 @@ def soon(action, seconds):
     lambda model: model.expand_horizontally(1999),
     lambda model: model.fill_enclosed() | model.split()[0],
     lambda model: [model.tessellate() for _ in range(99)],
-], ids=["growth", "regions", "triangles"])
+    lambda model: model.runs(),
+], ids=["growth", "regions", "triangles", "runs"])
 def test_ctrl_c_ends_a_running_operation_within_a_tenth_of_a_second(work):
     model = noise(220)
     with soon(lambda: signal.raise_signal(signal.SIGINT) if os.name == "nt" else os.kill(os.getpid(), signal.SIGINT), 0.15) as at:

@@ -114,6 +114,18 @@ def test_boxes_and_triangles_cover_the_voxels(array):
     assert np.isclose(volume_of(np.concatenate([np.stack([a, b, c], 1), np.stack([a, c, d], 1)])), array.sum() / 8)
 
 
+@given(voxels(), st.sampled_from(((False, 0), (True, 0), (True, 3))))
+def test_surfaces_are_closed(array, smoothness):
+    vertices, faces = model_of(array, frame=brix.Frame(0.5)).surface(smooth=smoothness[0], smoothing_steps=smoothness[1])
+    edges = np.concatenate([faces[:, [0, 1]], faces[:, [1, 2]], faces[:, [2, 0]]])
+    forth, back = (np.unique(part, axis=0, return_counts=True) for part in (edges, edges[:, ::-1]))
+    assert np.array_equal(forth[0], back[0]) and (forth[1] == 1).all()
+    sides = [np.diff(np.pad(array, 1).astype(int), axis=axis).astype(bool).sum() for axis in range(3)]
+    assert len(faces) == 2 * sum(sides)
+    if not smoothness[0]:
+        assert np.isclose(volume_of(vertices[faces]), array.sum() / 8)
+
+
 def volume_of(triangles):
     """Signed volume of closed surfaces."""
     return np.einsum("ij,ij->i", triangles[:, 0], np.cross(triangles[:, 1], triangles[:, 2])).sum() / 6
@@ -166,6 +178,8 @@ def test_boxes_frames_and_levels_change():
     (lambda model: model | model_of(np.ones((1, 1, 1)), frame=brix.Frame(1)), "axes"),
     (lambda model: model.fill_from_point((1, 2)), "The point must have three coordinates, not 2."),
     (lambda model: model.is_filled([1, 2]), r"The voxels must have the shape \(..., 3\), not \(2,\)."),
+    (lambda model: brix.Frame(float("nan")), "must be greater than 0. The value encountered was nan."),
+    (lambda model: model.expand_along_x(2**40, 0), "A number is too large: "),
     (lambda model: brix.Frame(1, level=6), "must lie between 0 and 5. The value encountered was 6."),
     (lambda model: brix.Model.from_numpy([[1]]), "shape"),
     (lambda model: brix.Model.from_bytes(b"brix"), "saved voxel model"),

@@ -71,6 +71,7 @@ def test_stl_files_are_written_and_read(tmp_path, binary, swap):
     assert file.is_binary == binary and file.is_closed and file.is_sound and file.findings == [] and len(file) == 4
     assert file.bounds == ((0, 0, 0), (4, 4, 4)) and np.isclose(file.volume, np.linalg.det(VERTICES[1:]) / 6)
     assert brix.voxelize(file, voxel=0.25) == SOLID
+    assert np.array_equal(brix.read_stl(path.read_bytes(), swap_yz=swap).triangles, file.triangles)
 
 
 def test_damage_of_stl_files_is_told_and_other_files_are_os_errors(tmp_path):
