@@ -1,9 +1,9 @@
 // STL files read leniently, and the count over their surface: a million triangles of a torus, closed, in the order in which a
 // program writes a surface.
 //
-// ReadStl/binary, /ascii   beside   ReadStlBaseline/...   the strict reader, which takes no notice of damage CountMesh
-// beside   CountMeshBaseline     vertices and edges in the standard library's hash tables CountMesh                beside
-// ReadStl/binary        the count may take half as long again as reading
+//   ReadStl/binary, /ascii   beside ReadStlBaseline/..., the strict reader, which takes no notice of damage
+//   CountMesh                beside CountMeshBaseline, vertices and edges in the standard library's hash tables;
+//                            and beside ReadStl/binary: the count may take half as long again as reading
 #include "StlMeasures.h"
 #include "triangles/StlReader.h"
 
