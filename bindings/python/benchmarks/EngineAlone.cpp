@@ -1,19 +1,19 @@
-// What compare.py measures of voxelization, done by the engine alone: milliseconds of each round, for triangles and for a mesh.
+// What compare.py measures of voxelization, done by the engine alone: milliseconds of processor time, for triangles and a mesh.
 //   EngineAlone FILE.stl VOXEL_WIDTH_AT_LEVEL_4 ROUNDS
 #include <brix.h>
 
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 
 namespace {
 
 template <class Work> void Measure(const char* name, const Work& work)
 {
-    const auto start = std::chrono::steady_clock::now();
+    const std::clock_t start = std::clock();
     const brix::VoxelModel<bool> model = work();
-    const std::chrono::duration<double, std::milli> time = std::chrono::steady_clock::now() - start;
-    std::printf("%s %.3f %lld\n", name, time.count(), static_cast<long long>(brix::CountFilled(model, 4)));
+    const double milliseconds = 1000.0 * static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
+    std::printf("%s %.3f %lld\n", name, milliseconds, static_cast<long long>(brix::CountFilled(model, 4)));
 }
 
 } // namespace
