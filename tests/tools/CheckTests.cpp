@@ -19,6 +19,15 @@ const std::string box = [] {
     return file.str();
 }();
 
+TEST_F(Program, WritesMeshesThatItFindsSound)
+{
+    ASSERT_EQ(Run("scene building --storeys 2 -o house.stl").exitCode, 0);
+    ASSERT_EQ(Run("run house.stl --voxels 200 -- write-mesh --smooth 2 smooth.stl keep-largest write-mesh blocky.stl").exitCode,
+              0);
+    EXPECT_EQ(Run("check smooth.stl").exitCode, 0) << Run("check smooth.stl").output;
+    EXPECT_NE(Run("check blocky.stl --json").output.find("\"open\": 0"), std::string::npos); // but edges of four triangles
+}
+
 TEST_F(Program, ChecksFilesAndEndsWithWhatItFound)
 {
     Write("box.stl", box);

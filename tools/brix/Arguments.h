@@ -9,15 +9,34 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <span>
+#include <string_view>
 
 namespace brix::tools {
 
 class Arguments
 {
 public:
-    Arguments(const std::string& step, const std::string* first) : step_(step), next_(first) {}
+    /// `wanted`: how the help writes them.
+    Arguments(const std::string& step, const std::string& wanted, std::span<const std::string> words)
+        : step_(step), wanted_(wanted), left_(words)
+    {}
 
-    std::string Word() { return *next_++; }
+    std::string Word()
+    {
+        if (left_.empty()) throw UsageError("The step " + step_ + " needs " + wanted_ + ".");
+        const std::string& word = left_.front();
+        left_ = left_.subspan(1);
+        return word;
+    }
+
+    /// Whether an option stands here, which is read then.
+    bool Option(std::string_view name)
+    {
+        if (left_.empty() || left_.front() != name) return false;
+        left_ = left_.subspan(1);
+        return true;
+    }
 
     int Integer()
     {
@@ -29,9 +48,12 @@ public:
     /// Those that were read.
     const std::vector<std::int64_t>& Integers() const { return integers_; }
 
+    /// What was not read.
+    std::span<const std::string> Left() const { return left_; }
+
     double Number()
     {
-        const std::string& word = *next_;
+        const std::string word = left_.empty() ? "" : left_.front();
         const double number = Read<double>("a number");
         if (!std::isfinite(number)) throw Complaint("a number", word);
         return number;
@@ -67,7 +89,8 @@ private:
     }
 
     std::string step_;
-    const std::string* next_;
+    std::string wanted_;
+    std::span<const std::string> left_;
     std::vector<std::int64_t> integers_;
 };
 

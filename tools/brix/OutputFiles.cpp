@@ -116,7 +116,7 @@ void SaveMesh(const VoxelModel<bool>& model, const LevelFile& output, std::optio
         const auto [a, b, c] = TriangleOf(mesh, i);
         triangles[i] = {mesh.vertices[a], mesh.vertices[b], mesh.vertices[c]};
     }
-    Save(smoothingSteps ? "write-smooth-mesh" : "write-mesh", triangles, output, options, ascii, watch);
+    Save("write-mesh", triangles, output, options, ascii, watch);
 }
 
 } // namespace brix::tools

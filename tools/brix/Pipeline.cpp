@@ -8,17 +8,16 @@
 #include <brix/operations/BasicOperations.h>
 
 #include <algorithm>
+#include <span>
 
 namespace brix::tools {
 namespace {
 
-const Step& FindStep(const std::vector<std::string>& words, std::size_t position)
+const Step& FindStep(const std::string& name)
 {
     const std::vector<Step>& steps = AllSteps();
-    const auto step = std::find_if(steps.begin(), steps.end(), [&](const Step& s) { return s.name == words[position]; });
-    if (step == steps.end()) throw UsageError("There is no step \"" + words[position] + "\"; brix run --help lists them.");
-    const auto left = static_cast<std::ptrdiff_t>(words.size() - position - 1);
-    if (left < step->ArgumentCount()) throw UsageError("The step " + step->name + " needs " + step->arguments + ".");
+    const auto step = std::find_if(steps.begin(), steps.end(), [&](const Step& s) { return s.name == name; });
+    if (step == steps.end()) throw UsageError("There is no step \"" + name + "\"; brix run --help lists them.");
     return *step;
 }
 
@@ -27,12 +26,12 @@ const Step& FindStep(const std::vector<std::string>& words, std::size_t position
 std::vector<Action> ReadSteps(const std::vector<std::string>& words, Plan& plan)
 {
     std::vector<Action> actions;
-    for (std::size_t position = 0; position < words.size();) {
-        const Step& step = FindStep(words, position);
-        Arguments arguments(step.name, words.data() + position + 1);
+    for (std::span<const std::string> left = words; !left.empty();) {
+        const Step& step = FindStep(left.front());
+        Arguments arguments(step.name, step.arguments, left.subspan(1));
         std::function<void(Pipeline&)> run = step.read(plan, arguments);
         actions.push_back({{step.name, arguments.Integers()}, std::move(run)});
-        position += static_cast<std::size_t>(step.ArgumentCount()) + 1;
+        left = arguments.Left();
     }
     return actions;
 }

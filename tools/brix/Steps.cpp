@@ -204,21 +204,17 @@ auto Write(void (*save)(const Voxels&, const LevelFile&, const GridOptions&, boo
     };
 }
 
-Run WriteMesh(Plan& plan, const std::string& file, std::optional<int> smoothingSteps)
+Run ReadWriteMesh(Plan& plan, Arguments& arguments)
 {
-    const LevelFile output = ParseLevelFile(file, plan.lod);
+    std::optional<int> smoothingSteps;
+    if (arguments.Option("--smooth")) smoothingSteps = arguments.Integer();
+    const LevelFile output = ParseLevelFile(arguments.Word(), plan.lod);
     plan.files.Write(output.filePath);
     return [=](const Pipeline& p) {
         // The engine judges the number of steps before the work, on the empty model of the rehearsal.
         if (p.isRehearsal && smoothingSteps) (void)SurfaceMesh(p.model, 0, {SurfaceStyle::Smooth, *smoothingSteps});
         if (!p.isRehearsal) SaveMesh(p.model, output, smoothingSteps, p.grid, p.ascii);
     };
-}
-
-Run ReadSmoothMesh(Plan& plan, Arguments& arguments)
-{
-    const int steps = arguments.Integer();
-    return WriteMesh(plan, arguments.Word(), steps);
 }
 
 Run ReadSlice(Plan& plan, Arguments& arguments)
@@ -286,9 +282,8 @@ const std::vector<Step>& AllSteps()
         {"write", "[LEVEL=]FILE", "write the voxels as STL, or as .brix, .npy, .nrrd or .json", Write(SaveVoxels)},
         {"write-surface", "[LEVEL=]FILE", "write the surface of the voxels as STL, in as few rectangles as it takes",
          Write(SaveSurface)},
-        {"write-mesh", "[LEVEL=]FILE", "write the faces of the voxels as a closed STL mesh without T-junctions",
-         [](Plan& plan, Arguments& arguments) { return WriteMesh(plan, arguments.Word(), std::nullopt); }},
-        {"write-smooth-mesh", "STEPS [LEVEL=]FILE", "the same as a smooth surface, smoothed by that many steps", ReadSmoothMesh},
+        {"write-mesh", "[--smooth STEPS] [LEVEL=]FILE",
+         "write the faces of the voxels as a closed STL mesh without T-junctions, or a smooth one", ReadWriteMesh},
         {"slice", "AXIS=POSITION FILE", "draw a slice as PNG, SVG or PDF", ReadSlice},
     };
     return steps;

@@ -4,7 +4,6 @@
 #include "Arguments.h"
 #include "Pipeline.h"
 
-#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -13,14 +12,9 @@ namespace brix::tools {
 struct Step
 {
     std::string name;
-    std::string arguments; // words in capitals
+    std::string arguments; // words in capitals, and options in brackets
     std::string meaning;
     std::function<std::function<void(Pipeline&)>(Plan&, Arguments&)> read; // what to run
-
-    std::ptrdiff_t ArgumentCount() const
-    {
-        return arguments.empty() ? 0 : 1 + std::count(arguments.begin(), arguments.end(), ' ');
-    }
 };
 
 const std::vector<Step>& AllSteps();
