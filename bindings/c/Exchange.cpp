@@ -1,9 +1,12 @@
 // Voxels and models as bytes in the caller's memory.
+#include "ByteCollector.h"
 #include "Objects.h"
 
 #include <brix/frame/Require.h>
+#include <brix/storage/VoxelFiles.h>
 
 #include <algorithm>
+#include <ostream>
 
 using namespace brix;
 using namespace brix::capi;
@@ -44,6 +47,30 @@ std::int32_t Written(const brix_model* model, const brix_extents* box, const std
         write(copy);
         MakeModel(result, std::move(copy));
     });
+}
+
+constexpr std::size_t HeaderBytes = 1000; // at most, of an array in a file
+
+// A file in memory whose voxels take `share` bytes each: its own bytes, and a byte for each voxel of a layer of chunks.
+template <class Save>
+std::int32_t SaveArray(const brix_model* model, std::int64_t lod, double share, const char* asked, brix_bytes** result,
+                       brix_error* error, const Save& save)
+{
+    const auto sizeOf = [&](std::int64_t most) {
+        const Extents& extents = VoxelsOf(model).ExtentsRef(lod);
+        const Triple size = Plus(Minus(extents.UpperIndices(), extents.LowerIndices()), {1, 1, 1});
+        return static_cast<double>(size[0] + 7) * static_cast<double>(size[1]) * static_cast<double>(std::min(size[2], most));
+    };
+    const auto fileBytes = [&] { return share * sizeOf(std::numeric_limits<std::int64_t>::max()) + HeaderBytes; };
+    return Guarded(
+        error, {model, result}, asked, [&] { return fileBytes() + sizeOf(ChunkHeight); },
+        [&] {
+            ByteCollector bytes(static_cast<std::size_t>(fileBytes()));
+            std::ostream stream(&bytes);
+            stream.exceptions(std::ios::badbit); // so that memory that runs out is told as such
+            save(VoxelsOf(model), stream);
+            Make(result, bytes.Take());
+        });
 }
 
 } // namespace
@@ -129,6 +156,20 @@ std::int32_t brix_content_hash(const brix_model* model, std::uint8_t* result_16,
         const Hash128 hash = ContentHash(VoxelsOf(model));
         std::copy(hash.begin(), hash.end(), result_16);
     });
+}
+
+std::int32_t brix_save_npy(const brix_model* model, std::int64_t voxel_lod, std::int32_t pack_bits, brix_bytes** result,
+                           brix_error* error)
+{
+    const NpyVoxels voxels = pack_bits != 0 ? NpyVoxels::PackedBits : NpyVoxels::Bytes;
+    return SaveArray(model, voxel_lod, pack_bits != 0 ? 0.125 : 1, "the NumPy array", result, error,
+                     [&](const VoxelModel<bool>& from, std::ostream& to) { SaveNpy(from, voxel_lod, to, voxels); });
+}
+
+std::int32_t brix_save_nrrd(const brix_model* model, std::int64_t voxel_lod, brix_bytes** result, brix_error* error)
+{
+    return SaveArray(model, voxel_lod, 1, "the NRRD volume", result, error,
+                     [&](const VoxelModel<bool>& from, std::ostream& to) { SaveNrrd(from, voxel_lod, to); });
 }
 
 void brix_bytes_free(brix_bytes* bytes) { delete bytes; }

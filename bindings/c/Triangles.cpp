@@ -1,10 +1,10 @@
 // Triangles, files, meshes, and lists of results.
+#include "ByteCollector.h"
 #include "Objects.h"
 
 #include <filesystem>
 #include <limits>
 #include <ostream>
-#include <streambuf>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -47,28 +47,6 @@ std::filesystem::path PathAt(const char* path, std::int64_t length)
 } // namespace brix::capi
 
 namespace {
-
-// A stream's bytes in memory.
-class ByteCollector : public std::streambuf
-{
-public:
-    std::vector<std::uint8_t> Take() { return std::move(bytes_); }
-
-protected:
-    std::streamsize xsputn(const char* bytes, std::streamsize count) override
-    {
-        bytes_.insert(bytes_.end(), bytes, bytes + count);
-        return count;
-    }
-    int_type overflow(int_type byte) override
-    {
-        bytes_.push_back(static_cast<std::uint8_t>(traits_type::to_char_type(byte)));
-        return byte;
-    }
-
-private:
-    std::vector<std::uint8_t> bytes_;
-};
 
 class TessellationList : public brix_list
 {

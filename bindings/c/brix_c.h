@@ -347,7 +347,7 @@ BRIX_C_API int32_t brix_are_filled(const brix_model* model, const int64_t* voxel
 BRIX_C_API int32_t brix_are_filled_at(const brix_model* model, const double* points, int64_t point_count, int64_t voxel_lod,
                                       uint8_t* result, brix_error* error);
 
-/* ---- Voxels and models as bytes (brix/model/VoxelArrays.h, brix/storage/SavedModel.h) ---- */
+/* ---- Voxels and models as bytes (brix/model/VoxelArrays.h, brix/storage/SavedModel.h and VoxelFiles.h) ---- */
 
 /* A byte for each voxel of a box at its level, x fastest, then y, then z: 1 where it is filled, 0 where it is not or lies outside
  * the model. `byte_count` is the number of the box's voxels. */
@@ -382,6 +382,13 @@ BRIX_C_API int32_t brix_save_model(const brix_model* model, brix_bytes** result,
 BRIX_C_API int32_t brix_load_model(const uint8_t* bytes, int64_t byte_count, brix_model** result, brix_error* error);
 /* The last 16 bytes of what saving would write: a hash of frame, extents, levels and voxels. */
 BRIX_C_API int32_t brix_content_hash(const brix_model* model, uint8_t* result_16, brix_error* error);
+
+/* The voxels of a level as files that others read (brix/storage/VoxelFiles.h), of a byte for each voxel of the extents: an array
+ * for numpy.load with the shape (z, y, x), or with `pack_bits` other than 0 eight voxels along x in a byte, as numpy.unpackbits
+ * takes them; and an NRRD volume, uncompressed, with its place in the world. */
+BRIX_C_API int32_t brix_save_npy(const brix_model* model, int64_t voxel_lod, int32_t pack_bits, brix_bytes** result,
+                                 brix_error* error);
+BRIX_C_API int32_t brix_save_nrrd(const brix_model* model, int64_t voxel_lod, brix_bytes** result, brix_error* error);
 
 /* ---- Single voxels (brix/model/VoxelIterator.h) ---- */
 

@@ -21,6 +21,20 @@ template <class Save> std::string Saved(const VoxelModel<bool>& model, std::int6
     return stream.str();
 }
 
+std::string SavedNpy(const VoxelModel<bool>& model, std::int64_t lod, NpyVoxels voxels)
+{
+    return Saved(model, lod, [&](const auto& from, std::int64_t level, auto& to) { SaveNpy(from, level, to, voxels); });
+}
+
+// As numpy.unpackbits takes them.
+std::string Unpacked(const std::string& rows, std::size_t width)
+{
+    std::string bytes;
+    for (std::size_t row = 0; row < rows.size(); row += (width + 7) / 8)
+        for (std::size_t x = 0; x < width; ++x) bytes += static_cast<char>(rows[row + x / 8] >> (7 - x % 8) & 1);
+    return bytes;
+}
+
 std::string PlainBytes(const ReferenceModel& level)
 {
     std::string bytes;
@@ -38,7 +52,7 @@ TEST(VoxelFiles, HoldEveryVoxelOfALevelBehindTheirHeader)
             const auto [x, y, z] = SizeOf(model.voxels.ExtentsRef(lod));
             const std::string bytes = PlainBytes(level);
 
-            const std::string npy = Saved(model.voxels, lod, SaveNpy);
+            const std::string npy = SavedNpy(model.voxels, lod, NpyVoxels::Bytes);
             ASSERT_EQ(npy.substr(0, 8), std::string("\x93NUMPY\x01\x00", 8));
             const std::size_t header = static_cast<std::uint8_t>(npy[8]) + 256U * static_cast<std::uint8_t>(npy[9]);
             ASSERT_EQ((10 + header) % 64, 0U);
@@ -47,10 +61,17 @@ TEST(VoxelFiles, HoldEveryVoxelOfALevelBehindTheirHeader)
             ASSERT_NE(npy.substr(10, header).find("'shape': " + shape), std::string::npos) << model;
             ASSERT_EQ(npy.substr(10 + header), bytes) << model << " level " << lod;
 
+            const std::string packed = SavedNpy(model.voxels, lod, NpyVoxels::PackedBits);
+            const std::size_t start = packed.find('\n') + 1;
+            ASSERT_EQ(packed.substr(start).size(), static_cast<std::size_t>((x + 7) / 8 * y * z)) << model;
+            ASSERT_EQ(Unpacked(packed.substr(start), static_cast<std::size_t>(x)), bytes) << model << " level " << lod;
+            ASSERT_NE(packed.substr(0, start).find(", " + std::to_string((x + 7) / 8) + ")"), std::string::npos);
+
             const std::string nrrd = Saved(model.voxels, lod, SaveNrrd);
             const std::size_t end = nrrd.find("\n\n");
             const std::string sizes = std::to_string(x) + ' ' + std::to_string(y) + ' ' + std::to_string(z);
             ASSERT_NE(nrrd.substr(0, end).find("\nsizes: " + sizes + "\n"), std::string::npos) << model;
+            ASSERT_EQ(nrrd.substr(0, end + 2), NrrdHeader(model.voxels, lod, "raw"));
             ASSERT_EQ(nrrd.substr(end + 2), bytes) << model << " level " << lod;
         }
     }

@@ -120,6 +120,10 @@ private:
     std::unique_ptr<Cairo, Delete> cairo_;
 };
 
+/// A PNG file of grey pixels, eight bits each, rows from the uppermost down. Throws std::runtime_error when an edge is longer
+/// than 32,000 pixels.
+std::string GreyPicture(std::int64_t width, std::int64_t height, const std::vector<std::uint8_t>& pixels);
+
 /// Writes a file. Throws std::runtime_error when that fails.
 void SavePicture(const std::filesystem::path& filePath, const std::string& content);
 

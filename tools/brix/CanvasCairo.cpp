@@ -7,6 +7,7 @@
 #include <cairo-svg.h>
 #include <cairo.h>
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 #include <stdexcept>
@@ -207,6 +208,28 @@ std::string Canvas::Finish()
         throw std::runtime_error(std::string("Failed to draw the picture: ") + cairo_status_to_string(status) + ".");
     if (format_ == PictureFormat::SVG) AddDescription(content_, texts_);
     return std::move(content_);
+}
+
+// A surface of opacities is written as grey.
+std::string GreyPicture(std::int64_t width, std::int64_t height, const std::vector<std::uint8_t>& pixels)
+{
+    if (static_cast<double>(std::max(width, height)) > MaxEdge)
+        throw std::runtime_error("The picture would be " + std::to_string(width) + " x " + std::to_string(height) +
+                                 " pixels. Choose a coarser level.");
+    cairo_surface_t* const surface =
+        cairo_image_surface_create(CAIRO_FORMAT_A8, static_cast<int>(width), static_cast<int>(height));
+    const std::ptrdiff_t stride = cairo_image_surface_get_stride(surface);
+    unsigned char* const data = cairo_image_surface_get_data(surface);
+    for (std::ptrdiff_t row = 0; row < height && data != nullptr; ++row)
+        std::copy_n(pixels.begin() + row * width, width, data + row * stride);
+    cairo_surface_mark_dirty(surface);
+    std::string content;
+    cairo_status_t status = cairo_surface_status(surface);
+    if (status == CAIRO_STATUS_SUCCESS) status = cairo_surface_write_to_png_stream(surface, Append, &content);
+    cairo_surface_destroy(surface);
+    if (status != CAIRO_STATUS_SUCCESS)
+        throw std::runtime_error(std::string("Failed to draw the picture: ") + cairo_status_to_string(status) + ".");
+    return content;
 }
 
 } // namespace brix::tools

@@ -31,4 +31,10 @@ void Canvas::Clip(double, double, double, double) {}
 void Canvas::Unclip() {}
 std::string Canvas::Finish() { return {}; }
 
+std::string GreyPicture(std::int64_t, std::int64_t, const std::vector<std::uint8_t>&)
+{
+    RequireCanvas();
+    return {};
+}
+
 } // namespace brix::tools

@@ -3,7 +3,9 @@
 #include "OutputFile.h"
 #include "Report.h"
 #include "SceneFiles.h"
+#include "SliceStack.h"
 #include "System.h"
+#include "VoxelFiles.h"
 
 #include <algorithm>
 
@@ -67,6 +69,17 @@ void FilePlan::Read(const fs::path& filePath)
 void FilePlan::Write(const fs::path& filePath)
 {
     RequireWritable(filePath);
+    NoteOutput(filePath);
+}
+
+void FilePlan::WriteVoxels(const fs::path& filePath)
+{
+    RequireVoxelFormat(filePath);
+    IsFolderName(filePath) ? NoteOutput(filePath) : Write(filePath);
+}
+
+void FilePlan::NoteOutput(const fs::path& filePath)
+{
     if (IsStandardOutput(filePath)) GiveStandardOutputAway();
     if (!IsDevice(filePath)) {
         if (Holds(outputs_, filePath)) throw UsageError("The output " + Quoted(filePath) + " is given twice.");

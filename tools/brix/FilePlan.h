@@ -17,7 +17,13 @@ public:
     /// When it is standard output, the report goes elsewhere from here on.
     void Write(const std::filesystem::path& filePath);
 
+    /// The same for voxels: in a file, or in a folder of pictures, whose name ends with a slash.
+    /// Throws as RequireVoxelFormat does, too.
+    void WriteVoxels(const std::filesystem::path& filePath);
+
 private:
+    void NoteOutput(const std::filesystem::path& filePath);
+
     std::vector<std::filesystem::path> inputs_;
     std::vector<std::filesystem::path> outputs_;
 };

@@ -29,6 +29,8 @@ struct GridOptions
     std::optional<double> memoryLimit; // GB (10^9 bytes); a part of the machine's memory when not given
     double outputLimit = 2;            // GB
     bool swapYZ = false;
+    bool gzip = false;     // .nrrd files that are written
+    bool packBits = false; // .npy files that are written
 };
 
 /// Adds the input file and the grid's options to a command. `options` must live as long as the command.

@@ -123,6 +123,16 @@ void RequireMemoryForStep(const PlannedStep& step, const VoxelModel<bool>& model
     if (bytes > limit) throw TooMuch(step.name, bytes, limit, voxel * std::sqrt(bytes / limit), options);
 }
 
+void RequireMemoryToWrite(double bytesBeside, const VoxelModel<bool>& model, const GridOptions& options)
+{
+    const std::int64_t lod = model.FinestLOD();
+    const double memory = ProgramBytes + BytesToVoxelize(SizeOf(model, lod), model.AxesRef(), {}) + bytesBeside;
+    PrintDetail("estimate", BytesText(memory) + " of memory to write the voxels", {{"bytes", memory}});
+    const double voxel = model.AxesRef().WorldVoxelWidth(lod);
+    if (const double limit = MemoryLimit(options); memory > limit)
+        throw TooMuch("write", memory, limit, voxel * std::sqrt(memory / limit), options);
+}
+
 void RequireSpaceForTriangles(double triangleCount, double bytesBeside, bool ascii, const VoxelModel<bool>& model,
                               const GridOptions& options)
 {

@@ -28,4 +28,7 @@ void RequireMemoryForStep(const PlannedStep& step, const VoxelModel<bool>& model
 void RequireSpaceForTriangles(double triangleCount, double bytesBeside, bool ascii, const VoxelModel<bool>& model,
                               const GridOptions& options);
 
+/// The same for what writing a file takes beside the model.
+void RequireMemoryToWrite(double bytesBeside, const VoxelModel<bool>& model, const GridOptions& options);
+
 } // namespace brix::tools

@@ -15,6 +15,7 @@
 #include "operations/SolidOperations.h"
 #include "operations/SurfaceOperations.h"
 #include "storage/SavedModel.h"
+#include "storage/VoxelFiles.h"
 #include "support/FailingAllocations.h"
 #include "support/Messages.h"
 #include "travel/Path.h"
@@ -75,6 +76,14 @@ auto Get(std::int32_t (*function)(Parameters...), const Arguments&... arguments)
         return Owned<std::remove_pointer_t<Result>>(result);
     else
         return result;
+}
+
+std::string TextOf(const Owned<brix_bytes>& bytes)
+{
+    std::string text(static_cast<std::size_t>(Get<std::int64_t>(brix_bytes_size, bytes.get())), '\0');
+    auto* const to = reinterpret_cast<std::uint8_t*>(text.data());
+    EXPECT_EQ(brix_bytes_copy(bytes.get(), 0, std::ssize(text), to, nullptr), BRIX_OK);
+    return text;
 }
 
 template <class Number, class... Parameters, class... Arguments>
@@ -394,6 +403,14 @@ TEST_F(CInterface, MovesVoxelsAndModelsThroughMemory)
     std::array<std::uint8_t, 16> hash{};
     ASSERT_EQ(brix_content_hash(cModel_.get(), hash.data(), nullptr), BRIX_OK);
     EXPECT_TRUE(std::equal(hash.begin(), hash.end(), bytes.end() - 16));
+    for (const bool isPacked : {false, true}) {
+        std::ostringstream npy;
+        SaveNpy(model_, 2, npy, isPacked ? NpyVoxels::PackedBits : NpyVoxels::Bytes);
+        EXPECT_EQ(TextOf(Get<brix_bytes*>(brix_save_npy, cModel_.get(), 2, isPacked)), npy.str());
+    }
+    std::ostringstream nrrd;
+    SaveNrrd(model_, 2, nrrd);
+    EXPECT_EQ(TextOf(Get<brix_bytes*>(brix_save_nrrd, cModel_.get(), 2)), nrrd.str());
     bytes.back() ^= 1;
     brix_model* damaged = nullptr;
     EXPECT_EQ(FailureOf(brix_load_model, bytes.data(), savedSize, &damaged).status, BRIX_FILE_FAILURE);
@@ -635,14 +652,6 @@ TEST_F(CInterface, RefusesNullModelsInListsAndCountsThatCannotBe)
     for (const std::int64_t count : {std::int64_t{-1}, most})
         EXPECT_EQ(FailureOf(brix_model_from_triangles, coords_, count, cExtents_.get(), 0, &model).status, BRIX_INVALID_ARGUMENT);
     EXPECT_EQ(FailureOf(brix_rows_at_slice, cModel_.get(), 3, 0, 0, 0, 0, &rows).status, BRIX_INVALID_ARGUMENT);
-}
-
-std::string TextOf(const Owned<brix_bytes>& bytes)
-{
-    std::string text(static_cast<std::size_t>(Get<std::int64_t>(brix_bytes_size, bytes.get())), '\0');
-    auto* const to = reinterpret_cast<std::uint8_t*>(text.data());
-    EXPECT_EQ(brix_bytes_copy(bytes.get(), 0, std::ssize(text), to, nullptr), BRIX_OK);
-    return text;
 }
 
 TEST_F(CInterface, ReadsStlFilesWithTheirReport)

@@ -3,6 +3,8 @@ using System.Collections.Generic;
 using System.Globalization;
 using System.IO;
 using System.Linq;
+using System.Numerics;
+using System.Text;
 using static BrixCLI.Tests.Scene;
 
 namespace BrixCLI.Tests;
@@ -107,6 +109,23 @@ public class ModelTests
             Assert.Equal(model.ContentHash(), loaded.ContentHash());
         }
         using (VoxelModelCLI loaded = VoxelModelCLI.Load(saved)) Assert.Equal(saved[^16..], loaded.ContentHash());
+
+        ExtentsCLI whole = model.Extents(5);
+        byte[] array = model.CopyVoxels(whole);
+        var npy = new MemoryStream();
+        model.SaveNpy(npy, 5);
+        Assert.Equal(array, npy.ToArray()[^array.Length..]);
+        Assert.Equal("NUMPY"u8.ToArray(), npy.ToArray()[1..6]);
+        var packed = new MemoryStream();
+        model.SaveNpy(packed, 5, true);
+        Assert.Equal(array.Sum(voxel => voxel), packed.ToArray()[128..].Sum(bits => BitOperations.PopCount(bits)));
+        var nrrd = new MemoryStream();
+        model.SaveNrrd(nrrd, 5);
+        Assert.Equal(array, nrrd.ToArray()[^array.Length..]);
+        Assert.StartsWith("NRRD0004\ntype: uint8\n", Encoding.ASCII.GetString(nrrd.ToArray()));
+        Assert.Equal("The stream cannot be null.", MessageOf(() => model.SaveNpy(null!, 5)));
+        Assert.Equal("The stream cannot be null.", MessageOf(() => model.SaveNrrd(null!, 5)));
+        Assert.NotEqual("", MessageOf(() => model.SaveNrrd(nrrd, 6)));
 
         Assert.Equal("The saved voxel model is cut off.", MessageOf(() => VoxelModelCLI.Load([])));
         Assert.Equal("The saved voxel model is cut off.", MessageOf(() => VoxelModelCLI.Load(new MemoryStream())));

@@ -3,6 +3,7 @@
 
 #include "../Pipeline.h"
 #include "../Report.h"
+#include "../VoxelFiles.h"
 
 #include <brix/triangles/Voxelization.h>
 
@@ -42,6 +43,7 @@ void AddRunCommand(CLI::App& program)
     const auto options = std::make_shared<Options>();
     CLI::App& command = *program.add_subcommand("run", "Take the voxels of an STL file through operations, one after the other");
     AddGridOptions(command, options->grid);
+    AddVoxelFileOptions(command, options->grid);
     command.add_flag("--ascii", options->ascii, "Write ASCII (six digits) instead of binary STL");
     command.add_option("steps", options->steps, "Operations, after --")->required()->type_name("-- STEP...");
     command.footer(

@@ -3,6 +3,7 @@
 
 #include "../FilePlan.h"
 #include "../OutputFiles.h"
+#include "../VoxelFiles.h"
 
 namespace brix::tools {
 namespace {
@@ -22,7 +23,7 @@ std::vector<LevelFile> ParseOutputs(const Options& options)
     std::vector<LevelFile> outputs;
     for (const std::string& text : options.outputs) {
         outputs.push_back(ParseLevelFile(text, options.grid.lod));
-        files.Write(outputs.back().filePath);
+        files.WriteVoxels(outputs.back().filePath);
     }
     return outputs;
 }
@@ -43,11 +44,13 @@ void AddVoxelizeCommand(CLI::App& program)
         *program.add_subcommand("voxelize", "Fill the voxels that an STL file's triangles touch; write them as STL");
     AddGridOptions(command, options->grid);
     command
-        .add_option("-o,--output", options->outputs,
-                    "STL file, or .brix, .npy, .nrrd, .json, for the voxels of the finest level, or of the given one; repeatable")
+        .add_option(
+            "-o,--output", options->outputs,
+            "STL file, or another that brix convert writes, for the voxels of the finest level, or of the given one; repeatable")
         ->required()
         ->allow_extra_args(false)
         ->type_name("[LEVEL=]OUT.stl");
+    AddVoxelFileOptions(command, options->grid);
     command.add_flag("--ascii", options->ascii, "Write ASCII (six digits) instead of binary STL");
     command.footer("A level L has voxels of half the width of level L - 1; all have the width of the vertical level as height.\n"
                    "Examples, for a file in metres:\n"

@@ -280,6 +280,31 @@ public sealed unsafe partial class VoxelModelCLI
     private static VoxelModelCLI Load(byte* saved, int length) => FromBytes(saved, (bytes, result, error) =>
         NativeMethods.brix_load_model(bytes, length, result, error));
 
+    /// <summary>Writes the voxels of a level as an array that numpy.load reads: bytes with the shape (z, y, x), 1 where one is
+    /// filled, counted from the lower corner of the extents; or packed, eight voxels along x in a byte, as numpy.unpackbits takes
+    /// them along the axis 2. The file is held in memory while it is written.</summary>
+    /// <param name="stream">a stream that can be written to; it stays open</param>
+    /// <param name="voxelLOD">the level</param>
+    /// <param name="packBits">whether eight voxels share a byte</param>
+    /// <exception cref="Exception">the stream is null; the level does not exist; memory runs out; the stream fails, which is the
+    /// inner exception</exception>
+    public void SaveNpy(Stream stream, int voxelLOD, bool packBits = false)
+    {
+        if (stream is null) throw new Exception("The stream cannot be null.");
+        NativeBytes.WriteTo(stream, "The NumPy array", Engine.Call<IntPtr>((result, error) =>
+            NativeMethods.brix_save_npy(Pointer, voxelLOD, Engine.Flag(packBits), result, error)));
+    }
+
+    /// <summary>Writes the voxels of a level as a volume in the format NRRD, uncompressed, with its place in the world, which
+    /// viewers of volumes read.</summary>
+    /// <inheritdoc cref="SaveNpy"/>
+    public void SaveNrrd(Stream stream, int voxelLOD)
+    {
+        if (stream is null) throw new Exception("The stream cannot be null.");
+        NativeBytes.WriteTo(stream, "The NRRD volume", Engine.Call<IntPtr>((result, error) =>
+            NativeMethods.brix_save_nrrd(Pointer, voxelLOD, result, error)));
+    }
+
     /// <summary>128 bits of the model's content, frame, box, levels and voxels: the same for equal models, on every platform, and
     /// different for others.</summary>
     /// <returns>16 bytes</returns>

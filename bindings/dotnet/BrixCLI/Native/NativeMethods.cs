@@ -285,7 +285,7 @@ internal static unsafe class NativeMethods
     internal static extern int brix_are_filled_at(IntPtr model, double* points, long pointCount, long voxelLOD, byte* result,
         NativeError* error);
 
-    // ---- Voxels and models as bytes (brix/model/VoxelArrays.h, brix/storage/SavedModel.h) ----
+    // ---- Voxels and models as bytes (brix/model/VoxelArrays.h, brix/storage/SavedModel.h and VoxelFiles.h) ----
 
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
     internal static extern int brix_copy_voxels(IntPtr model, IntPtr box, byte* bytes, long byteCount, NativeError* error);
@@ -321,6 +321,12 @@ internal static unsafe class NativeMethods
 
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
     internal static extern int brix_content_hash(IntPtr model, byte* result16, NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_save_npy(IntPtr model, long voxelLOD, int packBits, IntPtr* result, NativeError* error);
+
+    [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+    internal static extern int brix_save_nrrd(IntPtr model, long voxelLOD, IntPtr* result, NativeError* error);
 
     // ---- Single voxels (brix/model/VoxelIterator.h) ----
 
