@@ -98,6 +98,37 @@ TEST_F(Program, ReadsAndWritesPipesOnce)
               0);
 }
 
+TEST_F(Program, WritesAFolderOfPicturesAsAWholeOrNotAtAll)
+{
+    MakeHouse();
+    fs::create_directories(folder_ / "empty");
+    ASSERT_EQ(Run("run house.stl --voxel 0.1 -- write layers/ write 2=empty/").exitCode, 0);
+    const std::string names = NamesIn(folder_ / "layers");
+    EXPECT_EQ(names.find("layer-0000.png layer-0001.png "), 0U);
+    EXPECT_EQ(names, NamesIn(folder_ / "empty")) << "all levels have the same height here";
+    const std::string all = NamesIn(folder_);
+    const std::string old = ContentOf(folder_ / "layers/layer-0000.png");
+
+    const std::string tooMuch = "trap '' XFSZ; ulimit -f 1;"; // a file of 512 bytes
+    for (const auto& [arguments, before, sentence] : std::vector<std::array<std::string, 3>>{
+             {"convert house.stl layers/ --voxel 0.2", "", "Failed to write the folder \"layers/\": Directory not empty."},
+             {"convert house.stl none/layers/ --voxel 0.2", "", "\"none/layers/\": No such file or directory."},
+             {"convert house.stl house.stl/ --voxel 0.2", "", "\"house.stl/\": Not a directory."},
+             {"convert house.stl new/ --voxel 0.02", tooMuch, "Failed to write the folder \"new\": File too large."},
+             {"convert house.stl big.vox --voxel 0.1", tooMuch, "Failed to write the file \"big.vox\": File too large."},
+             {"convert house.stl big.nrrd --gzip --voxel 0.05", tooMuch, "\"big.nrrd\": File too large."},
+             {"convert house.stl new/ --voxel 0.1 --output-limit 0.001", "", "raise --output-limit"},
+             {"run house.stl --voxel 0.1 -- write-mesh new/", "", "\"new/\""}}) {
+        const Outcome outcome = Run(arguments, before);
+        EXPECT_EQ(outcome.exitCode, 1) << arguments;
+        EXPECT_NE(outcome.error.find(sentence), std::string::npos) << arguments << '\n' << outcome.error;
+        EXPECT_EQ(NamesIn(folder_), all) << arguments;
+    }
+    EXPECT_EQ(Run("convert house.stl new/ ./new/ --voxel 0.1").exitCode, 2);
+    EXPECT_EQ(NamesIn(folder_ / "layers"), names);
+    EXPECT_EQ(ContentOf(folder_ / "layers/layer-0000.png"), old);
+}
+
 TEST_F(Program, ShowsNoControlCharactersOfNames)
 {
     const std::string name = "a\x1b[31m\xc2\x9b\x9b\n\xc3\xa9.stl";

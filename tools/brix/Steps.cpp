@@ -197,7 +197,7 @@ auto Write(void (*save)(const Voxels&, const LevelFile&, const GridOptions&, boo
 {
     return [save](Plan& plan, Arguments& arguments) -> Run {
         const LevelFile output = ParseLevelFile(arguments.Word(), plan.lod);
-        plan.files.Write(output.filePath);
+        save == SaveVoxels ? plan.files.WriteVoxels(output.filePath) : plan.files.Write(output.filePath);
         return [=](const Pipeline& p) {
             if (!p.isRehearsal) save(p.model, output, p.grid, p.ascii);
         };
@@ -279,7 +279,7 @@ const std::vector<Step>& AllSteps()
          Replace(ReadVisibleInCone)},
         {"visible-in-pyramid", "X Y Z DX DY DZ WIDTH HEIGHT RADIUS THRESHOLD", "what a camera sees; angles in degrees",
          Replace(ReadVisibleInPyramid)},
-        {"write", "[LEVEL=]FILE", "write the voxels as STL, or as .brix, .npy, .nrrd or .json", Write(SaveVoxels)},
+        {"write", "[LEVEL=]FILE", "write the voxels as STL, or as brix convert does by the ending", Write(SaveVoxels)},
         {"write-surface", "[LEVEL=]FILE", "write the surface of the voxels as STL, in as few rectangles as it takes",
          Write(SaveSurface)},
         {"write-mesh", "[--smooth STEPS] [LEVEL=]FILE",

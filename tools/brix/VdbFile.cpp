@@ -131,7 +131,7 @@ void RequireVdb()
 
 double BytesToWriteVdb(const VoxelModel<bool>& model, std::int64_t lod)
 {
-    constexpr double BytesOfCutBlock = 2048 + 300; // its floats, itself, and its part of the file
+    constexpr double BytesOfCutBlock = 2048 + 450; // its floats, itself, and its part of the file as it grows
     constexpr double BytesOfNode = 40e3;           // of 16 x 16 x 16 blocks
     constexpr double BytesOfLibrary = 40e6;
     constexpr std::int64_t NodeWidth = 128;
