@@ -51,19 +51,27 @@ std::int32_t Written(const brix_model* model, const brix_extents* box, const std
 
 constexpr std::size_t HeaderBytes = 1000; // at most, of an array in a file
 
-// A file in memory whose voxels take `share` bytes each: its own bytes, and a byte for each voxel of a layer of chunks.
+// A file in memory whose voxels take `share` bytes each. While it is made there are besides a byte for each voxel of a layer of
+// chunks, the texts that its header is put together of, and lists of the stacks in a row.
 template <class Save>
 std::int32_t SaveArray(const brix_model* model, std::int64_t lod, double share, const char* asked, brix_bytes** result,
                        brix_error* error, const Save& save)
 {
-    const auto sizeOf = [&](std::int64_t most) {
+    const auto size = [&] {
         const Extents& extents = VoxelsOf(model).ExtentsRef(lod);
-        const Triple size = Plus(Minus(extents.UpperIndices(), extents.LowerIndices()), {1, 1, 1});
-        return static_cast<double>(size[0] + 7) * static_cast<double>(size[1]) * static_cast<double>(std::min(size[2], most));
+        return Plus(Minus(extents.UpperIndices(), extents.LowerIndices()), {1, 1, 1});
     };
-    const auto fileBytes = [&] { return share * sizeOf(std::numeric_limits<std::int64_t>::max()) + HeaderBytes; };
+    const auto bytesOfLayers = [&](std::int64_t most) {
+        const auto [x, y, z] = size();
+        return static_cast<double>(x + 7) * static_cast<double>(y) * static_cast<double>(std::min(z, most));
+    };
+    const auto fileBytes = [&] { return share * bytesOfLayers(std::numeric_limits<std::int64_t>::max()) + HeaderBytes; };
+    const auto workBytes = [&] {
+        const auto stacksInRow = static_cast<double>(size()[0] / PlateWidth + 2);
+        return bytesOfLayers(ChunkHeight) + 3 * HeaderBytes + 6 * sizeof(void*) * stacksInRow;
+    };
     return Guarded(
-        error, {model, result}, asked, [&] { return fileBytes() + sizeOf(ChunkHeight); },
+        error, {model, result}, asked, [&] { return fileBytes() + workBytes(); },
         [&] {
             ByteCollector bytes(static_cast<std::size_t>(fileBytes()));
             std::ostream stream(&bytes);
