@@ -563,7 +563,7 @@ BRIX_C_API int32_t brix_count_tessellation_triangles(const brix_model* model, in
                                                      brix_error* error);
 
 /* The closed surface between filled and empty voxels at a level, oriented outwards, with exactly two triangles at every edge:
- * blocky, or smooth with so many steps of smoothing (brix/triangles/SurfaceMesh.h). Triangles 2i and 2i + 1 are face i. */
+ * blocky, or smooth with 0 to 1000 steps of smoothing (brix/triangles/SurfaceMesh.h). Triangles 2i and 2i + 1 are face i. */
 BRIX_C_API int32_t brix_surface_mesh(const brix_model* model, int64_t voxel_lod, int32_t is_smooth, int32_t smoothing_steps,
                                      brix_mesh** result, brix_error* error);
 

@@ -22,7 +22,7 @@ struct CornerPlates
     /// Moves on to the corners of a height of the slab, 0 to 63, one after the other.
     void MoveTo(std::int64_t z);
 
-    /// Whether no stack beside and below these corners has anything but filled voxels.
+    /// Whether the stacks around these corners are filled wholly, and so are the voxels right below them.
     bool IsAmidstFilled() const;
 
     /// Faces between voxel 0 around each corner and those on its upper side along x, y and z. Each face of the level is one of
